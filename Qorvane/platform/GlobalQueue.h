@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/QualityOfService.h"
+
+#include <functional>
+
+namespace Qorvane {
+
+/// The shared pools, one per quality of service. Blocks of one pool run at the same time, in no fixed order.
+class GlobalQueue
+{
+public:
+    using Block = std::function<void()>;
+
+    /// Queues `block` on the pool of `quality` and returns at once. Any thread.
+    static void async(QualityOfService quality, Block block);
+
+    /// Waits until every pool is idle. For an orderly end of tests and tools; not from a pool's own block.
+    static void waitUntilIdle();
+};
+
+} // namespace Qorvane

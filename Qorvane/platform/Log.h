@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace Qorvane::Log {
+
+/// Receives one line, without its line end. Called from the thread that logged, one call at a time.
+using Sink = std::function<void(const QString &line)>;
+
+/// Writes one line to standard output. There are no levels: a leading emoji tells the kind.
+/// Callable from any thread; a line is written whole and at once, so that a killed process keeps what it
+/// said.
+void line(const QString &text);
+
+/// Puts `sink` in place of standard output; an empty sink restores it.
+void setSink(Sink sink);
+
+} // namespace Qorvane::Log
