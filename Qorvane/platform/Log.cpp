@@ -51,6 +51,21 @@ void line(const QString &text)
     writeAll(bytes);
 }
 
+void lines(const QByteArray &utf8)
+{
+    const std::scoped_lock lock(mutex());
+    if (!currentSink()) {
+        writeAll(utf8);
+        return;
+    }
+    for (qsizetype start = 0; start < utf8.size();) {
+        const qsizetype found = utf8.indexOf('\n', start);
+        const qsizetype end = found < 0 ? utf8.size() : found;
+        currentSink()(QString::fromUtf8(utf8.constData() + start, end - start));
+        start = end + 1;
+    }
+}
+
 void setSink(Sink sink)
 {
     const std::scoped_lock lock(mutex());

@@ -1,0 +1,179 @@
+#include "store/EmbeddingStore.h"
+
+#include "platform/Log.h"
+#include "store/ImageRemoval.h"
+#include "store/RowCounts.h"
+#include "store/StoreReports.h"
+
+namespace Qorvane {
+
+EmbeddingStore &EmbeddingStore::shared()
+{
+    // Lives until the process ends: background runs may still be inside an operation when static objects go.
+    static EmbeddingStore *const instance = new EmbeddingStore;
+    return *instance;
+}
+
+EmbeddingStore::EmbeddingStore()
+    : m_images(m_connection)
+    , m_tags(m_connection)
+    , m_ratings(m_connection)
+    , m_queue("com.qorvane.embeddingstore", QualityOfService::utility)
+{
+    m_connection.openDatabase();
+    m_connection.createTables();
+}
+
+template <typename Body>
+std::invoke_result_t<Body> EmbeddingStore::onQueue(const Body &body)
+{
+    using Result = std::invoke_result_t<Body>;
+    if constexpr (std::is_void_v<Result>) {
+        m_queue.sync([&] {
+            body();
+            m_connection.closeRetired();
+        });
+    } else {
+        Result result{};
+        onQueue([&] { result = body(); });
+        return result;
+    }
+}
+
+void EmbeddingStore::upsert(const QString &path, const std::optional<QString> &thumbnailPath,
+                            const std::vector<float> &vector, int dim, double mtime)
+{
+    onQueue([&] { m_images.upsert(path, thumbnailPath, vector, dim, mtime); });
+}
+
+bool EmbeddingStore::isUpToDate(const QString &path, double mtime)
+{
+    return onQueue([&] { return m_images.isUpToDate(path, mtime); });
+}
+
+std::vector<ImageVectorRow> EmbeddingStore::fetch(const QStringList &paths)
+{
+    std::vector<ImageVectorRow> rows;
+    if (!paths.isEmpty())
+        scanVectors(paths, [&rows](const ImageVectorView &row) { rows.push_back(row.copy()); });
+    return rows;
+}
+
+std::vector<ImageVectorRow> EmbeddingStore::fetchAll()
+{
+    std::vector<ImageVectorRow> rows;
+    scanVectors({}, [&rows](const ImageVectorView &row) { rows.push_back(row.copy()); });
+    return rows;
+}
+
+void EmbeddingStore::scanVectors(const QStringList &scope, const VectorVisitor &visitor)
+{
+    onQueue([&] {
+        if (scope.isEmpty())
+            m_images.visitAll(visitor);
+        else
+            m_images.visit(scope, visitor);
+    });
+}
+
+int EmbeddingStore::getImageCount()
+{
+    return onQueue([&] { return countImages(m_connection); });
+}
+
+int EmbeddingStore::getTagVectorCount()
+{
+    return onQueue([&] { return countTagVectors(m_connection); });
+}
+
+void EmbeddingStore::deletePaths(const QStringList &paths)
+{
+    if (!paths.isEmpty())
+        onQueue([&] { ImageRemoval(m_connection).deletePaths(paths); });
+}
+
+void EmbeddingStore::deleteFolder(const QString &folderPath)
+{
+    Log::line(QStringLiteral("🗑️ 开始删除文件夹记录: ") + folderPath);
+    onQueue([&] { ImageRemoval(m_connection).deleteFolder(folderPath); });
+}
+
+QStringList EmbeddingStore::fetchPathsWithPrefix(const QString &prefix)
+{
+    return onQueue([&] { return m_images.fetchPathsWithPrefix(prefix); });
+}
+
+void EmbeddingStore::verifyFolderDeletion(const QString &folderPath)
+{
+    onQueue([&] { reportFolderDeletion(m_connection, folderPath); });
+}
+
+void EmbeddingStore::printStatistics()
+{
+    onQueue([&] { reportStatistics(m_connection); });
+}
+
+void EmbeddingStore::addTag(const QString &path, const QString &tag)
+{
+    const QString trimmed = tag.trimmed();
+    if (!trimmed.isEmpty())
+        onQueue([&] { m_tags.addTag(path, trimmed); });
+}
+
+void EmbeddingStore::removeTag(const QString &path, const QString &tag)
+{
+    onQueue([&] { m_tags.removeTag(path, tag); });
+}
+
+void EmbeddingStore::replaceTag(const QString &path, const QString &oldTag, const QString &newTag)
+{
+    const QString trimmed = newTag.trimmed();
+    if (!trimmed.isEmpty())
+        onQueue([&] { m_tags.replaceTag(path, oldTag, trimmed); });
+}
+
+void EmbeddingStore::deleteTagGlobally(const QString &tag)
+{
+    onQueue([&] { m_tags.deleteTagGlobally(tag); });
+}
+
+QStringList EmbeddingStore::listAllTags()
+{
+    return onQueue([&] { return m_tags.listAllTags(); });
+}
+
+QStringList EmbeddingStore::getTags(const QString &path)
+{
+    return onQueue([&] { return m_tags.getTags(path); });
+}
+
+QStringList EmbeddingStore::fetchPathsByTag(const QString &tag)
+{
+    Log::line(QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: '") + tag + u'\'');
+    const QStringList paths = onQueue([&] { return m_tags.fetchPathsByTag(tag); });
+    Log::line(QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag returning ") +
+              QString::number(paths.size()) + QStringLiteral(" paths for tag '") + tag + u'\'');
+    return paths;
+}
+
+void EmbeddingStore::setRating(const QString &path, std::optional<int> rating)
+{
+    onQueue([&] { m_ratings.setRating(path, rating); });
+}
+
+void EmbeddingStore::clearRating(const QString &path)
+{
+    setRating(path, std::nullopt);
+}
+
+std::optional<int> EmbeddingStore::getRating(const QString &path)
+{
+    return onQueue([&] { return m_ratings.getRating(path); });
+}
+
+QStringList EmbeddingStore::fetchPathsByRating(int rating)
+{
+    return onQueue([&] { return m_ratings.fetchPathsByRating(rating); });
+}
+
+} // namespace Qorvane

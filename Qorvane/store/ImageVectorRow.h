@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+#include <cstring>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace Qorvane {
+
+/// One row of image vectors.
+struct ImageVectorRow
+{
+    QString path;              ///< the file's absolute path
+    std::vector<float> vector; ///< as many floats as the blob holds, whatever `dim` says
+    int dim = 0;               ///< the stored number of floats, not checked against the blob
+
+    friend bool operator==(const ImageVectorRow &, const ImageVectorRow &) = default;
+};
+
+/// The same row in place, inside the database's own memory: good until the visitor that was given it returns.
+struct ImageVectorView
+{
+    std::string_view path;           ///< UTF-8
+    std::span<const std::byte> blob; ///< 32-bit floats in the machine's order, perhaps not aligned
+    int dim = 0;
+
+    /// The number of whole floats in the blob; up to three bytes left over don't count.
+    std::size_t floatCount() const { return blob.size() / sizeof(float); }
+
+    ImageVectorRow copy() const
+    {
+        ImageVectorRow row;
+        row.path = QString::fromUtf8(path.data(), qsizetype(path.size()));
+        row.vector.resize(floatCount());
+        if (!row.vector.empty())
+            std::memcpy(row.vector.data(), blob.data(), row.vector.size() * sizeof(float));
+        row.dim = dim;
+        return row;
+    }
+};
+
+} // namespace Qorvane
