@@ -4,9 +4,9 @@
 
 #include <vector>
 
-/// The pair of notifications by which the processing pipeline has a picture embedded. The pipeline doesn't know who
-/// answers: it posts a request and takes the response that carries the same id. Both travel over the default
-/// notification centre.
+/// The pair of notifications by which the processing pipeline has a picture embedded. The pipeline doesn't
+/// know who answers: it posts a request and takes the response that carries the same id. Both travel over the
+/// default notification centre.
 namespace Qorvane::EmbeddingMessages {
 
 /// Posted by the pipeline, with `idKey`, `imageKey` and `filenameKey`.
