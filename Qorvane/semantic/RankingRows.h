@@ -1,0 +1,40 @@
+#pragma once
+
+#include "semantic/SearchCandidates.h"
+#include "semantic/SearchRanking.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace Qorvane {
+
+/// A place in the ranking. The index is kept small so that sorting moves eight bytes a candidate; four
+/// thousand million vectors would not fit into memory.
+struct RankedCandidate
+{
+    float similarity = 0;
+    std::uint32_t index = 0; ///< into the candidates
+};
+
+/// Logs the heading and a row for every candidate of `order`; `shares` go by the candidates' own index. The
+/// rows are written by hand into one block, since there is one for each image of the library at every
+/// keystroke in the search field. Any thread.
+void logRankingRows(const SearchCandidates &candidates, std::span<const RankedCandidate> order,
+                    std::span<const float> shares, CandidateOrigin origin);
+
+/// Writes `value` with exactly `decimals` (3 or 4) digits behind the ".", as printf does, and gives the end
+/// of what was written: at most `longestFixedText` bytes.
+char *writeFixed(char *target, float value, int decimals);
+
+/// A sign, the 39 digits of the largest 32-bit float, the point and four decimals.
+inline constexpr std::size_t longestFixedText = 45;
+
+/// `similarity` times 100 in 32-bit floats, truncated towards zero. A result that is no 64-bit integer ends
+/// the program.
+std::int64_t truncatedPercentage(float similarity);
+
+/// Whether `truncatedPercentage` has a result.
+bool hasPercentage(float similarity);
+
+} // namespace Qorvane

@@ -1,0 +1,71 @@
+#include "semantic/SearchRanking.h"
+
+#include "semantic/RankingRows.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace Qorvane {
+
+namespace {
+
+static_assert(std::bit_cast<std::uint32_t>(similarityThreshold) == 0x3E19999A);
+static_assert(std::bit_cast<std::uint32_t>(defaultLogitScale) == 0x42C80184);
+
+std::vector<RankedCandidate> bestFirst(std::span<const float> similarities)
+{
+    std::vector<RankedCandidate> order(similarities.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        order[i] = {similarities[i], std::uint32_t(i)};
+    std::stable_sort(order.begin(), order.end(),
+                     [](const RankedCandidate &left, const RankedCandidate &right) {
+                         return left.similarity > right.similarity;
+                     });
+    return order;
+}
+
+} // namespace
+
+std::vector<float> softmaxShares(std::span<const float> similarities, float logitScale)
+{
+    std::vector<float> shares(similarities.size(), 0.0F);
+    if (similarities.empty())
+        return shares;
+    std::vector<float> logits(similarities.size());
+    std::transform(similarities.begin(), similarities.end(), logits.begin(),
+                   [logitScale](float similarity) { return similarity * logitScale; });
+    const float largest = *std::max_element(logits.begin(), logits.end());
+    std::vector<double> weights(logits.size());
+    double sum = 0;
+    for (std::size_t i = 0; i < logits.size(); ++i) {
+        weights[i] = std::exp(double(logits[i] - largest));
+        sum += weights[i];
+    }
+    if (sum > 0)
+        std::transform(weights.begin(), weights.end(), shares.begin(),
+                       [sum](double weight) { return float(weight / sum); });
+    return shares;
+}
+
+SearchRanking rankCandidates(const SearchCandidates &candidates, qsizetype limit, CandidateOrigin origin,
+                             float logitScale)
+{
+    const std::vector<float> shares = softmaxShares(candidates.similarities(), logitScale);
+    const std::vector<RankedCandidate> order = bestFirst(candidates.similarities());
+    logRankingRows(candidates, order, shares, origin);
+
+    SearchRanking ranking;
+    for (const RankedCandidate &candidate : order) {
+        if (!(candidate.similarity >= similarityThreshold))
+            continue;
+        ++ranking.countAboveThreshold;
+        if (qsizetype(ranking.results.size()) < limit)
+            ranking.results.push_back(
+                {candidates.url(candidate.index), candidate.similarity, shares[candidate.index]});
+    }
+    return ranking;
+}
+
+} // namespace Qorvane
