@@ -1,13 +1,12 @@
 #include "platform/FileAttributes.h"
 
-#include <QFile>
+#include "platform/NativePath.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 namespace Qorvane {
 
@@ -23,11 +22,13 @@ double seconds(const struct statx_timestamp &time)
 
 std::optional<FileAttributes> fileAttributes(const QString &path, QString *error)
 {
-    struct statx buffer;
-    if (::statx(AT_FDCWD, QFile::encodeName(path).constData(), 0, STATX_BASIC_STATS | STATX_BTIME, &buffer) !=
-        0) {
+    const std::optional<QByteArray> name = nativePath(path);
+    struct statx buffer = {};
+    if (!name)
+        errno = ENOENT;
+    if (!name || ::statx(AT_FDCWD, name->constData(), 0, STATX_BASIC_STATS | STATX_BTIME, &buffer) != 0) {
         if (error)
-            *error = QString::fromLocal8Bit(std::strerror(errno));
+            *error = qt_error_string(errno);
         return std::nullopt;
     }
     FileAttributes attributes;
@@ -41,7 +42,8 @@ std::optional<FileAttributes> fileAttributes(const QString &path, QString *error
 
 bool fileExists(const QString &path)
 {
-    return ::access(QFile::encodeName(path).constData(), F_OK) == 0;
+    const std::optional<QByteArray> name = nativePath(path);
+    return name && ::access(name->constData(), F_OK) == 0;
 }
 
 bool directoryExists(const QString &path)
