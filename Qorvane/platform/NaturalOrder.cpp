@@ -1,0 +1,55 @@
+#include "platform/NaturalOrder.h"
+
+#include "platform/Languages.h"
+
+#include <QLocale>
+
+namespace Qorvane {
+
+NaturalOrder::SortKey::SortKey(const NaturalOrder &order, const QString &text)
+    : m_order(&order)
+    , m_key(order.m_collator.sortKey(text))
+    , m_text(text)
+{
+}
+
+int NaturalOrder::SortKey::compare(const SortKey &other) const
+{
+    const int result = m_key.compare(other.m_key);
+    return result != 0 ? result : m_order->breakTie(m_text, other.m_text);
+}
+
+NaturalOrder::NaturalOrder()
+    : NaturalOrder(Languages::localeName(Languages::Aspect::collation))
+{
+}
+
+NaturalOrder::NaturalOrder(const QString &localeName)
+    : m_collator(QLocale(localeName))
+    , m_tieBreaker(QLocale(localeName))
+{
+    m_collator.setNumericMode(true);
+    m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    m_tieBreaker.setNumericMode(true);
+    m_tieBreaker.setCaseSensitivity(Qt::CaseSensitive);
+}
+
+int NaturalOrder::compare(const QString &a, const QString &b) const
+{
+    const int result = m_collator.compare(a, b);
+    return result != 0 ? result : breakTie(a, b);
+}
+
+int NaturalOrder::breakTie(const QString &a, const QString &b) const
+{
+    const int result = m_tieBreaker.compare(a, b);
+    return result != 0 ? result : a.compare(b);
+}
+
+int localizedStandardCompare(const QString &a, const QString &b)
+{
+    thread_local const NaturalOrder order;
+    return order.compare(a, b);
+}
+
+} // namespace Qorvane

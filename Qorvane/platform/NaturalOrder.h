@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QCollator>
+#include <QString>
+
+namespace Qorvane {
+
+/// How people expect names to be listed: numbers by value ("img2" before "img10"), upper and lower case
+/// alike, letters by the rules of a language. Names that come out equal that way ("IMG1" and "img1", "img2"
+/// and "img02") are told apart by case and digits, then by their code units, so the order is total.
+/// Not to be shared between threads.
+class NaturalOrder
+{
+public:
+    /// What a name weighs; made once a name, it makes a long list sort several times faster.
+    class SortKey
+    {
+    public:
+        friend bool operator<(const SortKey &a, const SortKey &b) { return a.compare(b) < 0; }
+        int compare(const SortKey &other) const;
+
+    private:
+        friend class NaturalOrder;
+        SortKey(const NaturalOrder &order, const QString &text);
+
+        const NaturalOrder *m_order;
+        QCollatorSortKey m_key;
+        QString m_text;
+    };
+
+    /// Follows the collation locale of the user's environment.
+    NaturalOrder();
+    /// Follows `localeName` ("en_US").
+    explicit NaturalOrder(const QString &localeName);
+    NaturalOrder(const NaturalOrder &) = delete;
+    NaturalOrder &operator=(const NaturalOrder &) = delete;
+
+    /// Below 0 when `a` comes first, 0 only for equal texts, above 0 otherwise.
+    int compare(const QString &a, const QString &b) const;
+
+    /// Valid while this order lives; compares with keys of the same order only.
+    SortKey sortKey(const QString &text) const { return SortKey(*this, text); }
+
+private:
+    int breakTie(const QString &a, const QString &b) const;
+
+    QCollator m_collator;
+    QCollator m_tieBreaker;
+};
+
+/// Compares as `NaturalOrder` does, by the rules of the user's environment when the thread first asked.
+/// Any thread.
+int localizedStandardCompare(const QString &a, const QString &b);
+
+} // namespace Qorvane
