@@ -18,7 +18,9 @@ read_installed_packages() {
     local names status package version
     mapfile -t names < <(printf '%s\n' "$@" | tr '|' '\n' | awk '{ print $1 }' | sort -u)
     while read -r status package version; do
-        [[ $status == installed ]] && installed_version[$package]=$version
+        if [[ $status == installed ]]; then
+            installed_version[$package]=$version
+        fi
     done < <(dpkg-query -W -f '${db:Status-Status} ${Package} ${Version}\n' "${names[@]}" 2>/dev/null)
 }
 
