@@ -29,6 +29,7 @@ class ProcessingReports;
 class SelectionRules;
 class TagsAndRatings;
 class ThumbnailRequests;
+struct RunSurroundings;
 
 /// The library as the rest of the program sees it: folders, selection, the list shown, the state of the
 /// background runs, tags and ratings. One lives as long as the program. A façade: each theme is a class of
@@ -169,6 +170,8 @@ public:
     QFuture<std::optional<Image>> generateVideoThumbnail(const FileUrl &fileUrl);
     /// A larger frame, stored nowhere.
     QFuture<std::optional<Image>> generateVideoPreview(const FileUrl &fileUrl);
+    /// A video's preview frame. For a picture it logs that this is the wrong operation, and gives nothing.
+    QFuture<std::optional<Image>> getPreviewImage(const FileUrl &fileUrl);
     static std::optional<FileUrl> thumbnailCacheDirectory();
     static std::optional<FileUrl> thumbnailDirectory(const FileUrl &folderUrl);
     static std::optional<FileUrl> thumbnailURL(const FileUrl &fileUrl);
@@ -211,18 +214,20 @@ Q_SIGNALS:
 
 private:
     void forwardSignals();
+    void finishStart();
 
+    const LibraryTimings m_timings;
     // Each may use those above it; they end in the reverse order.
     std::shared_ptr<LibrarySnapshot> m_snapshot;
     std::unique_ptr<LibraryState> m_state;
     std::shared_ptr<ProcessingReports> m_reports;
+    std::shared_ptr<const RunSurroundings> m_runSurroundings;
     std::unique_ptr<ProcessingPipeline> m_pipeline;
     std::unique_ptr<MediaList> m_mediaList;
     std::unique_ptr<SelectionRules> m_selection;
     std::unique_ptr<FolderLibrary> m_folders;
     std::unique_ptr<TagsAndRatings> m_tagsAndRatings;
     std::unique_ptr<ThumbnailRequests> m_thumbnails;
-    LibraryTimings m_timings;
 };
 
 } // namespace Qorvane

@@ -18,6 +18,14 @@ inline constexpr std::array allSortCriteria{SortCriterion::filename, SortCriteri
                                             SortCriterion::modificationDate, SortCriterion::rating};
 inline constexpr std::array allSortOrders{SortOrder::ascending, SortOrder::descending};
 
+struct SortSettings
+{
+    SortCriterion criterion = SortCriterion::filename;
+    SortOrder order = SortOrder::ascending;
+
+    friend bool operator==(const SortSettings &, const SortSettings &) = default;
+};
+
 /// "File Name", "Creation Date", ...; doubles as the label of the sort menu.
 QString rawValue(SortCriterion criterion);
 /// "Ascending", "Descending".

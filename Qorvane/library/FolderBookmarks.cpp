@@ -1,0 +1,64 @@
+#include "library/FolderBookmarks.h"
+
+#include "platform/Bookmark.h"
+#include "platform/Log.h"
+#include "platform/UserDefaults.h"
+
+#include <utility>
+
+namespace Qorvane {
+
+FolderBookmarks::FolderBookmarks(QString key, QString saveFailure, QString resolveFailure)
+    : m_key(std::move(key))
+    , m_saveFailure(std::move(saveFailure))
+    , m_resolveFailure(std::move(resolveFailure))
+{
+}
+
+FolderBookmarks FolderBookmarks::library()
+{
+    return {QStringLiteral("libraryFolders"), QStringLiteral("Error saving bookmarks: "),
+            QStringLiteral("Could not resolve bookmark, skipping. Error: ")};
+}
+
+FolderBookmarks FolderBookmarks::favorites()
+{
+    return {QStringLiteral("favoriteFolders"), QStringLiteral("Error saving favorite bookmarks: "),
+            QStringLiteral("Could not resolve favorite bookmark, skipping. Error: ")};
+}
+
+void FolderBookmarks::save(const QList<Folder> &folders) const
+{
+    QList<QByteArray> bookmarks;
+    for (const Folder &folder : folders) {
+        QString error;
+        const std::optional<QByteArray> bookmark = Bookmark::create(folder.url, &error);
+        if (!bookmark) {
+            Log::line(m_saveFailure + error);
+            return;
+        }
+        bookmarks.append(*bookmark);
+    }
+    UserDefaults::standard().setDataArray(m_key, bookmarks);
+}
+
+std::optional<QList<QByteArray>> FolderBookmarks::stored() const
+{
+    return UserDefaults::standard().dataArray(m_key);
+}
+
+QList<FileUrl> FolderBookmarks::resolve(const QList<QByteArray> &bookmarks) const
+{
+    QList<FileUrl> urls;
+    for (const QByteArray &bookmark : bookmarks) {
+        QString error;
+        const std::optional<FileUrl> url = Bookmark::resolve(bookmark, &error);
+        if (!url)
+            Log::line(m_resolveFailure + error);
+        else if (Bookmark::startAccessing(*url))
+            urls.append(*url);
+    }
+    return urls;
+}
+
+} // namespace Qorvane

@@ -1,0 +1,249 @@
+#include "library/FolderLibrary.h"
+
+#include "library/FolderBookmarks.h"
+#include "library/FolderTree.h"
+#include "library/LibrarySnapshot.h"
+#include "library/LibraryState.h"
+#include "library/MediaListing.h"
+#include "library/ProcessingPipeline.h"
+#include "library/ProcessingReports.h"
+#include "library/SelectionRules.h"
+#include "platform/GlobalQueue.h"
+#include "platform/Localization.h"
+#include "platform/MainQueue.h"
+#include "store/EmbeddingStore.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+namespace Qorvane {
+
+namespace {
+
+bool isSameFolder(const Folder &a, const Folder &b)
+{
+    return a.url.absoluteString() == b.url.absoluteString();
+}
+
+bool containsFolder(const QList<Folder> &folders, const Folder &folder)
+{
+    return std::ranges::any_of(folders, [&](const Folder &one) { return isSameFolder(one, folder); });
+}
+
+QList<Folder> without(QList<Folder> folders, const Folder &folder)
+{
+    folders.removeIf([&](const Folder &one) { return isSameFolder(one, folder); });
+    return folders;
+}
+
+} // namespace
+
+FolderLibrary::FolderLibrary(Surroundings surroundings)
+    : m_surroundings(std::move(surroundings))
+    , m_state(m_surroundings.state)
+{
+}
+
+void FolderLibrary::addFolder(const FileUrl &url)
+{
+    inOrder([this, url] { readTree(url); });
+}
+
+void FolderLibrary::removeFolderFromLibrary(const Folder &folder)
+{
+    inOrder([this, folder] { remove(folder); });
+}
+
+void FolderLibrary::inOrder(Change change)
+{
+    if (m_isReadingTree)
+        m_waiting.push_back(std::move(change));
+    else
+        change();
+}
+
+void FolderLibrary::readTree(const FileUrl &url)
+{
+    m_isReadingTree = true;
+    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), url] {
+        MainQueue::async([self, folder = FolderTree::buildFolderHierarchy(url)] {
+            if (self)
+                self->finishReading(folder);
+        });
+    });
+}
+
+void FolderLibrary::finishReading(const Folder &folder)
+{
+    m_isReadingTree = false;
+    adopt(folder);
+    while (!m_waiting.empty() && !m_isReadingTree) {
+        const Change change = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        change();
+    }
+}
+
+void FolderLibrary::adopt(const Folder &folder)
+{
+    QList<Folder> roots = m_state.libraryFolders();
+    if (std::ranges::any_of(roots, [&](const Folder &root) { return root.url == folder.url; }))
+        return;
+    const bool isFirst = roots.isEmpty();
+    roots.append(folder);
+    m_state.publishLibraryFolders(roots);
+    saveBookmarks();
+    if (isFirst)
+        m_surroundings.selection.selectFolder(folder);
+    m_surroundings.reports->setProcessing(folder.url.path(), FolderProcessingState::thumbnails, 0,
+                                          localized("准备生成缩略图..."));
+    processAdopted(folder.url);
+}
+
+void FolderLibrary::processAdopted(const FileUrl &url)
+{
+    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), url,
+                                                         weak = std::weak_ptr(m_surroundings.snapshot)] {
+        if (weak.expired())
+            return;
+        MainQueue::async([self, url, files = MediaListing::collectMediaFiles(url)] {
+            if (!self)
+                return;
+            const Surroundings &surroundings = self->m_surroundings;
+            if (files.isEmpty())
+                surroundings.reports->setProcessing(url.path(), FolderProcessingState::completed, 1,
+                                                    localized("处理完成"));
+            else
+                surroundings.pipeline.startProcessing(files, url.path());
+        });
+    });
+}
+
+void FolderLibrary::remove(const Folder &folder)
+{
+    if (m_state.selectedFolder() && isSameFolder(*m_state.selectedFolder(), folder))
+        m_surroundings.selection.selectFolder(std::nullopt);
+    m_surroundings.pipeline.cancelFolderTasks(folder.url.path());
+    scheduleRecordDeletion(folder.url.path());
+    // Only a root leaves the list. A sub-folder stays in its tree on purpose, for as long as its directory
+    // exists: only its run and its records go.
+    if (containsFolder(m_state.libraryFolders(), folder)) {
+        m_state.publishLibraryFolders(without(m_state.libraryFolders(), folder));
+        saveBookmarks();
+    }
+}
+
+void FolderLibrary::scheduleRecordDeletion(const QString &path)
+{
+    const auto check = [path] {
+        GlobalQueue::async(QualityOfService::userInitiated, [path] {
+            EmbeddingStore::shared().verifyFolderDeletion(path);
+            EmbeddingStore::shared().printStatistics();
+        });
+    };
+    const auto deletion = [path, check, delay = m_surroundings.timings.untilDeletionCheck] {
+        EmbeddingStore::shared().deleteFolder(path);
+        MainQueue::after(delay, check);
+    };
+    MainQueue::after(m_surroundings.timings.untilRecordDeletion, [self = QPointer(this), deletion] {
+        // Deleting scans the whole table, which the window need not wait for.
+        if (self)
+            GlobalQueue::async(QualityOfService::userInitiated, deletion);
+    });
+}
+
+void FolderLibrary::addToFavorites(const Folder &folder)
+{
+    QList<Folder> favorites = m_state.favoriteFolders();
+    if (containsFolder(favorites, folder))
+        return;
+    favorites.append(folder);
+    publishFavorites(favorites);
+}
+
+void FolderLibrary::removeFromFavorites(const Folder &folder)
+{
+    publishFavorites(without(m_state.favoriteFolders(), folder));
+}
+
+void FolderLibrary::publishFavorites(const QList<Folder> &favorites)
+{
+    m_state.publishFavoriteFolders(favorites);
+    saveFavoriteBookmarks();
+    m_state.announceChange();
+    saveFavoriteBookmarks();
+}
+
+void FolderLibrary::saveBookmarks() const
+{
+    FolderBookmarks::library().save(m_state.libraryFolders());
+}
+
+void FolderLibrary::saveFavoriteBookmarks() const
+{
+    FolderBookmarks::favorites().save(m_state.favoriteFolders());
+}
+
+void FolderLibrary::loadBookmarks(std::function<void()> completion)
+{
+    const std::optional<QList<QByteArray>> stored = FolderBookmarks::library().stored();
+    if (!stored)
+        return;
+    GlobalQueue::async(QualityOfService::userInitiated,
+                       [self = QPointer(this), weak = std::weak_ptr(m_surroundings.snapshot),
+                        bookmarks = *stored, completion = std::move(completion)] {
+                           if (weak.expired())
+                               return;
+                           QList<Folder> roots;
+                           for (const FileUrl &url : FolderBookmarks::library().resolve(bookmarks))
+                               roots.append(FolderTree::buildFolderHierarchy(url));
+                           MainQueue::async([self, roots, completion] {
+                               if (!self)
+                                   return;
+                               self->m_state.publishLibraryFolders(roots);
+                               // What couldn't be reached at this start is thereby forgotten, by design.
+                               self->saveBookmarks();
+                               if (completion)
+                                   completion();
+                           });
+                       });
+}
+
+void FolderLibrary::loadFavoriteBookmarks()
+{
+    const FolderBookmarks bookmarks = FolderBookmarks::favorites();
+    const std::optional<QList<QByteArray>> stored = bookmarks.stored();
+    if (!stored)
+        return;
+    QList<Folder> favorites;
+    for (const FileUrl &url : bookmarks.resolve(*stored)) {
+        const std::optional<Folder> known = FolderTree::findFolder(url, m_state.libraryFolders());
+        favorites.append(known.value_or(Folder{url, std::nullopt}));
+    }
+    m_state.publishFavoriteFolders(favorites);
+    saveFavoriteBookmarks();
+}
+
+std::optional<Folder> FolderLibrary::folderForSidebarSelection(const std::optional<QString> &selection) const
+{
+    if (!selection)
+        return std::nullopt;
+    // Everything up to the last "-" is taken for the section's prefix, so a folder with a "-" in its address
+    // is never found. Known and wanted.
+    const QStringList pieces = selection->split(u'-', Qt::SkipEmptyParts);
+    return folderWithAbsoluteString(pieces.isEmpty() ? QString() : pieces.last());
+}
+
+std::optional<Folder> FolderLibrary::folderWithAbsoluteString(const QString &text) const
+{
+    if (const std::optional<Folder> found = FolderTree::findFolder(text, m_state.libraryFolders()))
+        return found;
+    const QList<Folder> &favorites = m_state.favoriteFolders();
+    const auto favorite = std::ranges::find_if(
+        favorites, [&](const Folder &folder) { return folder.url.absoluteString() == text; });
+    return favorite == favorites.end() ? std::nullopt : std::optional(*favorite);
+}
+
+} // namespace Qorvane

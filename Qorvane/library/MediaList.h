@@ -1,0 +1,73 @@
+#pragma once
+
+#include "library/SortCriterion.h"
+#include "platform/FileUrl.h"
+
+#include <QList>
+#include <QObject>
+
+#include <deque>
+#include <memory>
+
+namespace Qorvane {
+
+struct Folder;
+class LibrarySnapshot;
+class LibraryState;
+class ProcessingPipeline;
+
+/// The list that the grid shows: loaded for the selection, sorted, published. Loads overlap freely; a result
+/// that no longer fits the selection is dropped. Nothing here waits for the disk or the store on the GUI
+/// thread. GUI thread, unless said otherwise.
+class MediaList : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All three outlive it.
+    MediaList(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
+              ProcessingPipeline &pipeline);
+
+    /// Empties the list and loads it for the selected tag, else rating, else folder. A folder's load starts
+    /// its run; with nothing selected the list stays empty and the runs of all roots start.
+    void loadImages();
+    /// Sorts what is there, or loads for a selection that shows nothing.
+    void handleSortChange();
+    /// Sorts the list by the present settings and publishes it. Any thread; from the GUI thread the sort runs
+    /// in the background and the result follows, unless another list was published meanwhile.
+    void resortImages();
+    /// The same for the GUI thread, publishing only a list that came out different.
+    void resortImagesIfChanged();
+
+private:
+    enum class Publication { always, ifChanged };
+    struct Resort
+    {
+        SortSettings settings;
+        Publication publication;
+    };
+
+    void loadTag(const QString &tag);
+    void loadRating(int rating);
+    void loadFolder(const Folder &folder);
+    void processAllRoots();
+
+    /// Publishes the list of a load; a resort of the list before it is void.
+    void publishLoaded(const QList<FileUrl> &urls);
+    void requestResort(Publication publication);
+    void startNextResort();
+    void finishResort(const QList<FileUrl> &sorted, quint64 generation, Publication publication);
+    void resortFromBackground();
+
+    LibraryState &m_state;
+    const std::weak_ptr<LibrarySnapshot> m_snapshot;
+    ProcessingPipeline &m_pipeline;
+    /// Counts the lists that loads have published.
+    quint64 m_generation = 0;
+    /// One sort after the other, each on the result of the one before, as if they were done at once: among
+    /// equal names the earlier order stays, so leaving one out would show.
+    std::deque<Resort> m_resorts;
+    bool m_isResorting = false;
+};
+
+} // namespace Qorvane

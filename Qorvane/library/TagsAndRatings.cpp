@@ -1,0 +1,109 @@
+#include "library/TagsAndRatings.h"
+
+#include "library/LibrarySnapshot.h"
+#include "library/LibraryState.h"
+#include "library/MediaList.h"
+#include "library/SelectionRules.h"
+#include "platform/GlobalQueue.h"
+#include "platform/MainQueue.h"
+#include "store/EmbeddingStore.h"
+
+#include <QPointer>
+
+#include <algorithm>
+
+namespace Qorvane {
+
+namespace {
+
+// The stars that the views show. A photo is never rated 0 from here: that is what clearing is for.
+constexpr int lowestRating = 1;
+constexpr int highestRating = 5;
+
+} // namespace
+
+TagsAndRatings::TagsAndRatings(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
+                               MediaList &mediaList, SelectionRules &selection)
+    : m_state(state)
+    , m_snapshot(snapshot)
+    , m_mediaList(mediaList)
+    , m_selection(selection)
+{
+}
+
+void TagsAndRatings::addTag(const QString &tag, const FileUrl &url)
+{
+    EmbeddingStore::shared().addTag(url.path(), tag);
+    refreshAllTags();
+    reloadIfShowing(tag);
+}
+
+void TagsAndRatings::removeTag(const QString &tag, const FileUrl &url)
+{
+    EmbeddingStore::shared().removeTag(url.path(), tag);
+    refreshAllTags();
+    reloadIfShowing(tag);
+}
+
+void TagsAndRatings::renameTag(const QString &oldTag, const QString &newTag, const FileUrl &url)
+{
+    EmbeddingStore::shared().replaceTag(url.path(), oldTag, newTag);
+    refreshAllTags();
+    if (m_state.selectedTag() == oldTag || m_state.selectedTag() == newTag)
+        m_mediaList.loadImages();
+}
+
+void TagsAndRatings::deleteTagGlobally(const QString &tag)
+{
+    EmbeddingStore::shared().deleteTagGlobally(tag);
+    refreshAllTags();
+    if (m_state.selectedTag() == tag)
+        m_selection.selectTag(std::nullopt);
+}
+
+void TagsAndRatings::reloadIfShowing(const QString &tag)
+{
+    if (m_state.selectedTag() == tag)
+        m_mediaList.loadImages();
+}
+
+void TagsAndRatings::setRating(int rating, const FileUrl &url)
+{
+    const int clamped = std::clamp(rating, lowestRating, highestRating);
+    EmbeddingStore::shared().setRating(url.path(), clamped);
+    const std::optional<int> selected = m_state.selectedRating();
+    if (!selected || *selected == clamped)
+        m_state.announceChange();
+    else if (m_state.imageURLs().contains(url)) // it leaves the list shown
+        m_mediaList.loadImages();
+}
+
+void TagsAndRatings::clearRating(const FileUrl &url)
+{
+    EmbeddingStore::shared().clearRating(url.path());
+    if (m_state.selectedRating())
+        m_mediaList.loadImages();
+    else
+        m_state.announceChange();
+}
+
+void TagsAndRatings::refreshAllTags()
+{
+    GlobalQueue::async(QualityOfService::background, [self = QPointer(this), weak = m_snapshot] {
+        if (weak.expired())
+            return;
+        MainQueue::async([self, tags = EmbeddingStore::shared().listAllTags()] {
+            if (self)
+                self->publishAllTags(tags);
+        });
+    });
+}
+
+void TagsAndRatings::publishAllTags(const QStringList &tags)
+{
+    m_state.publishAllTags(tags);
+    if (m_state.selectedTag() && !tags.contains(*m_state.selectedTag()))
+        m_selection.selectTag(std::nullopt);
+}
+
+} // namespace Qorvane
