@@ -125,12 +125,13 @@ FramePointer frameFromPicture(const QImage &picture, const TestVideo &video, int
     return frame;
 }
 
-void writePackets(AVCodecContext *encoder, const AVFrame *frame, AVFormatContext *output)
+void writePackets(AVCodecContext *encoder, const AVFrame *frame, AVFormatContext *output, int extraFlags)
 {
     require(avcodec_send_frame(encoder, frame), "encoding");
     const PacketPointer packet(av_packet_alloc());
     while (avcodec_receive_packet(encoder, packet.get()) >= 0) {
         packet->duration = 1;
+        packet->flags |= extraFlags;
         av_packet_rescale_ts(packet.get(), encoder->time_base, output->streams[0]->time_base);
         require(av_interleaved_write_frame(output, packet.get()), "writing");
     }
@@ -149,14 +150,17 @@ void write(const QString &path, const TestVideo &video)
     stream->avg_frame_rate = encoder->framerate;
     stream->sample_aspect_ratio = encoder->sample_aspect_ratio;
     setDisplayMatrix(stream, video);
+    if (video.isCover)
+        stream->disposition = AV_DISPOSITION_ATTACHED_PIC;
 
     require(avio_open(&format->pb, name.constData(), AVIO_FLAG_WRITE), "file");
     require(avformat_write_header(format, nullptr), "header");
+    const int extraFlags = video.isEveryFrameCalledKey ? AV_PKT_FLAG_KEY : 0;
     for (int i = 0; i < video.frameCount; ++i) {
         const QImage picture = video.picture ? video.picture(i) : plainPicture(video.size, Qt::black);
-        writePackets(encoder.get(), frameFromPicture(picture, video, i).get(), format);
+        writePackets(encoder.get(), frameFromPicture(picture, video, i).get(), format, extraFlags);
     }
-    writePackets(encoder.get(), nullptr, format);
+    writePackets(encoder.get(), nullptr, format, extraFlags);
     require(av_write_trailer(format), "trailer");
 }
 

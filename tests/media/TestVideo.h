@@ -30,6 +30,10 @@ struct TestVideo
     int quarterTurns = 0;
     /// Whether the track asks to be mirrored left to right, before it is turned.
     bool isMirrored = false;
+    /// Whether the container calls every frame a key frame, whatever it is.
+    bool isEveryFrameCalledKey = false;
+    /// Whether the track is a cover: a still that belongs to the file, not a picture of it.
+    bool isCover = false;
     std::function<QImage(int index)> picture;
     std::function<bool(int index)> isKeyFrame = [](int) { return true; };
 };

@@ -155,6 +155,48 @@ TEST_F(VideoFramesTest, takesTheNearestKeyFrame)
     EXPECT_EQ(frameIndexIn(*earlier), 0);
 }
 
+// The decoder has to make a whole picture of what it is given; of a frame that only tells differences it
+// makes mud.
+TEST_F(VideoFramesTest, doesNotBelieveAContainerThatCallsEveryFrameAKeyFrame)
+{
+    TestVideo video = countingVideo(3); // sampled at frame 3
+    video.encoder = "msmpeg4v2";
+    video.isEveryFrameCalledKey = true;
+    video.isKeyFrame = [](int index) { return index == 0 || index == 7; };
+    const std::optional<QImage> next = frameOf(written("a.mkv", video));
+    ASSERT_TRUE(next);
+    EXPECT_EQ(frameIndexIn(*next), 7);
+
+    video.isKeyFrame = [](int index) { return index == 0; };
+    const std::optional<QImage> first = frameOf(written("b.mkv", video));
+    ASSERT_TRUE(first);
+    EXPECT_EQ(frameIndexIn(*first), 0) << "none follows, so it is the one at the start";
+}
+
+TEST_F(VideoFramesTest, findsTheOnlyKeyFrameOfABroadcastStream)
+{
+    TestVideo video = countingVideo(4);
+    video.encoder = "mpeg2video";
+    video.framesPerSecond = 25;
+    video.picture = [size = video.size](int index) {
+        return plainPicture(size, index == 0 ? QColor(200, 100, 50) : QColor(10, 10, 10));
+    };
+    video.isKeyFrame = [](int index) { return index == 0; };
+    const std::optional<QImage> frame = frameOf(written("a.ts", video));
+    ASSERT_TRUE(frame);
+    EXPECT_TRUE(hasColour(*frame, 0.5, 0.5, QColor(200, 100, 50)));
+}
+
+TEST_F(VideoFramesTest, takesNoCoverForAVideo)
+{
+    TestVideo cover;
+    cover.encoder = "mjpeg";
+    cover.pixelFormat = AV_PIX_FMT_YUVJ420P;
+    cover.frameCount = 1;
+    cover.isCover = true;
+    EXPECT_EQ(failureOf(written("cover.mp4", cover)), QStringLiteral("no picture track"));
+}
+
 TEST_F(VideoFramesTest, takesAVideoWithoutALengthAtItsStart)
 {
     TestVideo video = countingVideo(3);
