@@ -44,11 +44,11 @@ bool isRunFromBuildTree(const QString &programFolder)
     return (programFolder + u'/').startsWith(QStringLiteral(QORVANE_BUILD_FOLDER "/"));
 }
 
-const OrtApi *apiOf(const LibraryHandle &library)
+const OrtApiBase *apiBaseOf(const LibraryHandle &library)
 {
     using GetApiBase = const OrtApiBase *(*)();
     const auto getApiBase = reinterpret_cast<GetApiBase>(dlsym(library.get(), "OrtGetApiBase"));
-    return getApiBase ? getApiBase()->GetApi(ORT_API_VERSION) : nullptr;
+    return getApiBase ? getApiBase() : nullptr;
 }
 
 } // namespace
@@ -107,7 +107,12 @@ const OnnxRuntime *OnnxRuntime::open(const QString &candidate, QString *error)
         *error = QString::fromLocal8Bit(dlerror());
         return nullptr;
     }
-    const OrtApi *api = apiOf(library);
+    const OrtApiBase *base = apiBaseOf(library);
+    if (!base) {
+        *error = QStringLiteral("%1: no inference runtime").arg(candidate);
+        return nullptr;
+    }
+    const OrtApi *api = base->GetApi(ORT_API_VERSION);
     if (!api) {
         *error = QStringLiteral("%1: older than release 1.%2").arg(candidate).arg(ORT_API_VERSION);
         return nullptr;
@@ -120,7 +125,7 @@ const OnnxRuntime *OnnxRuntime::open(const QString &candidate, QString *error)
         // both the library and its environment.
         auto *runtime = new OnnxRuntime;
         runtime->m_libraryPath = candidate;
-        runtime->m_release = QString::fromStdString(Ort::GetVersionString());
+        runtime->m_release = QString::fromUtf8(base->GetVersionString());
         runtime->m_environment = environment.release();
         static_cast<void>(library.release());
         return runtime;
