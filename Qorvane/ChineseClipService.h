@@ -1,0 +1,95 @@
+#pragma once
+
+#include "clip/WorkerPool.h"
+#include "media/Image.h"
+#include "platform/FileUrl.h"
+#include "semantic/EncoderLoading.h"
+#include "semantic/FeatureExtraction.h"
+#include "semantic/ImageFeature.h"
+#include "semantic/SearchRanking.h"
+#include "semantic/SearchResult.h"
+
+#include <QCoroTask>
+#include <QList>
+#include <QObject>
+
+#include <optional>
+#include <vector>
+
+namespace Qorvane {
+
+/// Owns the two encoders and answers with them: it embeds pictures and texts, and searches by text.
+///
+/// Lives on the GUI thread, as all its operations and fields do. The operations are coroutines: decoding,
+/// preprocessing, inference, reads of the store and scoring happen on worker threads, and the GUI thread
+/// never waits for them. Any number may be under way at once. None throws; a failure is a log line and an
+/// empty result.
+class ChineseClipService : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool modelsLoaded READ modelsLoaded NOTIFY modelsLoadedChanged)
+    Q_PROPERTY(bool isLoadingModels READ isLoadingModels NOTIFY isLoadingModelsChanged)
+
+public:
+    /// Loads nothing yet.
+    explicit ChineseClipService(QObject *parent = nullptr);
+    /// Waits for the runs that are at work. Operations still under way then end without a result, once the
+    /// event loop gets to them.
+    ~ChineseClipService() override;
+
+    /// Whether both encoders are there. Never becomes false again.
+    bool modelsLoaded() const { return m_modelsLoaded; }
+    bool isLoadingModels() const { return m_isLoadingModels; }
+    /// What similarities are multiplied by before the softmax.
+    float logitScale() const { return m_logitScale; }
+    /// What `extractFeatures` has embedded.
+    const ImageFeatures &imageFeatures() const { return m_imageFeatures; }
+
+    /// Loads the encoders for the user's language unless they are loaded. A call during a load returns at
+    /// once, without waiting for it.
+    QCoro::Task<> ensureModelsLoaded();
+
+    /// Embeds `image`; `label` names it in the log. The vector has unit length or is all zero; nothing on
+    /// failure.
+    QCoro::Task<std::optional<std::vector<float>>> extractImageFeatures(Image image,
+                                                                        std::optional<QString> label = {});
+    /// The same for `text`.
+    QCoro::Task<std::optional<std::vector<float>>> extractTextFeatures(QString text);
+
+    /// Embeds the pictures at `urls` one after the other by their thumbnails, and keeps the vectors in
+    /// `imageFeatures`.
+    QCoro::Task<> extractFeatures(QList<FileUrl> urls);
+
+    /// The pictures of the store that match `query`, best first, at most `limit`: of those in `scope`, or of
+    /// the whole library when it is empty.
+    QCoro::Task<QList<SearchResult>> searchWithDatabase(QString query, QList<FileUrl> scope, int limit);
+
+    /// The same among `imageFeatures`, with much to say about them.
+    QCoro::Task<QList<SearchResult>> search(QString query, int limit);
+
+    /// The text that is searched for `query`: the query itself. Holds the place of an expansion.
+    QString expandQuery(const QString &query) const;
+
+Q_SIGNALS:
+    void modelsLoadedChanged();
+    void isLoadingModelsChanged();
+    void imageFeaturesChanged();
+
+private:
+    QCoro::Task<> loadModels();
+    void setModelsLoaded();
+    void setLoadingModels(bool isLoading);
+    QCoro::Task<> verifyCandidates(SearchCandidates candidates, std::vector<float> textVector);
+
+    EncoderPair m_encoders;
+    ImageFeatures m_imageFeatures;
+    bool m_modelsLoaded = false;
+    bool m_isLoadingModels = false;
+    const float m_logitScale = defaultLogitScale;
+
+    // Queries have threads of their own, so that none waits behind the pictures of an indexing run.
+    WorkerPool m_queries;
+    WorkerPool m_pictures;
+};
+
+} // namespace Qorvane

@@ -1,0 +1,13 @@
+# The semantic service: it joins semantic, store and media, so it stands above all three, and the library below knows
+# nothing of it.
+qorvane_add_library(QorvaneClip
+    SOURCES
+        ChineseClipService.cpp ChineseClipService.h
+        EmbeddingResponder.cpp EmbeddingResponder.h
+        clip/DatabaseCandidates.cpp clip/DatabaseCandidates.h
+        clip/EmbeddingPicture.cpp clip/EmbeddingPicture.h
+        clip/MemorySearch.cpp clip/MemorySearch.h
+        clip/SearchVerification.cpp clip/SearchVerification.h
+        clip/WorkerPool.h
+    PUBLIC QorvaneMedia QorvanePlatform QorvaneSemantic QorvaneStore QCoro6::Core Qt6::Concurrent
+)

@@ -1,0 +1,25 @@
+#include "clip/SearchVerification.h"
+
+#include "semantic/CosineSimilarity.h"
+
+namespace Qorvane {
+
+namespace {
+
+QString fourDecimals(float value)
+{
+    return QString::number(static_cast<double>(value), 'f', 4);
+}
+
+} // namespace
+
+QString verificationLine(const FileUrl &url, float storedSimilarity, const std::vector<float> &features,
+                         const std::vector<float> &textVector)
+{
+    const float live = cosineSimilarity(features, textVector);
+    return QStringLiteral("   • ") + url.lastPathComponent() + QStringLiteral(": DB=") +
+           fourDecimals(storedSimilarity) + QStringLiteral(" live=") + fourDecimals(live) +
+           QStringLiteral(" Δ=") + fourDecimals(live - storedSimilarity);
+}
+
+} // namespace Qorvane
