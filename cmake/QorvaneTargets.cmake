@@ -23,3 +23,11 @@ function(qorvane_add_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
+
+# qorvane_quiet_generated_qml(<target>)
+# The code that Qt's QML compiler writes shadows its own arguments; our warnings are for our code.
+function(qorvane_quiet_generated_qml target)
+    get_target_property(sources ${target} SOURCES)
+    list(FILTER sources INCLUDE REGEX "/qmlcache/.*\\.cpp$")
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS "-Wno-shadow")
+endfunction()

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/FileUrl.h"
+
+#include <QObject>
+
+class QDBusMessage;
+
+namespace Qorvane {
+
+/// The desktop's own panel for choosing folders, several at a time, through its file-chooser portal.
+/// GUI thread.
+class FolderPanel : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// Asks the desktop to show its panel over the window with the portal handle `parentWindow` (empty for
+    /// none). One of the signals follows, later. A second call while a panel is open does nothing.
+    void open(const QString &title, const QString &parentWindow = {});
+
+Q_SIGNALS:
+    /// The user's answer, in the panel's order; empty when the panel was dismissed.
+    void chosen(const QList<Qorvane::FileUrl> &folders);
+    /// This desktop has no such panel: the program has to show one of its own.
+    void unavailable();
+
+private Q_SLOTS:
+    void onResponse(uint response, const QVariantMap &results);
+
+private:
+    void listenTo(const QString &requestPath);
+    void finish();
+
+    bool m_isOpen = false;
+    QString m_requestPath;
+};
+
+} // namespace Qorvane
