@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// An arc that turns while `running`.
+T.BusyIndicator {
+    id: control
+
+    property color color: Theme.secondaryText
+
+    implicitWidth: 20
+    implicitHeight: 20
+    Accessible.role: Accessible.Animation
+    Accessible.name: qsTranslate("Qorvane", "Loading")
+
+    contentItem: Icon {
+        name: "progress"
+        color: control.color
+        size: control.width
+        visible: control.running
+
+        RotationAnimator on rotation {
+            from: 0
+            to: 360
+            duration: 900
+            loops: Animation.Infinite
+            running: control.running && control.visible && !Appearance.reducesMotion
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A button with words. `isProminent` marks the one that the view is waiting for.
+T.Button {
+    id: control
+
+    property bool isProminent: false
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: Theme.controlHeight
+    horizontalPadding: Theme.unit * 2
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.4
+    font.pixelSize: Theme.bodySize
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+
+    contentItem: Label {
+        text: control.text
+        font: control.font
+        color: control.isProminent ? Theme.onAccent : Theme.text
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+    }
+    background: Rectangle {
+        radius: Theme.fieldRadius
+        color: control.isProminent ? Theme.accentFill : Theme.field
+        border.width: control.visualFocus ? 2 : 0
+        border.color: control.isProminent ? Theme.text : Theme.accent
+
+        Rectangle {
+            anchors.fill: parent
+            radius: parent.radius
+            color: control.pressed ? Theme.pressed : control.hovered ? Theme.hover : "transparent"
+        }
+    }
+}

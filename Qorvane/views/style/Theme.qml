@@ -1,0 +1,65 @@
+pragma Singleton
+
+import QtQuick
+
+/// Every colour, size and duration of the interface.
+QtObject {
+    readonly property bool isDark: Appearance.isDark
+
+    // Grounds
+    readonly property color window: isDark ? "#1E1E20" : "#FFFFFF"
+    readonly property color sidebar: isDark ? "#28282B" : "#F2F2F4"
+    readonly property color card: isDark ? "#29292C" : "#F6F6F8"
+    readonly property color field: isDark ? "#343438" : "#EEEEF1"
+    readonly property color emptyCell: isDark ? "#2C2C30" : "#ECECEF"
+    readonly property color popup: isDark ? "#333337" : "#FFFFFF"
+    readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
+    readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
+    readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
+
+    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above.
+    readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
+    readonly property color secondaryText: isDark ? "#A6A6AD" : "#66666B"
+    readonly property color onAccent: "#FFFFFF"
+
+    // The accent is the desktop's where it names one.
+    readonly property color accent: Appearance.hasAccentColor ? Appearance.accentColor
+                                                              : isDark ? "#3B8CFF" : "#0A6CFF"
+    readonly property color accentFill: Appearance.hasAccentColor ? Appearance.accentColor
+                                                                  : isDark ? "#2F7CF0" : "#0A6CFF"
+    readonly property color orange: isDark ? "#FFA733" : "#F08C00"
+    readonly property color blue: isDark ? "#4A97FF" : "#0A6CFF"
+    readonly property color green: isDark ? "#46C768" : "#2FA84F"
+    readonly property color star: "#F7B500"
+    readonly property color videoBadge: "#E0352B"
+
+    // Type, in pixels
+    readonly property int caption2Size: 10
+    readonly property int captionSize: 11
+    readonly property int subheadlineSize: 12
+    readonly property int bodySize: 13
+    readonly property int headlineSize: 13
+    readonly property int title3Size: 15
+    readonly property int title2Size: 17
+    readonly property int titleSize: 22
+
+    // Sizes: everything sits on a grid of eight.
+    readonly property int unit: 8
+    readonly property int rowHeight: 28
+    readonly property int rowRadius: 6
+    readonly property int fieldRadius: 8
+    readonly property int cellRadius: 8
+    readonly property int cardRadius: 10
+    readonly property int cardPadding: 12
+    readonly property int toolbarHeight: 52
+    readonly property int iconSize: 18
+    readonly property int controlHeight: 30
+    readonly property int sidebarWidth: 230
+    readonly property int contentPadding: 16
+    readonly property int selectionStroke: 3
+
+    // Motion, in milliseconds
+    readonly property int quick: Appearance.reducesMotion ? 0 : 120
+    readonly property int panel: Appearance.reducesMotion ? 0 : 200
+    readonly property int easing: Easing.OutCubic
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A button that is only its icon; `text` is its name for tooltips and screen readers.
+T.ToolButton {
+    id: control
+
+    required property string iconName
+
+    implicitWidth: Theme.controlHeight
+    implicitHeight: Theme.controlHeight
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    opacity: enabled ? 1 : 0.4
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+
+    contentItem: Item {
+        Icon {
+            anchors.centerIn: parent
+            name: control.iconName
+        }
+    }
+    background: Rectangle {
+        radius: Theme.fieldRadius
+        color: control.pressed ? Theme.pressed : control.hovered ? Theme.hover : "transparent"
+        border.width: control.visualFocus ? 2 : 0
+        border.color: Theme.accent
+
+        Behavior on color {
+            ColorAnimation { duration: Theme.quick; easing.type: Theme.easing }
+        }
+    }
+
+    ToolTip {
+        text: control.text
+        visible: control.hovered && !control.pressed
+    }
+}

@@ -1,0 +1,28 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// A short explanation over the control that declares it.
+T.ToolTip {
+    id: control
+
+    x: parent ? Math.round((parent.width - width) / 2) : 0
+    y: parent ? parent.height + 4 : 0
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    margins: Theme.unit
+    horizontalPadding: Theme.unit
+    verticalPadding: 4
+    delay: 700
+    timeout: 6000
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
+
+    contentItem: Label {
+        text: control.text
+        font.pixelSize: Theme.captionSize
+    }
+    background: Rectangle {
+        color: Theme.popup
+        radius: Theme.rowRadius
+        border.color: Theme.hairline
+    }
+}
