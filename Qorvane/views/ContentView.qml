@@ -1,0 +1,55 @@
+import QtQuick
+import QtQuick.Templates as T
+import QorvaneStyle
+
+/// The main window.
+T.ApplicationWindow {
+    id: window
+
+    required property ContentViewState viewState
+
+    width: 1280
+    height: 800
+    minimumWidth: 1200
+    minimumHeight: 800
+    title: viewState.title === "" ? "Qorvane" : viewState.title
+    color: Theme.window
+
+    SidebarView {
+        id: sidebar
+
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        width: Theme.sidebarWidth
+        viewState: window.viewState
+    }
+
+    ContentToolbar {
+        id: toolbar
+
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        viewState: window.viewState
+        onLeftForGrid: results.forceActiveFocus()
+    }
+
+    SearchResultsView {
+        id: results
+
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        viewState: window.viewState
+    }
+
+    DropOverlay {
+        anchors.fill: parent
+        viewState: window.viewState
+    }
+
+    Shortcut {
+        sequence: "Ctrl+F"
+        onActivated: toolbar.focusSearch()
+    }
+}

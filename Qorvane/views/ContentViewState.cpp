@@ -1,0 +1,184 @@
+#include "views/ContentViewState.h"
+
+#include "library/QorManage.h"
+#include "library/SidebarItem.h"
+#include "platform/FileAttributes.h"
+#include "platform/GlobalQueue.h"
+#include "platform/Localization.h"
+#include "platform/MainQueue.h"
+#include "store/EmbeddingStore.h"
+#include "views/ThumbnailQueue.h"
+
+#include <QPointer>
+
+namespace Qorvane {
+
+namespace {
+
+bool isVideo(const FileUrl &url)
+{
+    return QorManage::supportedVideoExtensions().contains(url.pathExtension().toLower());
+}
+
+SearchSources searchSources(QorManage &qorManager, ContentViewState::Search search)
+{
+    return {[&qorManager] {
+                return SearchScopeSettings{qorManager.selectedTag(), qorManager.selectedFolder(),
+                                           qorManager.imageURLs()};
+            },
+            [](const QString &tag) { return EmbeddingStore::shared().fetchPathsByTag(tag); },
+            std::move(search)};
+}
+
+} // namespace
+
+ContentViewState::ContentViewState(QorManage &qorManager, Search search,
+                                   std::shared_ptr<ThumbnailQueue> thumbnails, QObject *parent)
+    : QObject(parent)
+    , m_qorManager(qorManager)
+    , m_folders([this](const FileUrl &folder) { return progressOf(folder); })
+    , m_photos(m_selection, isVideo)
+    , m_results(m_selection, isVideo)
+    , m_search(searchSources(qorManager, std::move(search)))
+{
+    for (MediaListModel *const model : {&m_photos, &m_results}) {
+        connect(model, &MediaListModel::visiblePathsChanged, this,
+                [thumbnails](const QSet<QString> &paths) { thumbnails->setVisiblePaths(paths); });
+    }
+    connect(&m_folderPanel, &FolderPanel::chosen, this, &ContentViewState::addFolderUrls);
+    connect(&m_folderPanel, &FolderPanel::unavailable, this, &ContentViewState::folderPanelUnavailable);
+    followLibrary();
+    followSearch();
+}
+
+void ContentViewState::followLibrary()
+{
+    const auto takeFolders = [this] { m_folders.setFolders(m_qorManager.libraryFolders()); };
+    const auto takeImages = [this] {
+        m_photos.setUrls(m_qorManager.imageURLs());
+        updatePage();
+    };
+    const auto refreshProgress = [this] { m_folders.refreshProgress(); };
+    connect(&m_qorManager, &QorManage::libraryFoldersChanged, this, takeFolders);
+    connect(&m_qorManager, &QorManage::imageURLsChanged, this, takeImages);
+    connect(&m_qorManager, &QorManage::isLoadingChanged, this, &ContentViewState::updatePage);
+    // The last of the three that every report writes: by then they belong together.
+    connect(&m_qorManager, &QorManage::folderProcessingDetailsChanged, this, refreshProgress);
+    connect(&m_qorManager, &QorManage::selectedFolderChanged, this, [this] {
+        m_search.reset();
+        markSelectedFolder();
+        updatePage();
+        Q_EMIT titleChanged();
+    });
+    connect(&m_qorManager, &QorManage::selectedRatingChanged, this, [this] {
+        m_search.reset();
+        updatePage();
+        Q_EMIT titleChanged();
+    });
+    // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
+    // the text changes.
+    connect(&m_qorManager, &QorManage::selectedTagChanged, this, [this] {
+        updatePage();
+        Q_EMIT titleChanged();
+    });
+    takeFolders();
+    takeImages();
+    markSelectedFolder();
+}
+
+void ContentViewState::followSearch()
+{
+    connect(&m_search, &SearchController::resultsChanged, this, [this] {
+        m_results.setUrls(m_search.results());
+        updatePage();
+    });
+    connect(&m_search, &SearchController::textChanged, this, &ContentViewState::updatePage);
+    connect(&m_search, &SearchController::isSearchingChanged, this, &ContentViewState::updatePage);
+}
+
+QString ContentViewState::title() const
+{
+    if (const std::optional<QString> tag = m_qorManager.selectedTag())
+        return *tag;
+    if (const std::optional<int> rating = m_qorManager.selectedRating())
+        return QStringLiteral("★").repeated(*rating);
+    if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
+        return folder->url.lastPathComponent();
+    return {};
+}
+
+void ContentViewState::chooseFolders()
+{
+    m_folderPanel.open(localized("Add Folder"));
+}
+
+void ContentViewState::addFolders(const QList<QUrl> &urls)
+{
+    // Off the GUI thread: a folder may lie on a server that doesn't answer.
+    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), urls] {
+        QList<FileUrl> folders;
+        for (const QUrl &url : urls) {
+            if (url.isLocalFile() && directoryExists(url.toLocalFile()))
+                folders.append(FileUrl::directory(url.toLocalFile()));
+        }
+        MainQueue::async([self, folders] {
+            if (self)
+                self->addFolderUrls(folders);
+        });
+    });
+}
+
+void ContentViewState::addFolderUrls(const QList<FileUrl> &folders)
+{
+    for (const FileUrl &folder : folders)
+        m_qorManager.addFolder(folder);
+}
+
+void ContentViewState::selectSidebarItem(const QString &id)
+{
+    if (m_sidebarSelection == id)
+        return;
+    m_sidebarSelection = id;
+    m_folders.setSelectedId(id);
+    m_qorManager.setSelectedTag(std::nullopt);
+    m_qorManager.setSelectedRating(std::nullopt);
+    // Finds nothing for a folder whose address holds a "-": such a row can be marked, but not opened. Wanted.
+    m_qorManager.setSelectedFolder(m_qorManager.folderForSidebarSelection(id));
+}
+
+void ContentViewState::markSelectedFolder()
+{
+    // A row that the user chose stays marked, whatever the library makes of it.
+    const std::optional<Folder> folder = m_qorManager.selectedFolder();
+    if (m_sidebarSelection || !folder)
+        return;
+    m_sidebarSelection = SidebarItem{*folder, SidebarItem::ItemType::library}.id();
+    m_folders.setSelectedId(m_sidebarSelection);
+}
+
+void ContentViewState::updatePage()
+{
+    const GridPage::Page page = GridPage::pageFor({
+        .showNormalPhotos = m_search.text().isEmpty(),
+        .isSearching = m_search.isSearching(),
+        .hasResults = !m_search.results().isEmpty(),
+        .isLoading = m_qorManager.isLoading(),
+        .hasTag = m_qorManager.selectedTag().has_value(),
+        .hasRating = m_qorManager.selectedRating().has_value(),
+        .hasFolder = m_qorManager.selectedFolder().has_value(),
+        .hasImages = !m_qorManager.imageURLs().isEmpty(),
+    });
+    if (page == m_page)
+        return;
+    m_page = page;
+    Q_EMIT pageChanged();
+}
+
+FolderProgress ContentViewState::progressOf(const FileUrl &folder) const
+{
+    const QString &path = folder.path();
+    return {m_qorManager.processingState(folder), m_qorManager.folderProcessingProgress().value(path, 0),
+            m_qorManager.folderProcessingDetails().value(path)};
+}
+
+} // namespace Qorvane

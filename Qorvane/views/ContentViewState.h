@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/desktop/FolderPanel.h"
+#include "views/FolderListModel.h"
+#include "views/GridPage.h"
+#include "views/MediaListModel.h"
+#include "views/MediaSelection.h"
+#include "views/SearchController.h"
+
+#include <QObject>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+#include <optional>
+
+namespace Qorvane {
+
+class QorManage;
+class ThumbnailQueue;
+
+/// What the columns of the main window share: the selection, the search, the models over the library, and the
+/// steps from a gesture to the library. Lives as long as its window. GUI thread.
+class ContentViewState : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window's owner makes it.")
+    Q_PROPERTY(Qorvane::FolderListModel *folders READ folders CONSTANT)
+    Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
+    Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
+    Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
+    Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
+    /// What the window shows: the selected tag, rating or folder; empty with none of them.
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+
+public:
+    using Search = decltype(SearchSources::search);
+
+    /// `qorManager` outlives this object. `search` finds photographs by text; `thumbnails` learns which cells
+    /// are in view.
+    ContentViewState(QorManage &qorManager, Search search, std::shared_ptr<ThumbnailQueue> thumbnails,
+                     QObject *parent = nullptr);
+
+    FolderListModel *folders() { return &m_folders; }
+    MediaListModel *photos() { return &m_photos; }
+    MediaListModel *results() { return &m_results; }
+    SearchController *search() { return &m_search; }
+    MediaSelection &selection() { return m_selection; }
+    GridPage::Page page() const { return m_page; }
+    QString title() const;
+
+    /// Opens the desktop's panel for folders to add.
+    Q_INVOKABLE void chooseFolders();
+    /// Adds the folders among `urls` to the library, in their order; other files are passed over.
+    Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
+    /// A click on the sidebar row with this id.
+    Q_INVOKABLE void selectSidebarItem(const QString &id);
+
+Q_SIGNALS:
+    void pageChanged();
+    void titleChanged();
+    /// The desktop has no panel for folders; the window has to show its own.
+    void folderPanelUnavailable();
+
+private:
+    void followLibrary();
+    void followSearch();
+    void markSelectedFolder();
+    void updatePage();
+    void addFolderUrls(const QList<FileUrl> &folders);
+    FolderProgress progressOf(const FileUrl &folder) const;
+
+    QorManage &m_qorManager;
+    FolderPanel m_folderPanel;
+    MediaSelection m_selection;
+    FolderListModel m_folders;
+    MediaListModel m_photos;
+    MediaListModel m_results;
+    SearchController m_search;
+    std::optional<QString> m_sidebarSelection;
+    GridPage::Page m_page = GridPage::NothingSelected;
+};
+
+} // namespace Qorvane

@@ -1,0 +1,40 @@
+#include "views/ContentWindow.h"
+
+#include "views/ContentViewState.h"
+#include "views/ThumbnailProvider.h"
+#include "views/style/IconProvider.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickWindow>
+#include <QtQml/QQmlExtensionPlugin>
+
+Q_IMPORT_QML_PLUGIN(QorvaneStylePlugin)
+Q_IMPORT_QML_PLUGIN(QorvaneViewsPlugin)
+
+namespace Qorvane {
+
+void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnails)
+{
+    // Qt before 6.5 doesn't look there by itself.
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QString::fromLatin1(IconProvider::providerId),
+                            std::make_unique<IconProvider>().release());
+    engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId), thumbnails.release());
+}
+
+std::unique_ptr<QQuickWindow> makeContentWindow(QQmlEngine &engine, ContentViewState &state)
+{
+    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/QorvaneViews/ContentView.qml")));
+    std::unique_ptr<QObject> root(
+        component.createWithInitialProperties({{QStringLiteral("viewState"), QVariant::fromValue(&state)}}));
+    auto *const window = qobject_cast<QQuickWindow *>(root.get());
+    if (!window) {
+        qWarning("%s", qUtf8Printable(component.errorString()));
+        return nullptr;
+    }
+    root.release(); // NOLINT(bugprone-unused-return-value): the same object, under its own type
+    return std::unique_ptr<QQuickWindow>(window);
+}
+
+} // namespace Qorvane

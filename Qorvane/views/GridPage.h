@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QObject>
+#include <QtQml/qqmlregistration.h>
+
+namespace Qorvane {
+
+/// What the middle column reads to know what to show.
+struct GridPageInput
+{
+    bool showNormalPhotos = true; ///< the search field is empty
+    bool isSearching = false;
+    bool hasResults = false;
+    bool isLoading = false;
+    bool hasTag = false;
+    bool hasRating = false;
+    bool hasFolder = false;
+    bool hasImages = false;
+};
+
+/// The pages of the middle column.
+namespace GridPage {
+Q_NAMESPACE
+QML_ELEMENT
+
+enum Page {
+    Loading,
+    Photos,
+    EmptyTag,
+    EmptyRating,
+    EmptyFolder,
+    NothingSelected,
+    Searching,
+    NoResults,
+    Results,
+};
+Q_ENUM_NS(Page)
+
+/// The page for `input`. While a search runs it hides the results of the one before.
+Page pageFor(const GridPageInput &input);
+
+} // namespace GridPage
+
+} // namespace Qorvane

@@ -1,0 +1,144 @@
+#include "views/MediaListModel.h"
+
+#include "views/MediaSelection.h"
+
+namespace Qorvane {
+
+namespace {
+
+bool isShortenedFrom(const QList<FileUrl> &all, const QList<FileUrl> &kept)
+{
+    if (kept.isEmpty() || kept.size() > all.size())
+        return false;
+    auto next = kept.cbegin();
+    for (const FileUrl &url : all) {
+        if (next != kept.cend() && url == *next)
+            ++next;
+    }
+    return next == kept.cend();
+}
+
+std::optional<GridDirection> directionOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return GridDirection::left;
+    case Qt::Key_Right:
+        return GridDirection::right;
+    case Qt::Key_Up:
+        return GridDirection::up;
+    case Qt::Key_Down:
+        return GridDirection::down;
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+MediaListModel::MediaListModel(MediaSelection &selection, IsVideo isVideo, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_selection(selection)
+    , m_isVideo(std::move(isVideo))
+{
+    connect(&selection, &MediaSelection::changed, this, &MediaListModel::announceSelection);
+}
+
+void MediaListModel::setUrls(const QList<FileUrl> &urls)
+{
+    if (m_urls == urls)
+        return;
+    m_visibleRows = {}; // other files may stand in the same places
+    if (isShortenedFrom(m_urls, urls)) {
+        removeAllBut(urls);
+    } else {
+        beginResetModel();
+        m_urls = urls;
+        endResetModel();
+    }
+    Q_EMIT countChanged();
+}
+
+void MediaListModel::removeAllBut(const QList<FileUrl> &urls)
+{
+    qsizetype row = 0;
+    while (row < m_urls.size()) {
+        if (row < urls.size() && m_urls.at(row) == urls.at(row)) {
+            ++row;
+            continue;
+        }
+        // A whole run of lost entries goes in one step.
+        qsizetype last = row;
+        while (last + 1 < m_urls.size() && (row >= urls.size() || m_urls.at(last + 1) != urls.at(row)))
+            ++last;
+        beginRemoveRows({}, int(row), int(last));
+        m_urls.remove(row, last - row + 1);
+        endRemoveRows();
+    }
+}
+
+void MediaListModel::click(int row, bool isCommandHeld)
+{
+    if (row >= 0 && row < count())
+        m_selection.click(m_urls.at(row), isCommandHeld);
+}
+
+int MediaListModel::handleKey(int key, int columnCount)
+{
+    const std::optional<GridDirection> direction = directionOf(key);
+    return direction ? m_selection.move(*direction, m_urls, columnCount).value_or(-1) : -1;
+}
+
+void MediaListModel::setViewport(double contentY, double viewHeight, double rowPitch, int columnCount)
+{
+    const RowRange rows = visibleRows(contentY, viewHeight, rowPitch, columnCount, count());
+    if (rows == m_visibleRows)
+        return;
+    m_visibleRows = rows;
+    QSet<QString> paths;
+    for (int row = rows.first; row <= rows.last; ++row)
+        paths.insert(m_urls.at(row).path());
+    Q_EMIT visiblePathsChanged(paths);
+}
+
+int MediaListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant MediaListModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const FileUrl &url = m_urls.at(index.row());
+    switch (role) {
+    case PathRole:
+        return url.path();
+    case NameRole:
+    case Qt::DisplayRole:
+        return url.lastPathComponent();
+    case IsVideoRole:
+        return m_isVideo(url);
+    case IsSelectedRole:
+        return m_selection.urls().contains(url);
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> MediaListModel::roleNames() const
+{
+    return {{PathRole, "path"}, {NameRole, "name"}, {IsVideoRole, "isVideo"}, {IsSelectedRole, "isSelected"}};
+}
+
+void MediaListModel::announceSelection(const QSet<FileUrl> &before)
+{
+    const QSet<FileUrl> &now = m_selection.urls();
+    for (int row = 0; row < count(); ++row) {
+        const FileUrl &url = m_urls.at(row);
+        if (before.contains(url) != now.contains(url))
+            Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
+    }
+}
+
+} // namespace Qorvane

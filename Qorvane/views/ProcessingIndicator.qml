@@ -1,0 +1,56 @@
+import QtQuick
+import QorvaneStyle
+
+/// A folder's background run: a ring and a percentage while it runs, a check mark once it is done.
+Row {
+    id: indicator
+
+    required property int runState
+    required property double progress
+    /// Stands on a selected row, where everything is drawn in one ink.
+    property bool isOnAccent: false
+
+    readonly property bool isRunning: runState === FolderListModel.Thumbnails
+                                      || runState === FolderListModel.Vectors
+    readonly property string stage: runState === FolderListModel.Thumbnails
+                                    ? qsTranslate("Qorvane", "Preview") : qsTranslate("Qorvane", "AI Analysis")
+    readonly property color ink: isOnAccent ? Theme.onAccent
+                                 : runState === FolderListModel.Thumbnails ? Theme.orange : Theme.blue
+
+    spacing: 4
+
+    ProgressRing {
+        width: 16
+        height: 16
+        anchors.verticalCenter: parent.verticalCenter
+        visible: indicator.isRunning
+        progress: indicator.progress
+        color: indicator.ink
+        Accessible.role: Accessible.ProgressBar
+        Accessible.name: caption.text
+    }
+
+    Label {
+        id: caption
+
+        anchors.verticalCenter: parent.verticalCenter
+        visible: indicator.isRunning
+        text: indicator.stage + " " + Math.floor(indicator.progress * 100) + "%"
+        font.pixelSize: Theme.caption2Size
+        color: indicator.ink
+    }
+
+    Item {
+        width: 16
+        height: 16
+        anchors.verticalCenter: parent.verticalCenter
+        visible: indicator.runState === FolderListModel.Completed
+
+        Icon {
+            anchors.centerIn: parent
+            name: "checkmark"
+            size: 12
+            color: indicator.isOnAccent ? Theme.onAccent : Theme.green
+        }
+    }
+}

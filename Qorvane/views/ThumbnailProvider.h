@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QImage>
+#include <QQuickAsyncImageProvider>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace Qorvane {
+
+class ThumbnailQueue;
+
+/// Cuts `picture` to fill `size` (physical pixels) around its middle and rounds the corners by `radius`
+/// (physical pixels). Null stays null. Any thread.
+QImage fittedThumbnail(const QImage &picture, QSize size, double radius);
+
+/// Serves the image sources that ThumbnailUrl writes. Nothing of it runs on the GUI thread.
+class ThumbnailProvider : public QQuickAsyncImageProvider
+{
+public:
+    static constexpr auto providerId = "thumbnails";
+
+    /// The thumbnail's pixels for the file at `path`; null when there is none. Blocks; runs on the queue's
+    /// threads, several at once.
+    using Load = std::function<QImage(const QString &path)>;
+
+    ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load load);
+
+    /// A file without a thumbnail gets a picture of one clear pixel: an error would be a line on the console
+    /// for every broken file of the user's.
+    QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
+
+private:
+    std::shared_ptr<ThumbnailQueue> m_queue;
+    Load m_load;
+};
+
+} // namespace Qorvane

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+#include <optional>
+
+namespace Qorvane {
+
+/// What a cell asks the thumbnail provider for: a file's thumbnail, cut to `size` and with rounded corners.
+/// Cut and corners are made with the picture rather than on screen, where the software scene graph has no
+/// masks.
+struct ThumbnailRequest
+{
+    QString path;
+    QSize size;     ///< logical pixels
+    int radius = 0; ///< of the corners, logical pixels
+
+    /// The provider's id for this request, fit to stand in a URL.
+    QString toId() const;
+    /// Nothing when `id` isn't one that `toId` writes.
+    static std::optional<ThumbnailRequest> fromId(const QString &id);
+
+    friend bool operator==(const ThumbnailRequest &, const ThumbnailRequest &) = default;
+};
+
+/// The same for QML. Any thread.
+class ThumbnailUrl : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+public:
+    using QObject::QObject;
+
+    /// The image source for the thumbnail of the file at `path`.
+    Q_INVOKABLE QString source(const QString &path, int width, int height, int radius) const;
+};
+
+} // namespace Qorvane

@@ -1,0 +1,41 @@
+#include "views/GridColumns.h"
+
+#include <gtest/gtest.h>
+
+using Qorvane::GridColumns;
+
+TEST(GridColumns, countsTheCellsThatFitWithTheirGaps)
+{
+    EXPECT_EQ(GridColumns::countFor(200), 1);
+    EXPECT_EQ(GridColumns::countFor(415.9), 1);
+    EXPECT_EQ(GridColumns::countFor(416), 2);
+    EXPECT_EQ(GridColumns::countFor(847.5), 3);
+    EXPECT_EQ(GridColumns::countFor(848), 4);
+}
+
+TEST(GridColumns, isOneForAWidthBelowACell)
+{
+    EXPECT_EQ(GridColumns::countFor(199), 1);
+    EXPECT_EQ(GridColumns::countFor(0), 1);
+    EXPECT_EQ(GridColumns::countFor(-50), 1);
+}
+
+TEST(GridColumns, sharesTheWidthThatIsLeftOver)
+{
+    GridColumns columns;
+    columns.setWidth(900);
+    EXPECT_EQ(columns.count(), 4);
+    EXPECT_EQ(columns.pitch(), 229);
+    EXPECT_EQ(columns.columnWidth(), 213);
+}
+
+TEST(GridColumns, pitchFitsExactlyCountTimesAtEveryWidth)
+{
+    GridColumns columns;
+    for (int width = 200; width < 4000; ++width) {
+        columns.setWidth(width);
+        const int span = width + GridColumns::gap;
+        EXPECT_EQ(span / columns.pitch(), columns.count()) << width;
+        EXPECT_GE(columns.columnWidth(), GridColumns::minimumColumnWidth) << width;
+    }
+}

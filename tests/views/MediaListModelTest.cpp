@@ -1,0 +1,109 @@
+#include "views/MediaListModel.h"
+
+#include "views/MediaSelection.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+using namespace Qorvane;
+
+namespace {
+
+FileUrl file(const char *name)
+{
+    return FileUrl::file(QStringLiteral("/photos/") + QString::fromLatin1(name));
+}
+
+class MediaListModelTest : public testing::Test
+{
+protected:
+    MediaSelection selection;
+    MediaListModel model{selection,
+                         [](const FileUrl &url) { return url.pathExtension() == QLatin1String("mp4"); }};
+    QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
+    QSignalSpy resets{&model, &QAbstractItemModel::modelReset};
+    QSignalSpy removals{&model, &QAbstractItemModel::rowsRemoved};
+};
+
+} // namespace
+
+TEST_F(MediaListModelTest, showsPathNameAndKindOfEachFile)
+{
+    model.setUrls({file("a.jpg"), file("b.mp4")});
+    ASSERT_EQ(model.rowCount(), 2);
+    EXPECT_EQ(model.index(0).data(MediaListModel::PathRole).toString(), QStringLiteral("/photos/a.jpg"));
+    EXPECT_EQ(model.index(0).data(MediaListModel::NameRole).toString(), QStringLiteral("a.jpg"));
+    EXPECT_FALSE(model.index(0).data(MediaListModel::IsVideoRole).toBool());
+    EXPECT_TRUE(model.index(1).data(MediaListModel::IsVideoRole).toBool());
+}
+
+TEST_F(MediaListModelTest, anotherListResetsTheGrid)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg")});
+    model.setUrls({file("b.jpg"), file("a.jpg")});
+    EXPECT_EQ(resets.count(), 2);
+    EXPECT_EQ(model.index(0).data(MediaListModel::NameRole).toString(), QStringLiteral("b.jpg"));
+}
+
+TEST_F(MediaListModelTest, theSameListChangesNothing)
+{
+    model.setUrls({file("a.jpg")});
+    model.setUrls({file("a.jpg")});
+    EXPECT_EQ(resets.count(), 1);
+}
+
+TEST_F(MediaListModelTest, lostEntriesTakeOnlyTheirRows)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg"), file("d.jpg"), file("e.jpg")});
+    model.setUrls({file("a.jpg"), file("d.jpg")});
+    EXPECT_EQ(resets.count(), 1);
+    ASSERT_EQ(removals.count(), 2);
+    EXPECT_EQ(removals.at(0).at(1).toInt(), 1);
+    EXPECT_EQ(removals.at(0).at(2).toInt(), 2);
+    EXPECT_EQ(model.urls(), (QList<FileUrl>{file("a.jpg"), file("d.jpg")}));
+}
+
+TEST_F(MediaListModelTest, selectionChangesOnlyTheRowsConcerned)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    selection.setUrls({file("a.jpg")});
+    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    model.click(2, false);
+    ASSERT_EQ(changes.count(), 2);
+    EXPECT_EQ(changes.at(0).at(0).toModelIndex().row(), 0);
+    EXPECT_EQ(changes.at(1).at(0).toModelIndex().row(), 2);
+    EXPECT_FALSE(model.index(0).data(MediaListModel::IsSelectedRole).toBool());
+    EXPECT_TRUE(model.index(2).data(MediaListModel::IsSelectedRole).toBool());
+}
+
+TEST_F(MediaListModelTest, arrowKeysMoveAndOthersAreLeftAlone)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    EXPECT_EQ(model.handleKey(Qt::Key_Down, 2), 2);
+    EXPECT_EQ(model.handleKey(Qt::Key_Left, 2), 1);
+    EXPECT_EQ(model.handleKey(Qt::Key_Return, 2), -1);
+    EXPECT_EQ(model.handleKey(Qt::Key_Space, 2), -1);
+    EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("b.jpg")});
+}
+
+TEST_F(MediaListModelTest, namesTheFilesInView)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg"), file("d.jpg")});
+    QSet<QString> visible;
+    QObject::connect(&model, &MediaListModel::visiblePathsChanged, &model,
+                     [&visible](const QSet<QString> &paths) { visible = paths; });
+    model.setViewport(210, 100, 210, 2);
+    EXPECT_EQ(visible, (QSet<QString>{QStringLiteral("/photos/c.jpg"), QStringLiteral("/photos/d.jpg")}));
+}
+
+TEST_F(MediaListModelTest, namesTheFilesInViewAnewAfterAnotherList)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg")});
+    model.setViewport(0, 100, 210, 2);
+    model.setUrls({file("x.jpg"), file("y.jpg")});
+    QSignalSpy announcements(&model, &MediaListModel::visiblePathsChanged);
+    model.setViewport(0, 100, 210, 2);
+    EXPECT_EQ(announcements.count(), 1);
+}

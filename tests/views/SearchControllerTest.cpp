@@ -1,0 +1,175 @@
+#include "views/SearchController.h"
+
+#include "support/LogCapture.h"
+#include "support/Waiting.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QFile>
+#include <QPromise>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+
+using namespace Qorvane;
+
+namespace {
+
+FileUrl file(const QString &name)
+{
+    return FileUrl::file(QStringLiteral("/photos/") + name);
+}
+
+// A search whose ends the test brings about, in the order it likes.
+class SearchControllerTest : public testing::Test
+{
+protected:
+    struct Running
+    {
+        QList<FileUrl> scope;
+        int limit = 0;
+        std::shared_ptr<QPromise<QList<FileUrl>>> promise;
+    };
+
+    QCoro::Task<QList<FileUrl>> begin(QString text, QList<FileUrl> scope, int limit)
+    {
+        Running run{scope, limit, std::make_shared<QPromise<QList<FileUrl>>>()};
+        run.promise->start();
+        running[text] = run;
+        const QList<FileUrl> found = co_await run.promise->future();
+        co_return found;
+    }
+
+    void finish(const QString &text, const QList<FileUrl> &found)
+    {
+        QSignalSpy ends(&controller, &SearchController::isSearchingChanged);
+        QSignalSpy results(&controller, &SearchController::resultsChanged);
+        running[text].promise->addResult(found);
+        running[text].promise->finish();
+        ASSERT_TRUE(waitUntil([&] { return ends.count() + results.count() > 0; }));
+        drainMainQueue();
+    }
+
+    bool waitForSearch(const QString &text)
+    {
+        return waitUntil([this, &text] { return running.contains(text); });
+    }
+
+    SearchScopeSettings settings;
+    QStringList taggedPaths;
+    std::map<QString, Running> running;
+    LogCapture log;
+    SearchController controller{{[this] { return settings; }, [this](const QString &) { return taggedPaths; },
+                                 [this](const QString &text, const QList<FileUrl> &scope, int limit) {
+                                     return begin(text, scope, limit);
+                                 }}};
+};
+
+} // namespace
+
+TEST_F(SearchControllerTest, everyChangeOfTheTextStartsASearchOfTwentyHits)
+{
+    controller.setText(QStringLiteral("c"));
+    controller.setText(QStringLiteral("ca"));
+    EXPECT_TRUE(controller.isSearching());
+    ASSERT_TRUE(waitForSearch(QStringLiteral("ca")));
+    EXPECT_TRUE(running.contains(QStringLiteral("c")));
+    EXPECT_EQ(running[QStringLiteral("ca")].limit, 20);
+}
+
+TEST_F(SearchControllerTest, theLastToFinishWins)
+{
+    for (const char *text : {"c", "ca", "cat"})
+        controller.setText(QString::fromLatin1(text));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("cat")));
+    finish(QStringLiteral("cat"), {file(QStringLiteral("cat.jpg"))});
+    EXPECT_FALSE(controller.isSearching());
+    finish(QStringLiteral("c"), {file(QStringLiteral("c.jpg"))});
+    finish(QStringLiteral("ca"), {file(QStringLiteral("car.jpg"))});
+    EXPECT_EQ(controller.results(), QList<FileUrl>{file(QStringLiteral("car.jpg"))});
+}
+
+TEST_F(SearchControllerTest, emptyingTheFieldDropsTheResultsButNotTheRunningSearch)
+{
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    controller.setText({});
+    EXPECT_TRUE(controller.isSearching());
+    EXPECT_TRUE(controller.results().isEmpty());
+    finish(QStringLiteral("dog"), {file(QStringLiteral("dog.jpg"))});
+    EXPECT_FALSE(controller.isSearching());
+    EXPECT_EQ(controller.results().size(), 1); // hidden, since the field is empty
+}
+
+TEST_F(SearchControllerTest, resetEmptiesEverything)
+{
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    finish(QStringLiteral("dog"), {file(QStringLiteral("dog.jpg"))});
+    controller.setText(QStringLiteral("dogs"));
+    controller.reset();
+    EXPECT_TRUE(controller.text().isEmpty());
+    EXPECT_TRUE(controller.results().isEmpty());
+    EXPECT_FALSE(controller.isSearching());
+}
+
+TEST_F(SearchControllerTest, searchesEverythingWithNothingSelected)
+{
+    settings.imageURLs = {file(QStringLiteral("a.jpg"))};
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_TRUE(running[QStringLiteral("dog")].scope.isEmpty());
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 搜索全部照片")));
+}
+
+TEST_F(SearchControllerTest, searchesTheListShownOfASelectedFolder)
+{
+    settings.selectedFolder = Folder{FileUrl::directory(QStringLiteral("/photos/旅行")), std::nullopt};
+    settings.imageURLs = {file(QStringLiteral("a.jpg")), file(QStringLiteral("b.jpg"))};
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_EQ(running[QStringLiteral("dog")].scope, settings.imageURLs);
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 在文件夹 '旅行' 下的 2 张照片中搜索")));
+}
+
+TEST_F(SearchControllerTest, searchesTheFilesOfASelectedTagThatAreStillThere)
+{
+    const QTemporaryDir folder;
+    const QString present = folder.filePath(QStringLiteral("here.jpg"));
+    QFile created(present);
+    ASSERT_TRUE(created.open(QIODevice::WriteOnly));
+    settings.selectedTag = QStringLiteral("Beach");
+    settings.selectedFolder = Folder{FileUrl::directory(QStringLiteral("/photos")), std::nullopt};
+    taggedPaths = {folder.filePath(QStringLiteral("gone.jpg")), present};
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_EQ(running[QStringLiteral("dog")].scope, QList<FileUrl>{FileUrl::file(present)});
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 1 张照片中搜索")));
+}
+
+TEST_F(SearchControllerTest, aTagWhoseFilesAreGoneSearchesEverything)
+{
+    settings.selectedTag = QStringLiteral("Beach");
+    taggedPaths = {QStringLiteral("/nowhere/gone.jpg")};
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_TRUE(running[QStringLiteral("dog")].scope.isEmpty());
+}
+
+TEST_F(SearchControllerTest, deletedFilesLeaveTheResultsInOrder)
+{
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    finish(QStringLiteral("dog"),
+           {file(QStringLiteral("a.jpg")), file(QStringLiteral("b.jpg")), file(QStringLiteral("c.jpg"))});
+    NotificationCenter::defaultCenter().post(
+        QStringLiteral("ImagesDeleted"),
+        {{QStringLiteral("paths"), QStringList{QStringLiteral("/photos/b.jpg")}}});
+    drainMainQueue();
+    EXPECT_EQ(controller.results(),
+              (QList<FileUrl>{file(QStringLiteral("a.jpg")), file(QStringLiteral("c.jpg"))}));
+}
