@@ -89,7 +89,10 @@ void ContentViewState::followLibrary()
 void ContentViewState::followSearch()
 {
     connect(&m_search, &SearchController::resultsChanged, this, [this] {
-        m_results.setUrls(m_search.results());
+        QList<FileUrl> urls;
+        for (const SearchResult &result : m_search.results())
+            urls.append(result.url);
+        m_results.setUrls(urls);
         updatePage();
     });
     connect(&m_search, &SearchController::textChanged, this, &ContentViewState::updatePage);

@@ -84,7 +84,9 @@ QCoro::Task<> SearchController::run(QString text)
     const QPointer self(this);
     const SearchSources sources = m_sources;
     const QList<FileUrl> scope = co_await candidates(sources);
-    const QList<FileUrl> results = co_await sources.search(text, scope, limit);
+    if (!self)
+        co_return; // and with it what would search
+    const QList<SearchResult> results = co_await sources.search(text, scope, limit);
     if (!self)
         co_return;
     // No look at the field: a search that ends late shows its results, whatever the text is by now.
@@ -112,7 +114,7 @@ QCoro::Task<QList<FileUrl>> SearchController::candidates(SearchSources sources)
     co_return QList<FileUrl>();
 }
 
-void SearchController::setResults(const QList<FileUrl> &results)
+void SearchController::setResults(const QList<SearchResult> &results)
 {
     if (m_results == results)
         return;
@@ -131,8 +133,8 @@ void SearchController::setSearching(bool isSearching)
 void SearchController::removeResults(const QStringList &paths)
 {
     const QSet<QString> deleted(paths.cbegin(), paths.cend());
-    QList<FileUrl> kept = m_results;
-    kept.removeIf([&deleted](const FileUrl &url) { return deleted.contains(url.path()); });
+    QList<SearchResult> kept = m_results;
+    kept.removeIf([&deleted](const SearchResult &result) { return deleted.contains(result.url.path()); });
     setResults(kept);
 }
 

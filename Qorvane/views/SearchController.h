@@ -3,6 +3,7 @@
 #include "library/Folder.h"
 #include "platform/FileUrl.h"
 #include "platform/NotificationCenter.h"
+#include "semantic/SearchResult.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -31,7 +32,7 @@ struct SearchSources
     /// The paths that carry a tag, in the store's order. Blocks; called off the GUI thread.
     std::function<QStringList(const QString &tag)> pathsOfTag;
     /// The best matches among `scope` (empty: everything), best first. GUI thread.
-    std::function<QCoro::Task<QList<FileUrl>>(QString text, QList<FileUrl> scope, int limit)> search;
+    std::function<QCoro::Task<QList<SearchResult>>(QString text, QList<FileUrl> scope, int limit)> search;
 };
 
 /// The search field: every change of its text starts a search, and nothing stops one. Searches overlap, and
@@ -55,7 +56,7 @@ public:
     /// An empty text drops the results at once, but leaves `isSearching` to the searches still running.
     void setText(const QString &text);
     bool isSearching() const { return m_isSearching; }
-    const QList<FileUrl> &results() const { return m_results; }
+    const QList<SearchResult> &results() const { return m_results; }
 
     /// Back to the empty field, as another folder or rating asks for.
     void reset();
@@ -70,14 +71,14 @@ Q_SIGNALS:
 private:
     QCoro::Task<> run(QString text);
     static QCoro::Task<QList<FileUrl>> candidates(SearchSources sources);
-    void setResults(const QList<FileUrl> &results);
+    void setResults(const QList<SearchResult> &results);
     void setSearching(bool isSearching);
     void removeResults(const QStringList &paths);
 
     const SearchSources m_sources;
     QString m_text;
     bool m_isSearching = false;
-    QList<FileUrl> m_results;
+    QList<SearchResult> m_results;
     NotificationCenter::Token m_deletionToken;
 };
 

@@ -24,6 +24,11 @@ FileUrl file(const QString &name)
     return FileUrl::file(QStringLiteral("/photos/") + name);
 }
 
+SearchResult hit(const QString &name)
+{
+    return {file(name), 0.5f, 0.1f};
+}
+
 // A search whose ends the test brings about, in the order it likes.
 class SearchControllerTest : public testing::Test
 {
@@ -32,19 +37,19 @@ protected:
     {
         QList<FileUrl> scope;
         int limit = 0;
-        std::shared_ptr<QPromise<QList<FileUrl>>> promise;
+        std::shared_ptr<QPromise<QList<SearchResult>>> promise;
     };
 
-    QCoro::Task<QList<FileUrl>> begin(QString text, QList<FileUrl> scope, int limit)
+    QCoro::Task<QList<SearchResult>> begin(QString text, QList<FileUrl> scope, int limit)
     {
-        Running run{scope, limit, std::make_shared<QPromise<QList<FileUrl>>>()};
+        Running run{scope, limit, std::make_shared<QPromise<QList<SearchResult>>>()};
         run.promise->start();
         running[text] = run;
-        const QList<FileUrl> found = co_await run.promise->future();
+        const QList<SearchResult> found = co_await run.promise->future();
         co_return found;
     }
 
-    void finish(const QString &text, const QList<FileUrl> &found)
+    void finish(const QString &text, const QList<SearchResult> &found)
     {
         QSignalSpy ends(&controller, &SearchController::isSearchingChanged);
         QSignalSpy results(&controller, &SearchController::resultsChanged);
@@ -86,11 +91,11 @@ TEST_F(SearchControllerTest, theLastToFinishWins)
     for (const char *text : {"c", "ca", "cat"})
         controller.setText(QString::fromLatin1(text));
     ASSERT_TRUE(waitForSearch(QStringLiteral("cat")));
-    finish(QStringLiteral("cat"), {file(QStringLiteral("cat.jpg"))});
+    finish(QStringLiteral("cat"), {hit(QStringLiteral("cat.jpg"))});
     EXPECT_FALSE(controller.isSearching());
-    finish(QStringLiteral("c"), {file(QStringLiteral("c.jpg"))});
-    finish(QStringLiteral("ca"), {file(QStringLiteral("car.jpg"))});
-    EXPECT_EQ(controller.results(), QList<FileUrl>{file(QStringLiteral("car.jpg"))});
+    finish(QStringLiteral("c"), {hit(QStringLiteral("c.jpg"))});
+    finish(QStringLiteral("ca"), {hit(QStringLiteral("car.jpg"))});
+    EXPECT_EQ(controller.results(), QList<SearchResult>{hit(QStringLiteral("car.jpg"))});
 }
 
 TEST_F(SearchControllerTest, emptyingTheFieldDropsTheResultsButNotTheRunningSearch)
@@ -100,7 +105,7 @@ TEST_F(SearchControllerTest, emptyingTheFieldDropsTheResultsButNotTheRunningSear
     controller.setText({});
     EXPECT_TRUE(controller.isSearching());
     EXPECT_TRUE(controller.results().isEmpty());
-    finish(QStringLiteral("dog"), {file(QStringLiteral("dog.jpg"))});
+    finish(QStringLiteral("dog"), {hit(QStringLiteral("dog.jpg"))});
     EXPECT_FALSE(controller.isSearching());
     EXPECT_EQ(controller.results().size(), 1); // hidden, since the field is empty
 }
@@ -109,7 +114,7 @@ TEST_F(SearchControllerTest, resetEmptiesEverything)
 {
     controller.setText(QStringLiteral("dog"));
     ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
-    finish(QStringLiteral("dog"), {file(QStringLiteral("dog.jpg"))});
+    finish(QStringLiteral("dog"), {hit(QStringLiteral("dog.jpg"))});
     controller.setText(QStringLiteral("dogs"));
     controller.reset();
     EXPECT_TRUE(controller.text().isEmpty());
@@ -165,11 +170,11 @@ TEST_F(SearchControllerTest, deletedFilesLeaveTheResultsInOrder)
     controller.setText(QStringLiteral("dog"));
     ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
     finish(QStringLiteral("dog"),
-           {file(QStringLiteral("a.jpg")), file(QStringLiteral("b.jpg")), file(QStringLiteral("c.jpg"))});
+           {hit(QStringLiteral("a.jpg")), hit(QStringLiteral("b.jpg")), hit(QStringLiteral("c.jpg"))});
     NotificationCenter::defaultCenter().post(
         QStringLiteral("ImagesDeleted"),
         {{QStringLiteral("paths"), QStringList{QStringLiteral("/photos/b.jpg")}}});
     drainMainQueue();
     EXPECT_EQ(controller.results(),
-              (QList<FileUrl>{file(QStringLiteral("a.jpg")), file(QStringLiteral("c.jpg"))}));
+              (QList<SearchResult>{hit(QStringLiteral("a.jpg")), hit(QStringLiteral("c.jpg"))}));
 }
