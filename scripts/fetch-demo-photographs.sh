@@ -16,10 +16,10 @@ destination=${1:?usage: fetch-demo-photographs.sh DESTINATION}
 if [[ -f $destination/complete ]]; then
     exit 0
 fi
-command -v apt-get >/dev/null && command -v dpkg-deb >/dev/null || {
+if ! command -v apt-get >/dev/null || ! command -v dpkg-deb >/dev/null; then
     printf 'The demo photographs come in Debian packages, and this machine has no apt-get: name a folder of your own.\n' >&2
     exit 1
-}
+fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

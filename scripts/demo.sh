@@ -1,0 +1,45 @@
+# shellcheck shell=bash
+# The main job without a window: index, search, show. Sourced by ./run, after scripts/setup.sh.
+
+demo_home=build/demo
+
+# Encoders for the demo's library: the small ones of the tests, until a real pair is installed.
+install_demo_encoders() {
+    local models=$demo_home/data/Qorvane/models
+    if [[ ! -f $models/complete ]]; then
+        logged /usr/bin/python3 tests/encoders/make_test_encoders.py "$demo_home/encoders"
+        mkdir -p "$models"
+        cp "$demo_home"/encoders/{chinese,openai}/* "$models/"
+        touch "$models/complete"
+    fi
+    say "The demo uses the tests' small encoders. They see colours and brightness and know colour words only."
+}
+
+# run_demo HEADLESS-DRIVER [FOLDER...]
+run_demo() {
+    local headless=$1 query
+    shift
+    if [[ $# -eq 0 ]]; then
+        say "Fetching photographs to try it on (62 MB, once)"
+        scripts/fetch-demo-photographs.sh "$demo_home/photographs" || fail "there are no photographs to show"
+        set -- "$PWD/$demo_home/photographs"
+    fi
+    # A library of its own: the user's stays as it is.
+    export XDG_DATA_HOME=$PWD/$demo_home/data XDG_CACHE_HOME=$PWD/$demo_home/cache XDG_CONFIG_HOME=$PWD/$demo_home/config
+    mkdir -p "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_CONFIG_HOME"
+    install_demo_encoders
+
+    local log=$demo_home/qorvane.log sheet=$demo_home/contact-sheet.png matches=$demo_home/sky.png
+    rm -f "$log"
+    say "Indexing $*"
+    "$headless" index --log "$log" "$@" </dev/null || fail "indexing failed (see $log)"
+    say "Searching"
+    for query in "blue sky" "grass" "red" "dark"; do
+        "$headless" search --limit 5 --log "$log" "$query" </dev/null || fail "searching failed (see $log)"
+    done
+    say "Drawing contact sheets"
+    "$headless" sheet --all --log "$log" "$sheet" </dev/null || fail "drawing failed (see $log)"
+    "$headless" sheet --limit 12 --log "$log" "blue sky" "$matches" </dev/null || fail "drawing failed (see $log)"
+    say "Done. The library of this demo lies in $demo_home, what the program said in $log."
+    say "There is no display here. To see the window, start ./run in a desktop session (or over ssh -X)."
+}
