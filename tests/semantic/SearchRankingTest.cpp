@@ -3,6 +3,7 @@
 #include "semantic/RankingRows.h"
 #include "semantic/VectorScorer.h"
 #include "support/LogCapture.h"
+#include "support/Printing.h"
 
 #include <gtest/gtest.h>
 

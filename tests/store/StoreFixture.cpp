@@ -1,5 +1,7 @@
 #include "store/StoreFixture.h"
 
+#include "store/EmbeddingStore.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -33,6 +35,9 @@ using ExtensionEntry = void (*)();
 RawDatabase::RawDatabase(const QString &path)
 {
     EXPECT_EQ(sqlite3_open(path.toUtf8().constData(), &m_database), SQLITE_OK);
+    // The store doesn't wait for locks; the test may have to wait for the store.
+    constexpr int patience = 10'000; // milliseconds
+    sqlite3_busy_timeout(m_database, patience);
 }
 
 RawDatabase::~RawDatabase()
@@ -117,6 +122,13 @@ void StoreFixture::overwrite(const QString &path, qint64 offset, const QByteArra
     ASSERT_TRUE(file.open(QIODevice::ReadWrite)) << qPrintable(path);
     ASSERT_TRUE(file.seek(offset));
     ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+void StoreFixture::changeSchema(EmbeddingStore &store, const QByteArray &sql)
+{
+    RawDatabase(databasePath()).run(sql);
+    store.getTagVectorCount();
+    log.clear();
 }
 
 StatementTrace::StatementTrace()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/LogCapture.h"
+#include "support/Printing.h"
 
 #include <QByteArray>
 #include <QString>
@@ -15,6 +16,8 @@
 struct sqlite3;
 
 namespace Qorvane {
+
+class EmbeddingStore;
 
 /// A connection of the test's own to a database file, to look at what the store wrote and to write what the
 /// store is to find.
@@ -50,6 +53,10 @@ protected:
     static int openDescriptors(const QString &path);
     static QByteArray contents(const QString &path);
     static void overwrite(const QString &path, qint64 offset, const QByteArray &bytes);
+
+    /// Runs `sql` on a connection of its own and lets `store` notice: SQLite prepares by the schema it knows,
+    /// and looks whether that still holds when it steps.
+    void changeSchema(EmbeddingStore &store, const QByteArray &sql);
 
     LogCapture log;
 
