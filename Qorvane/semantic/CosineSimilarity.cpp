@@ -59,12 +59,12 @@ void store(float *target, FourFloats floats)
 }
 
 // Turns four floats of each of four rows into the four rows' first floats, their second floats, and so on.
-std::array<FourFloats, fourLanes> transposed(const float *row, std::size_t length)
+std::array<FourFloats, fourLanes> transposed(const float *row, std::size_t stride)
 {
     const FourFloats a = load(row);
-    const FourFloats b = load(row + length);
-    const FourFloats c = load(row + 2 * length);
-    const FourFloats d = load(row + 3 * length);
+    const FourFloats b = load(row + stride);
+    const FourFloats c = load(row + 2 * stride);
+    const FourFloats d = load(row + 3 * stride);
     const FourFloats abLow = __builtin_shufflevector(a, b, 0, 4, 1, 5);
     const FourFloats cdLow = __builtin_shufflevector(c, d, 0, 4, 1, 5);
     const FourFloats abHigh = __builtin_shufflevector(a, b, 2, 6, 3, 7);
@@ -75,32 +75,50 @@ std::array<FourFloats, fourLanes> transposed(const float *row, std::size_t lengt
             __builtin_shufflevector(abHigh, cdHigh, 2, 3, 6, 7)};
 }
 
-void addFourRows(std::span<const float> query, const float *rows, float *dots, float *squares)
+// Rows in two groups of four: while the additions of one group wait for each other, those of the other go on.
+constexpr std::size_t pairOfGroups = 2 * fourLanes;
+
+FourFloats column(const float *row, std::size_t stride)
+{
+    return FourFloats{row[0], row[stride], row[2 * stride], row[3 * stride]};
+}
+
+void addEightRows(std::span<const float> query, const float *rows, std::size_t stride, float *dots,
+                  float *squares)
 {
     const std::size_t length = query.size();
-    FourFloats dot{};
-    FourFloats square{};
-    const auto add = [&](FourFloats column, float factor) {
-        dot += column * factor;
-        square += column * column;
+    const float *low = rows;
+    const float *high = rows + fourLanes * stride;
+    FourFloats lowDot{};
+    FourFloats highDot{};
+    FourFloats lowSquare{};
+    FourFloats highSquare{};
+    const auto add = [&](FourFloats lowColumn, FourFloats highColumn, float factor) {
+        lowDot += lowColumn * factor;
+        highDot += highColumn * factor;
+        lowSquare += lowColumn * lowColumn;
+        highSquare += highColumn * highColumn;
     };
     std::size_t i = 0;
     for (; i + fourLanes <= length; i += fourLanes) {
-        const auto columns = transposed(rows + i, length);
+        const auto lowColumns = transposed(low + i, stride);
+        const auto highColumns = transposed(high + i, stride);
         for (std::size_t j = 0; j < fourLanes; ++j)
-            add(columns[j], query[i + j]);
+            add(lowColumns[j], highColumns[j], query[i + j]);
     }
     for (; i < length; ++i)
-        add(FourFloats{rows[i], rows[length + i], rows[2 * length + i], rows[3 * length + i]}, query[i]);
-    store(dots, dot);
-    store(squares, square);
+        add(column(low + i, stride), column(high + i, stride), query[i]);
+    store(dots, lowDot);
+    store(dots + fourLanes, highDot);
+    store(squares, lowSquare);
+    store(squares + fourLanes, highSquare);
 }
 
-Sums portableSums(std::span<const float> query, const float *rows)
+Sums portableSums(std::span<const float> query, const float *rows, std::size_t stride)
 {
     Sums sums;
-    for (std::size_t row = 0; row < rowCount; row += fourLanes)
-        addFourRows(query, rows + row * query.size(), &sums.dots[row], &sums.squares[row]);
+    for (std::size_t row = 0; row < rowCount; row += pairOfGroups)
+        addEightRows(query, rows + row * stride, stride, &sums.dots[row], &sums.squares[row]);
     return sums;
 }
 
@@ -111,60 +129,79 @@ bool hasWideRegisters()
     return __builtin_cpu_supports("avx2");
 }
 
-// Eight floats of each of eight rows, loaded in halves so that row r and row r + 4 share a register; that way
-// two rounds of shuffles within the halves finish the transposition.
-__attribute__((target("avx2"))) inline void transposeWide(const float *row, std::size_t length,
-                                                          __m256 *columns)
+#define QORVANE_WIDE __attribute__((target("avx2")))
+
+constexpr std::size_t eightLanes = 8;
+
+struct FourColumns
 {
-    for (std::size_t half = 0; half < 2; ++half) {
-        const float *source = row + half * 4;
-        const auto pair = [ source, length ](std::size_t r) __attribute__((target("avx2")))
-        {
-            return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(source + r * length)),
-                                        _mm_loadu_ps(source + (r + 4) * length), 1);
-        };
-        const __m256 a = pair(0);
-        const __m256 b = pair(1);
-        const __m256 c = pair(2);
-        const __m256 d = pair(3);
-        const __m256 abLow = _mm256_unpacklo_ps(a, b);
-        const __m256 cdLow = _mm256_unpacklo_ps(c, d);
-        const __m256 abHigh = _mm256_unpackhi_ps(a, b);
-        const __m256 cdHigh = _mm256_unpackhi_ps(c, d);
-        columns[half * 4 + 0] = _mm256_shuffle_ps(abLow, cdLow, _MM_SHUFFLE(1, 0, 1, 0));
-        columns[half * 4 + 1] = _mm256_shuffle_ps(abLow, cdLow, _MM_SHUFFLE(3, 2, 3, 2));
-        columns[half * 4 + 2] = _mm256_shuffle_ps(abHigh, cdHigh, _MM_SHUFFLE(1, 0, 1, 0));
-        columns[half * 4 + 3] = _mm256_shuffle_ps(abHigh, cdHigh, _MM_SHUFFLE(3, 2, 3, 2));
-    }
+    __m256 at[4];
+};
+
+// Four floats of each of eight rows, loaded so that row r and row r + 4 share a register; that way two rounds
+// of shuffles within the halves turn them into the rows' first floats, their second floats, and so on.
+QORVANE_WIDE inline FourColumns transposedWide(const float *row, std::size_t stride)
+{
+    const auto pair = [row, stride](std::size_t r) QORVANE_WIDE {
+        return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(row + r * stride)),
+                                    _mm_loadu_ps(row + (r + 4) * stride), 1);
+    };
+    const __m256 a = pair(0);
+    const __m256 b = pair(1);
+    const __m256 c = pair(2);
+    const __m256 d = pair(3);
+    const __m256 abLow = _mm256_unpacklo_ps(a, b);
+    const __m256 cdLow = _mm256_unpacklo_ps(c, d);
+    const __m256 abHigh = _mm256_unpackhi_ps(a, b);
+    const __m256 cdHigh = _mm256_unpackhi_ps(c, d);
+    return {{_mm256_shuffle_ps(abLow, cdLow, _MM_SHUFFLE(1, 0, 1, 0)),
+             _mm256_shuffle_ps(abLow, cdLow, _MM_SHUFFLE(3, 2, 3, 2)),
+             _mm256_shuffle_ps(abHigh, cdHigh, _MM_SHUFFLE(1, 0, 1, 0)),
+             _mm256_shuffle_ps(abHigh, cdHigh, _MM_SHUFFLE(3, 2, 3, 2))}};
 }
 
-__attribute__((target("avx2"))) Sums wideSums(std::span<const float> query, const float *rows)
+QORVANE_WIDE inline __m256 columnWide(const float *row, std::size_t stride)
 {
+    return _mm256_setr_ps(row[0], row[stride], row[2 * stride], row[3 * stride], row[4 * stride],
+                          row[5 * stride], row[6 * stride], row[7 * stride]);
+}
+
+// Two groups of eight rows at once, for the same reason as in the portable form.
+QORVANE_WIDE Sums wideSums(std::span<const float> query, const float *rows, std::size_t stride)
+{
+    static_assert(rowCount == 2 * eightLanes);
     const std::size_t length = query.size();
-    __m256 dot = _mm256_setzero_ps();
-    __m256 square = _mm256_setzero_ps();
+    const float *low = rows;
+    const float *high = rows + eightLanes * stride;
+    __m256 lowDot = _mm256_setzero_ps();
+    __m256 highDot = _mm256_setzero_ps();
+    __m256 lowSquare = _mm256_setzero_ps();
+    __m256 highSquare = _mm256_setzero_ps();
+    const auto add = [&](__m256 lowColumn, __m256 highColumn, float factor) QORVANE_WIDE {
+        const __m256 factors = _mm256_set1_ps(factor);
+        lowDot = _mm256_add_ps(lowDot, _mm256_mul_ps(lowColumn, factors));
+        highDot = _mm256_add_ps(highDot, _mm256_mul_ps(highColumn, factors));
+        lowSquare = _mm256_add_ps(lowSquare, _mm256_mul_ps(lowColumn, lowColumn));
+        highSquare = _mm256_add_ps(highSquare, _mm256_mul_ps(highColumn, highColumn));
+    };
     std::size_t i = 0;
-    for (; i + rowCount <= length; i += rowCount) {
-        __m256 columns[rowCount];
-        transposeWide(rows + i, length, columns);
-        for (std::size_t j = 0; j < rowCount; ++j) {
-            dot = _mm256_add_ps(dot, _mm256_mul_ps(columns[j], _mm256_broadcast_ss(&query[i + j])));
-            square = _mm256_add_ps(square, _mm256_mul_ps(columns[j], columns[j]));
-        }
+    for (; i + 4 <= length; i += 4) {
+        const auto lowColumns = transposedWide(low + i, stride);
+        const auto highColumns = transposedWide(high + i, stride);
+        for (std::size_t j = 0; j < 4; ++j)
+            add(lowColumns.at[j], highColumns.at[j], query[i + j]);
     }
-    for (; i < length; ++i) {
-        const float *first = rows + i;
-        const __m256 column =
-            _mm256_setr_ps(first[0], first[length], first[2 * length], first[3 * length], first[4 * length],
-                           first[5 * length], first[6 * length], first[7 * length]);
-        dot = _mm256_add_ps(dot, _mm256_mul_ps(column, _mm256_set1_ps(query[i])));
-        square = _mm256_add_ps(square, _mm256_mul_ps(column, column));
-    }
+    for (; i < length; ++i)
+        add(columnWide(low + i, stride), columnWide(high + i, stride), query[i]);
     Sums sums;
-    _mm256_storeu_ps(sums.dots.data(), dot);
-    _mm256_storeu_ps(sums.squares.data(), square);
+    _mm256_storeu_ps(sums.dots.data(), lowDot);
+    _mm256_storeu_ps(sums.dots.data() + eightLanes, highDot);
+    _mm256_storeu_ps(sums.squares.data(), lowSquare);
+    _mm256_storeu_ps(sums.squares.data() + eightLanes, highSquare);
     return sums;
 }
+
+#undef QORVANE_WIDE
 
 #else
 
@@ -173,9 +210,9 @@ bool hasWideRegisters()
     return false;
 }
 
-Sums wideSums(std::span<const float> query, const float *rows)
+Sums wideSums(std::span<const float> query, const float *rows, std::size_t stride)
 {
-    return portableSums(query, rows);
+    return portableSums(query, rows, stride);
 }
 
 #endif
@@ -203,10 +240,17 @@ CosineBlock::CosineBlock(std::vector<float> query, Instructions instructions)
 {
 }
 
+std::size_t CosineBlock::strideFor(std::size_t length)
+{
+    constexpr std::size_t floatsPerCacheLine = 16;
+    return length + floatsPerCacheLine;
+}
+
 CosineBlock::Similarities CosineBlock::score(std::span<const float> rows) const
 {
-    Q_ASSERT(rows.size() == rowCount * m_query.size());
-    const Sums sums = m_isWide ? wideSums(m_query, rows.data()) : portableSums(m_query, rows.data());
+    Q_ASSERT(rows.size() >= rowCount * stride());
+    const Sums sums =
+        m_isWide ? wideSums(m_query, rows.data(), stride()) : portableSums(m_query, rows.data(), stride());
     Similarities similarities;
     for (std::size_t i = 0; i < rowCount; ++i)
         similarities[i] = quotient(sums.dots[i], m_querySquares, sums.squares[i]);

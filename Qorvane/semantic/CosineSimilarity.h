@@ -19,8 +19,9 @@ float cosineSimilarity(std::span<const float> left, std::span<const float> right
 class CosineBlock
 {
 public:
-    /// Rows scored together: the lanes of a 256-bit register.
-    static constexpr std::size_t rowCount = 8;
+    /// Rows scored together: the lanes of two 256-bit registers, since one alone would spend its time waiting
+    /// for its own last addition.
+    static constexpr std::size_t rowCount = 16;
     /// One similarity per row of the block.
     using Similarities = std::array<float, rowCount>;
 
@@ -33,10 +34,17 @@ public:
     /// The number of floats in the query and in each row.
     std::size_t length() const { return m_query.size(); }
 
-    /// Scores `rowCount` rows of `length` floats that lie one after the other in `rows`.
+    /// The distance from the first float of one row to that of the next, in floats: a little more than the
+    /// length, so that the rows don't compete for the same lines of the processor's cache.
+    std::size_t stride() const { return strideFor(m_query.size()); }
+
+    /// Scores `rowCount` rows of `length` floats, each `stride` after the one before; what lies between them
+    /// isn't read.
     Similarities score(std::span<const float> rows) const;
 
 private:
+    static std::size_t strideFor(std::size_t length);
+
     std::vector<float> m_query;
     float m_querySquares;
     bool m_isWide;

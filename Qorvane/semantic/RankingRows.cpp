@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -52,40 +54,75 @@ char *write(char *target, std::int64_t number)
     return std::to_chars(target, target + longestInteger, number).ptr;
 }
 
-// Grows one block of text by rows.
+// What a row shows of its candidate.
+struct Row
+{
+    float similarity;
+    float share;
+    std::string_view path;
+};
+
+// Gathers rows into a block of text and hands it to the log when it is full. A block stays within the
+// second-level cache, so that the kernel copies it from there.
 class RowWriter
 {
 public:
     explicit RowWriter(CandidateOrigin origin)
         : m_beginning(rowBeginning(origin))
     {
+        m_text.reserve(blockSize);
         m_text.append(heading.data(), qsizetype(heading.size()));
     }
 
-    void add(std::int64_t rank, float similarity, float share, std::string_view name)
+    void add(std::int64_t rank, const Row &row)
     {
+        const std::string_view name = lastPathComponent(row.path);
+        const qsizetype room = qsizetype(m_beginning.size() + longestNumbers + name.size());
+        if (m_text.size() + room > blockSize)
+            flush();
         const qsizetype before = m_text.size();
-        m_text.resize(before + qsizetype(m_beginning.size() + longestNumbers + name.size()));
+        m_text.resize(before + room);
         char *end = write(m_text.data() + before, m_beginning);
         end = write(end, rank);
         end = write(end, " sim="sv);
-        end = writeFixed(end, similarity, 4);
+        end = writeFixed(end, row.similarity, 4);
         end = write(end, " ("sv);
-        end = write(end, truncatedPercentage(similarity));
+        end = write(end, truncatedPercentage(row.similarity));
         end = write(end, "%) p="sv);
-        end = writeFixed(end, share, 3);
+        end = writeFixed(end, row.share, 3);
         end = write(end, " -> "sv);
         end = write(end, name);
         end = write(end, "\n"sv);
-        m_text.truncate(end - m_text.constData());
+        m_text.resize(end - m_text.constData());
     }
 
-    const QByteArray &text() const { return m_text; }
+    void flush()
+    {
+        Log::lines(m_text);
+        m_text.resize(0);
+    }
 
 private:
+    static constexpr qsizetype blockSize = 128 * 1024;
+
     std::string_view m_beginning;
     QByteArray m_text;
 };
+
+// Rows are fetched this many at a time: their data lie scattered in the order of the ranking, and the
+// processor waits for many of them at once when nothing stands between the loads.
+constexpr std::size_t rowsAtATime = 64;
+
+std::span<const Row> fetchRows(const SearchCandidates &candidates, std::span<const std::uint32_t> order,
+                               std::span<const float> shares, std::span<Row, rowsAtATime> rows)
+{
+    const std::size_t count = std::min(order.size(), rowsAtATime);
+    for (std::size_t i = 0; i < count; ++i)
+        rows[i] = {candidates.similarity(order[i]), shares[order[i]], candidates.path(order[i])};
+    for (const Row &row : rows.first(count))
+        __builtin_prefetch(row.path.data() + row.path.size());
+    return rows.first(count);
+}
 
 } // namespace
 
@@ -128,19 +165,21 @@ std::int64_t truncatedPercentage(float similarity)
     return std::int64_t(similarity * 100.0F);
 }
 
-void logRankingRows(const SearchCandidates &candidates, std::span<const RankedCandidate> order,
+void logRankingRows(const SearchCandidates &candidates, std::span<const std::uint32_t> order,
                     std::span<const float> shares, CandidateOrigin origin)
 {
-    RowWriter rows(origin);
+    RowWriter writer(origin);
+    std::array<Row, rowsAtATime> rows;
     std::int64_t rank = 0;
-    for (const RankedCandidate &candidate : order) {
-        // What stands above the row that ends the program is still to be seen.
-        if (!hasPercentage(candidate.similarity))
-            Log::lines(rows.text());
-        rows.add(++rank, candidate.similarity, shares[candidate.index],
-                 lastPathComponent(candidates.path(candidate.index)));
+    for (std::size_t start = 0; start < order.size(); start += rowsAtATime) {
+        for (const Row &row : fetchRows(candidates, order.subspan(start), shares, rows)) {
+            // What stands above the row that ends the program is still to be seen.
+            if (!hasPercentage(row.similarity))
+                writer.flush();
+            writer.add(++rank, row);
+        }
     }
-    Log::lines(rows.text());
+    writer.flush();
 }
 
 } // namespace Qorvane

@@ -9,18 +9,10 @@
 
 namespace Qorvane {
 
-/// A place in the ranking. The index is kept small so that sorting moves eight bytes a candidate; four
-/// thousand million vectors would not fit into memory.
-struct RankedCandidate
-{
-    float similarity = 0;
-    std::uint32_t index = 0; ///< into the candidates
-};
-
-/// Logs the heading and a row for every candidate of `order`; `shares` go by the candidates' own index. The
-/// rows are written by hand into one block, since there is one for each image of the library at every
-/// keystroke in the search field. Any thread.
-void logRankingRows(const SearchCandidates &candidates, std::span<const RankedCandidate> order,
+/// Logs the heading and a row for every candidate, in the order that the indices in `order` give; `shares` go
+/// by the candidates' own index. The rows are written by hand and in blocks, since there is one for each
+/// image of the library at every keystroke in the search field. Any thread.
+void logRankingRows(const SearchCandidates &candidates, std::span<const std::uint32_t> order,
                     std::span<const float> shares, CandidateOrigin origin);
 
 /// Writes `value` with exactly `decimals` (3 or 4) digits behind the ".", as printf does, and gives the end

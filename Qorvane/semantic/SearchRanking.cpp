@@ -1,5 +1,6 @@
 #include "semantic/SearchRanking.h"
 
+#include "semantic/DescendingOrder.h"
 #include "semantic/RankingRows.h"
 
 #include <algorithm>
@@ -13,18 +14,6 @@ namespace {
 
 static_assert(std::bit_cast<std::uint32_t>(similarityThreshold) == 0x3E19999A);
 static_assert(std::bit_cast<std::uint32_t>(defaultLogitScale) == 0x42C80184);
-
-std::vector<RankedCandidate> bestFirst(std::span<const float> similarities)
-{
-    std::vector<RankedCandidate> order(similarities.size());
-    for (std::size_t i = 0; i < order.size(); ++i)
-        order[i] = {similarities[i], std::uint32_t(i)};
-    std::stable_sort(order.begin(), order.end(),
-                     [](const RankedCandidate &left, const RankedCandidate &right) {
-                         return left.similarity > right.similarity;
-                     });
-    return order;
-}
 
 } // namespace
 
@@ -53,17 +42,17 @@ SearchRanking rankCandidates(const SearchCandidates &candidates, qsizetype limit
                              float logitScale)
 {
     const std::vector<float> shares = softmaxShares(candidates.similarities(), logitScale);
-    const std::vector<RankedCandidate> order = bestFirst(candidates.similarities());
+    const std::vector<std::uint32_t> order = descendingOrder(candidates.similarities());
     logRankingRows(candidates, order, shares, origin);
 
     SearchRanking ranking;
-    for (const RankedCandidate &candidate : order) {
-        if (!(candidate.similarity >= similarityThreshold))
-            continue;
+    for (const std::uint32_t index : order) {
+        const float similarity = candidates.similarity(index);
+        if (!(similarity >= similarityThreshold))
+            break;
         ++ranking.countAboveThreshold;
         if (qsizetype(ranking.results.size()) < limit)
-            ranking.results.push_back(
-                {candidates.url(candidate.index), candidate.similarity, shares[candidate.index]});
+            ranking.results.push_back({candidates.url(index), similarity, shares[index]});
     }
     return ranking;
 }

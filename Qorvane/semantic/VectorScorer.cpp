@@ -7,7 +7,7 @@ namespace Qorvane {
 
 VectorScorer::VectorScorer(std::vector<float> query)
     : m_block(std::move(query))
-    , m_rows(CosineBlock::rowCount * m_block.length())
+    , m_rows(CosineBlock::rowCount * m_block.stride())
 {
 }
 
@@ -17,7 +17,7 @@ void VectorScorer::add(std::string_view path, std::span<const std::byte> floats)
     if (floats.size() / sizeof(float) != length)
         return;
     if (length > 0)
-        std::memcpy(m_rows.data() + m_gathered * length, floats.data(), length * sizeof(float));
+        std::memcpy(m_rows.data() + m_gathered * m_block.stride(), floats.data(), length * sizeof(float));
     m_candidates.append(path, 0);
     if (++m_gathered == CosineBlock::rowCount)
         scoreBlock();

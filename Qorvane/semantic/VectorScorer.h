@@ -29,7 +29,7 @@ private:
     void scoreBlock();
 
     CosineBlock m_block;
-    std::vector<float> m_rows;  ///< CosineBlock::rowCount rows
+    std::vector<float> m_rows;  ///< CosineBlock::rowCount rows, at the block's stride
     std::size_t m_gathered = 0; ///< rows of the block that are filled
     SearchCandidates m_candidates;
 };

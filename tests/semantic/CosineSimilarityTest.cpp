@@ -40,11 +40,12 @@ protected:
         for (const std::size_t length : lengths) {
             for (int block = 0; block < blocks; ++block) {
                 const std::vector<float> query = filled(length, next);
-                const std::vector<float> rows = filled(CosineBlock::rowCount * length, next);
-                const CosineBlock::Similarities scores = CosineBlock(query, GetParam()).score(rows);
+                const CosineBlock scorer(query, GetParam());
+                const std::vector<float> rows = filled(CosineBlock::rowCount * scorer.stride(), next);
+                const CosineBlock::Similarities scores = scorer.score(rows);
                 for (std::size_t row = 0; row < CosineBlock::rowCount; ++row) {
                     const float expected =
-                        cosineSimilarity(query, std::span(rows).subspan(row * length, length));
+                        cosineSimilarity(query, std::span(rows).subspan(row * scorer.stride(), length));
                     ASSERT_TRUE(haveSameBits(scores[row], expected))
                         << "length " << length << " row " << row << ": " << scores[row] << " for "
                         << expected;
@@ -156,10 +157,18 @@ TEST_P(CosineBlockTest, hasTheBitsOfThePlainLoopWithInfinitiesAndNotNumbers)
 
 TEST_P(CosineBlockTest, keepsRowsApart)
 {
-    const std::vector<float> query{1, 0};
-    const std::vector<float> rows{1, 0, 0, 1, -1, 0, 0, -1, 2, 0, 3, 4, 0, 0, -3, 4};
-    EXPECT_EQ(CosineBlock(query, GetParam()).score(rows),
-              (CosineBlock::Similarities{1, 0, -1, 0, 1, 0.6F, 0, -0.6F}));
+    const CosineBlock scorer({2, 0}, GetParam());
+    std::vector<float> rows(CosineBlock::rowCount * scorer.stride());
+    CosineBlock::Similarities expected;
+    for (std::size_t row = 0; row < CosineBlock::rowCount; ++row) {
+        const float angle = 0.3F * float(row);
+        rows[row * scorer.stride()] = std::cos(angle);
+        rows[row * scorer.stride() + 1] = std::sin(angle);
+        expected[row] = std::cos(angle);
+    }
+    const CosineBlock::Similarities scores = scorer.score(rows);
+    for (std::size_t row = 0; row < CosineBlock::rowCount; ++row)
+        EXPECT_NEAR(scores[row], expected[row], 1e-6);
 }
 
 INSTANTIATE_TEST_SUITE_P(Instructions, CosineBlockTest,

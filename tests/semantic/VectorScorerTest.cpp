@@ -25,7 +25,7 @@ std::vector<float> randomVector(std::mt19937 &random, std::size_t length)
 TEST(VectorScorer, givesEveryRowItsCosineInTheOrderAdded)
 {
     std::mt19937 random(7);
-    for (const std::size_t rowCount : {0U, 1U, 7U, 8U, 9U, 16U, 21U}) {
+    for (const std::size_t rowCount : {0U, 1U, 15U, 16U, 17U, 32U, 45U}) {
         const std::vector<float> query = randomVector(random, 512);
         VectorScorer scorer(query);
         std::vector<float> expected;
