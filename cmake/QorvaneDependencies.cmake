@@ -15,6 +15,8 @@ pkg_check_modules(VIPS REQUIRED IMPORTED_TARGET vips)
 pkg_check_modules(EXIV2 REQUIRED IMPORTED_TARGET exiv2)
 pkg_check_modules(LCMS REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(ZIMG REQUIRED IMPORTED_TARGET zimg)
+pkg_check_modules(OPENJPEG REQUIRED IMPORTED_TARGET libopenjp2)
+pkg_check_modules(MAGICK REQUIRED IMPORTED_TARGET MagickCore)
 pkg_check_modules(LIBAV REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 
 if(BUILD_TESTING OR NOT DEFINED BUILD_TESTING)

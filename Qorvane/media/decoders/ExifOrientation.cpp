@@ -2,6 +2,8 @@
 
 #include "media/decoders/InputFile.h"
 #include "media/decoders/MediaLibraries.h"
+#include "media/decoders/RawDecoder.h"
+#include "media/decoders/X3fDecoder.h"
 
 #include <exception>
 #include <exiv2/exiv2.hpp>
@@ -75,8 +77,12 @@ int exifOrientation(const InputFile &file, ContentType type)
 {
     if (isAlwaysUpright(type))
         return 1;
-    const qint64 value = orientationTag(file).value_or(1);
-    return value >= 1 && value <= 8 ? int(value) : 1;
+    if (type == ContentType::x3f)
+        return x3fOrientation(file);
+    const auto tag = orientationTag(file);
+    if (tag)
+        return *tag >= 1 && *tag <= 8 ? int(*tag) : 1;
+    return type == ContentType::raw ? rawOrientation(file) : 1;
 }
 
 } // namespace Qorvane

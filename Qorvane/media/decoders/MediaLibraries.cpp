@@ -7,6 +7,12 @@
 #include <vips/vips.h>
 
 #include <exiv2/exiv2.hpp>
+#if __has_include(<MagickCore/MagickCore.h>)
+#include <MagickCore/MagickCore.h>
+#else
+#include <magick/MagickCore.h>
+#endif
+
 #include <mutex>
 
 extern "C" {
@@ -27,6 +33,8 @@ void prepareExiv2()
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
 }
 
+void ignoreMessage(const gchar *, GLogLevelFlags, const gchar *, gpointer) {}
+
 void prepareVips()
 {
     if (vips_init("qorvane") != 0)
@@ -35,10 +43,25 @@ void prepareVips()
     vips_cache_set_max(0);
     // The runs that decode are parallel themselves.
     vips_concurrency_set(1);
-    // Only loaders that are named are ever used. These would not be: they start programs, run scripts or
-    // follow names in the file.
+    // Only loaders that are named are ever used. Should one come to be guessed all the same, it must not be
+    // one that nobody tests against hostile files, or that starts programs. Of the untested ones two are
+    // wanted.
     vips_block_untrusted_set(TRUE);
-    vips_operation_block_set("VipsForeignLoadMagick", TRUE);
+    for (const char *wanted : {"VipsForeignLoadPpm", "VipsForeignLoadRad"})
+        vips_operation_block_set(wanted, FALSE);
+    // It warns about each flaw of a file; whoever asked for the picture is told by its absence.
+    g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_INFO), ignoreMessage, nullptr);
+}
+
+void prepareMagick()
+{
+    MagickCoreGenesis(nullptr, MagickFalse); // its signal handlers are not for a library
+    SetMagickResourceLimit(MemoryResource, DecodeLimits::maximumMemory);
+    SetMagickResourceLimit(MapResource, DecodeLimits::maximumMemory);
+    // What a distribution's policy keeps out of memory goes to a temporary file, gone with the picture.
+    SetMagickResourceLimit(DiskResource, DecodeLimits::maximumMemory);
+    SetMagickResourceLimit(AreaResource, DecodeLimits::maximumPixelsUnstoppable);
+    SetMagickResourceLimit(ThreadResource, 1);
 }
 
 } // namespace
@@ -49,6 +72,7 @@ void ensureReady()
     std::call_once(once, [] {
         prepareExiv2();
         prepareVips();
+        prepareMagick();
         av_log_set_level(AV_LOG_QUIET);
         // Qt counts in megabytes; its own limit of 256 refuses a scan of 70 million pixels.
         QImageReader::setAllocationLimit(int(DecodeLimits::maximumMemory >> 20));
