@@ -8,7 +8,6 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>

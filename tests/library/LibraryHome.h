@@ -4,6 +4,7 @@
 #include "support/LogCapture.h"
 
 #include <QColor>
+#include <QDir>
 #include <QSize>
 #include <QString>
 #include <QTemporaryDir>
@@ -41,7 +42,8 @@ public:
 private:
     static void wipe();
 
-    QTemporaryDir m_folder;
+    /// The name has no "-", which the sidebar's selection would stumble over.
+    QTemporaryDir m_folder{QDir::tempPath() + QStringLiteral("/qorvaneLibraryXXXXXX")};
     std::unique_ptr<LogCapture> m_log;
 };
 

@@ -1,0 +1,307 @@
+#include "library/LibraryFixture.h"
+#include "platform/DetachedTask.h"
+#include "store/EmbeddingStore.h"
+#include "support/Waiting.h"
+
+#include <QFile>
+
+#include <thread>
+
+using namespace Qorvane;
+
+class MediaListTest : public LibraryFixture
+{
+protected:
+    Folder folderOf(const QString &name) const { return {home.folder(name), std::nullopt}; }
+
+    bool waitForList(const QStringList &expected)
+    {
+        return waitUntil(
+            [&] { return names(qorManager->imageURLs()) == expected && !qorManager->isLoading(); });
+    }
+
+    QStringList publishedLists;
+
+    void recordLists()
+    {
+        QObject::connect(qorManager.get(), &QorManage::imageURLsChanged, qorManager.get(),
+                         [this] { publishedLists.append(names(qorManager->imageURLs()).join(u' ')); });
+    }
+};
+
+TEST_F(MediaListTest, aFolderShowsItsFilesOfEveryDepthSortedAndStartsItsRun)
+{
+    for (const char *name : {"a/img10.png", "a/sub/img2.png", "a/IMG1.png"})
+        home.writePicture(QString::fromLatin1(name));
+    addRoot(home.folder());
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    EXPECT_TRUE(qorManager->isLoading());
+    EXPECT_TRUE(qorManager->imageURLs().isEmpty());
+    ASSERT_TRUE(
+        waitForList({QStringLiteral("IMG1.png"), QStringLiteral("img2.png"), QStringLiteral("img10.png")}));
+    EXPECT_TRUE(waitForRun(home.folder(QStringLiteral("a"))));
+    const QStringList made =
+        home.log().linesStartingWith(QStringLiteral("🔄 setProcessing: ") + home.path(QStringLiteral("a")));
+    EXPECT_FALSE(made.isEmpty());
+}
+
+TEST_F(MediaListTest, withATagAndAFolderSetTheTagsFilesAreListedAndNoRunStarts)
+{
+    const FileUrl tagged = home.writePicture(QStringLiteral("other/t.png"));
+    home.writePicture(QStringLiteral("a/1.png"));
+    EmbeddingStore::shared().addTag(tagged.path(), QStringLiteral("cat"));
+    EmbeddingStore::shared().addTag(home.path(QStringLiteral("gone.png")), QStringLiteral("cat"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    ASSERT_TRUE(waitForList({QStringLiteral("t.png")}));
+    settle();
+    EXPECT_EQ(names(qorManager->imageURLs()), QStringList{QStringLiteral("t.png")});
+    EXPECT_TRUE(home.log().linesStartingWith(QStringLiteral("🔄")).isEmpty());
+}
+
+TEST_F(MediaListTest, aTagsLoadLogsEveryStepToTheLetter)
+{
+    for (int i = 1; i <= 4; ++i)
+        EmbeddingStore::shared().addTag(home.writePicture(QStringLiteral("%1.png").arg(i)).path(),
+                                        QStringLiteral("猫"));
+    QFile::remove(home.path(QStringLiteral("4.png")));
+    home.log().clear();
+    qorManager->setSelectedTag(QStringLiteral("猫"));
+    ASSERT_TRUE(waitUntil([&] { return qorManager->imageURLs().size() == 3; }));
+
+    QStringList paths = EmbeddingStore::shared().fetchPathsByTag(QStringLiteral("猫")).mid(0, 3);
+    const QString firstThree =
+        QStringLiteral("[\"") + paths.join(QStringLiteral("\", \"")) + QStringLiteral("\"]");
+    QStringList own;
+    for (const QString &line : home.log().lines()) {
+        if (!line.startsWith(QStringLiteral("🏷️ EmbeddingStore:")))
+            own.append(line);
+    }
+    EXPECT_EQ(own, (QStringList{
+                       QStringLiteral("🏷️ selectedTag changed from nil to 猫"),
+                       QStringLiteral("🏷️ Loading images for tag: 猫"),
+                       QStringLiteral("🏷️ Found 4 paths for tag '猫': ") + firstThree,
+                       QStringLiteral("⚠️ File not found: ") + home.path(QStringLiteral("4.png")),
+                       QStringLiteral("🏷️ Valid URLs: 3"),
+                       QStringLiteral("🏷️ Setting imageURLs with 3 images for tag '猫'"),
+                   }));
+}
+
+TEST_F(MediaListTest, aRatingShowsItsFilesAndPassesOverTheMissingWithoutALine)
+{
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("img10.png")).path(), 4);
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("img2.png")).path(), 4);
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("three.png")).path(), 3);
+    EmbeddingStore::shared().setRating(home.path(QStringLiteral("gone.png")), 4);
+    home.log().clear();
+    qorManager->setSelectedRating(4);
+    ASSERT_TRUE(waitForList({QStringLiteral("img2.png"), QStringLiteral("img10.png")}));
+    EXPECT_EQ(home.log().lines(), (QStringList{QStringLiteral("⭐️ selectedRating changed from nil to 4"),
+                                               QStringLiteral("⭐️ Loading images for rating: 4")}));
+}
+
+TEST_F(MediaListTest, aFoldersListThatArrivesAfterATagWasSelectedIsDropped)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    recordLists();
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSelectedTag(QStringLiteral("nobody's"));
+    settle();
+    EXPECT_EQ(publishedLists.join(QString()), QString());
+    EXPECT_EQ(startedRuns(home.folder(QStringLiteral("a"))), 0);
+    EXPECT_FALSE(qorManager->isLoading());
+}
+
+TEST_F(MediaListTest, aFoldersListThatArrivesAfterARatingWasSelectedIsPublished)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    recordLists();
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSelectedRating(5);
+    settle();
+    EXPECT_TRUE(publishedLists.contains(QStringLiteral("1.png")));
+    EXPECT_FALSE(home.log().linesStartingWith(QStringLiteral("🔄 setProcessing: ")).isEmpty());
+}
+
+TEST_F(MediaListTest, anotherFoldersListIsDropped)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    home.writePicture(QStringLiteral("b/2.png"));
+    recordLists();
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("b")));
+    ASSERT_TRUE(waitForList({QStringLiteral("2.png")}));
+    settle();
+    EXPECT_FALSE(publishedLists.contains(QStringLiteral("1.png")));
+}
+
+TEST_F(MediaListTest, aFolderSelectedTwiceQuicklyStartsItsRunTwiceAndTheSecondCancelsTheFirst)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    const FileUrl a = home.folder(QStringLiteral("a"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    const auto starts = [&] {
+        const QString line =
+            QStringLiteral("🔄 setProcessing: ") + a.path() +
+            QStringLiteral(" -> state: thumbnails, progress: 0.0, detail: 准备生成缩略图...");
+        return home.log().linesStartingWith(line).size();
+    };
+    ASSERT_TRUE(waitUntil([&] {
+        return starts() == 2 &&
+               home.log().contains(QStringLiteral("🔄 静默取消文件夹的后台任务: ") + a.path());
+    }));
+    EXPECT_TRUE(home.log().linesStartingWith(QStringLiteral("🔄 已取消文件夹的后台任务: ")).isEmpty());
+}
+
+TEST_F(MediaListTest, withNothingSelectedEveryRootIsProcessedByPlainPrefix)
+{
+    home.writePicture(QStringLiteral("b/1.png"));
+    home.writePicture(QStringLiteral("bc/x.png"));
+    addRoot(home.folder(QStringLiteral("b")));
+    addRoot(home.folder(QStringLiteral("bc")));
+    qorManager->setSelectedFolder(std::nullopt);
+    settle();
+    DetachedTask::waitUntilIdle();
+    settle();
+    home.log().clear();
+
+    qorManager->loadImages();
+
+    ASSERT_TRUE(waitForRun(home.folder(QStringLiteral("b"))));
+    ASSERT_TRUE(waitForRun(home.folder(QStringLiteral("bc"))));
+    // The root "b" counts the file of "bc" as its own too.
+    const QString made = QStringLiteral("✅ 缩略图生成完成: ");
+    EXPECT_EQ(home.log().linesStartingWith(made + QStringLiteral("x.png")).size(), 2);
+    EXPECT_EQ(home.log().linesStartingWith(made + QStringLiteral("1.png")).size(), 1);
+    EXPECT_TRUE(qorManager->imageURLs().isEmpty());
+}
+
+TEST_F(MediaListTest, withAnEmptyLibraryLoadingGoesTrueAndFalseAndNoRunStarts)
+{
+    QList<bool> loading;
+    QObject::connect(qorManager.get(), &QorManage::isLoadingChanged, qorManager.get(),
+                     [&] { loading.append(qorManager->isLoading()); });
+    qorManager->loadImages();
+    settle();
+    EXPECT_EQ(loading, (QList<bool>{true, false}));
+    EXPECT_EQ(home.log().lines(), QStringList());
+}
+
+TEST_F(MediaListTest, aFolderThatIsGoneGivesAnEmptyList)
+{
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("gone")));
+    settle();
+    EXPECT_FALSE(qorManager->isLoading());
+    EXPECT_TRUE(qorManager->imageURLs().isEmpty());
+    EXPECT_EQ(home.log().lines(), QStringList());
+}
+
+TEST_F(MediaListTest, aSortChangeFollowsWhenTheEventLoopComesRound)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    home.writePicture(QStringLiteral("a/2.png"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    const QStringList ascending{QStringLiteral("1.png"), QStringLiteral("2.png")};
+    ASSERT_TRUE(waitForList(ascending));
+    DetachedTask::waitUntilIdle();
+    settle();
+    home.log().clear();
+
+    qorManager->setSortOrder(SortOrder::descending);
+
+    EXPECT_EQ(names(qorManager->imageURLs()), ascending);
+    ASSERT_TRUE(waitForList({QStringLiteral("2.png"), QStringLiteral("1.png")}));
+    settle();
+    EXPECT_EQ(home.log().lines(), QStringList()); // no run starts
+}
+
+TEST_F(MediaListTest, aSortChangeWithNothingShownAndNothingSelectedDoesNothing)
+{
+    int writes = 0;
+    qorManager->setSortCriterion(SortCriterion::rating);
+    QObject::connect(qorManager.get(), &QorManage::objectWillChange, qorManager.get(), [&] { ++writes; });
+    settle();
+    EXPECT_EQ(writes, 0);
+    EXPECT_EQ(home.log().lines(), QStringList());
+}
+
+TEST_F(MediaListTest, aSortChangeWithNothingShownLoadsForTheSelection)
+{
+    qorManager->setSelectedRating(5);
+    settle();
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("1.png")).path(), 5);
+    qorManager->setSortCriterion(SortCriterion::modificationDate);
+    EXPECT_TRUE(waitForList({QStringLiteral("1.png")}));
+}
+
+TEST_F(MediaListTest, sortChangesInARowAreEachAppliedToTheResultOfTheOneBefore)
+{
+    // Equal ratings and equal names in two folders: only the order they had decides.
+    const FileUrl first = home.writePicture(QStringLiteral("a/1/x.png"));
+    const FileUrl second = home.writePicture(QStringLiteral("a/2/x.png"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitUntil([&] { return qorManager->imageURLs().size() == 2; }));
+    const QList<FileUrl> before = qorManager->imageURLs();
+    recordLists();
+    qorManager->setSortOrder(SortOrder::descending);
+    qorManager->setSortCriterion(SortCriterion::rating);
+    ASSERT_TRUE(waitUntil([&] { return publishedLists.size() == 2; }));
+    EXPECT_EQ(qorManager->imageURLs(), before); // turned twice
+}
+
+TEST_F(MediaListTest, aResortOfAListThatALoadReplacedIsVoid)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    home.writePicture(QStringLiteral("b/2.png"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
+    recordLists();
+    qorManager->resortImages();
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("b")));
+    ASSERT_TRUE(waitForList({QStringLiteral("2.png")}));
+    settle();
+    EXPECT_EQ(publishedLists, (QStringList{QString(), QStringLiteral("2.png")}));
+}
+
+TEST_F(MediaListTest, aResortFromTheBackgroundIsPublishedWhenItReturns)
+{
+    LibraryHome::setModificationTime(home.writePicture(QStringLiteral("a/1.png")), 100);
+    const FileUrl second = home.writePicture(QStringLiteral("a/2.png"));
+    LibraryHome::setModificationTime(second, 200);
+    qorManager->setSortCriterion(SortCriterion::modificationDate);
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")}));
+    LibraryHome::setModificationTime(second, 50);
+
+    std::atomic_bool isDone = false;
+    std::thread resort([&] {
+        qorManager->resortImages();
+        isDone = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return isDone.load(); }));
+    resort.join();
+    EXPECT_EQ(names(qorManager->imageURLs()),
+              (QStringList{QStringLiteral("2.png"), QStringLiteral("1.png")}));
+}
+
+TEST_F(MediaListTest, aResortIfChangedPublishesOnlyWhatCameOutDifferent)
+{
+    LibraryHome::setModificationTime(home.writePicture(QStringLiteral("a/1.png")), 100);
+    const FileUrl second = home.writePicture(QStringLiteral("a/2.png"));
+    LibraryHome::setModificationTime(second, 200);
+    qorManager->setSortCriterion(SortCriterion::modificationDate);
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")}));
+    settle();
+    recordLists();
+
+    qorManager->resortImagesIfChanged();
+    settle();
+    EXPECT_TRUE(publishedLists.isEmpty());
+
+    LibraryHome::setModificationTime(second, 50);
+    qorManager->resortImagesIfChanged();
+    settle();
+    EXPECT_EQ(publishedLists, QStringList{QStringLiteral("2.png 1.png")});
+}

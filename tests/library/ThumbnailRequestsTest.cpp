@@ -1,0 +1,88 @@
+#include "library/LibraryFixture.h"
+#include "media/Image.h"
+#include "media/ThumbnailPaths.h"
+#include "platform/FileAttributes.h"
+#include "support/Waiting.h"
+
+#include <QDir>
+
+using namespace Qorvane;
+
+class ThumbnailRequestsTest : public LibraryFixture
+{
+protected:
+    static std::optional<Image> result(QFuture<std::optional<Image>> future)
+    {
+        EXPECT_TRUE(waitUntil([&] { return future.isFinished(); }));
+        return future.result();
+    }
+};
+
+TEST_F(ThumbnailRequestsTest, aThumbnailIsMadeInTheBackgroundAndStored)
+{
+    const FileUrl picture = home.writePicture(QStringLiteral("1.png"), Qt::red, {1000, 500});
+    const std::optional<Image> thumbnail = result(qorManager->getThumbnail(picture));
+    ASSERT_TRUE(thumbnail);
+    EXPECT_EQ(thumbnail->size(), QSize(800, 400));
+    EXPECT_TRUE(fileExists(QorManage::thumbnailURL(picture)->path()));
+}
+
+TEST_F(ThumbnailRequestsTest, aFileThatIsNoPictureEndsWithNothing)
+{
+    EXPECT_EQ(result(qorManager->getThumbnail(home.writeFile(QStringLiteral("1.png")))).has_value(), false);
+    EXPECT_EQ(result(qorManager->generateVideoPreview(home.writeFile(QStringLiteral("1.mp4")))).has_value(),
+              false);
+}
+
+TEST_F(ThumbnailRequestsTest, aRequestCancelledBeforeItsTurnIsNotMade)
+{
+    // More requests than any pool has threads, so that the last one has to wait for its turn.
+    QList<QFuture<std::optional<Image>>> before;
+    for (int i = 0; i < 200; ++i)
+        before.append(qorManager->getThumbnail(
+            home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {200, 200})));
+    const FileUrl last = home.writePicture(QStringLiteral("last.png"));
+    QFuture<std::optional<Image>> future = qorManager->getThumbnail(last);
+    future.cancel();
+    ASSERT_TRUE(waitUntil([&] { return future.isFinished(); }));
+    EXPECT_EQ(future.resultCount(), 0);
+    EXPECT_FALSE(fileExists(QorManage::thumbnailURL(last)->path()));
+}
+
+TEST_F(ThumbnailRequestsTest, theLibrarysEndDropsWhatWaits)
+{
+    QList<QFuture<std::optional<Image>>> futures;
+    for (int i = 0; i < 50; ++i)
+        futures.append(qorManager->getThumbnail(home.writePicture(QStringLiteral("%1.png").arg(i))));
+    qorManager.reset();
+    for (const QFuture<std::optional<Image>> &future : std::as_const(futures))
+        EXPECT_TRUE(future.isFinished());
+}
+
+TEST_F(ThumbnailRequestsTest, theCacheSizeIsMeasuredAndFallsToNothingWhenCleared)
+{
+    const FileUrl picture = home.writePicture(QStringLiteral("1.png"));
+    ASSERT_TRUE(result(qorManager->getThumbnail(picture)));
+    const qint64 bytes = fileAttributes(QorManage::thumbnailURL(picture)->path())->size;
+    qorManager->updateCacheSize();
+    ASSERT_TRUE(waitUntil([&] { return qorManager->cacheSizeInMB() > 0; }));
+    EXPECT_DOUBLE_EQ(qorManager->cacheSizeInMB(), double(bytes) / 1048576.0);
+
+    qorManager->clearCache();
+    ASSERT_TRUE(waitUntil([&] { return qorManager->cacheSizeInMB() == 0; }));
+    EXPECT_TRUE(QDir(QorManage::thumbnailCacheDirectory()->path()).exists());
+    EXPECT_TRUE(QDir(QorManage::thumbnailCacheDirectory()->path()).isEmpty());
+}
+
+TEST_F(ThumbnailRequestsTest, aCacheThatCannotBeClearedKeepsItsSize)
+{
+    // There is none to remove, which counts as a failure.
+    QDir(QorManage::thumbnailCacheDirectory()->path()).removeRecursively();
+    int measured = 0;
+    QObject::connect(qorManager.get(), &QorManage::cacheSizeInMBChanged, qorManager.get(),
+                     [&] { ++measured; });
+    qorManager->clearCache();
+    settle();
+    EXPECT_EQ(measured, 0);
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("Error clearing cache: ")).size(), 1);
+}
