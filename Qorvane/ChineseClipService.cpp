@@ -164,29 +164,30 @@ QCoro::Task<QList<SearchResult>> ChineseClipService::searchWithDatabase(QString 
     if (!self || !textVector)
         co_return {};
 
-    const QFuture<SearchCandidates> gathering =
-        m_queries.run([scope, textVector] { return databaseCandidates(scope, *textVector); });
-    const SearchCandidates candidates = co_await gathering;
+    const QFuture<SharedCandidates> gathering = m_queries.run([scope, textVector] {
+        return std::make_shared<const SearchCandidates>(databaseCandidates(scope, *textVector));
+    });
+    const SharedCandidates candidates = co_await gathering;
     if (!self)
         co_return {};
-    if (candidates.size() <= largestVerifiedCount)
+    if (candidates->size() <= largestVerifiedCount)
         co_await verifyCandidates(candidates, *textVector);
     if (!self)
         co_return {};
 
     const QFuture<SearchRanking> ranking = m_queries.run([candidates, limit, scale = m_logitScale] {
-        return rankCandidates(candidates, limit, CandidateOrigin::database, scale);
+        return rankCandidates(*candidates, limit, CandidateOrigin::database, scale);
     });
     const SearchRanking ranked = co_await ranking;
     co_return QList<SearchResult>(ranked.results.begin(), ranked.results.end());
 }
 
-QCoro::Task<> ChineseClipService::verifyCandidates(SearchCandidates candidates, std::vector<float> textVector)
+QCoro::Task<> ChineseClipService::verifyCandidates(SharedCandidates candidates, std::vector<float> textVector)
 {
     const QPointer<ChineseClipService> self(this);
     Log::line(QStringLiteral("🧪 校验：对比 DB 相似度 与 实时重算相似度（候选<=10）"));
-    for (size_t index = 0; index < candidates.size(); ++index) {
-        const FileUrl url = candidates.url(index);
+    for (size_t index = 0; index < candidates->size(); ++index) {
+        const FileUrl url = candidates->url(index);
         const QFuture<std::optional<Image>> fetching =
             m_pictures.run([url] { return embeddingPicture(url); });
         const std::optional<Image> picture = co_await fetching;
@@ -198,7 +199,7 @@ QCoro::Task<> ChineseClipService::verifyCandidates(SearchCandidates candidates, 
         if (!self)
             co_return;
         if (features)
-            Log::line(verificationLine(url, candidates.similarity(index), *features, textVector));
+            Log::line(verificationLine(url, candidates->similarity(index), *features, textVector));
     }
 }
 

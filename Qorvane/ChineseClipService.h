@@ -13,6 +13,7 @@
 #include <QList>
 #include <QObject>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -76,10 +77,13 @@ Q_SIGNALS:
     void imageFeaturesChanged();
 
 private:
+    // A hundred thousand candidates change threads without being copied.
+    using SharedCandidates = std::shared_ptr<const SearchCandidates>;
+
     QCoro::Task<> loadModels();
     void setModelsLoaded();
     void setLoadingModels(bool isLoading);
-    QCoro::Task<> verifyCandidates(SearchCandidates candidates, std::vector<float> textVector);
+    QCoro::Task<> verifyCandidates(SharedCandidates candidates, std::vector<float> textVector);
 
     EncoderPair m_encoders;
     ImageFeatures m_imageFeatures;

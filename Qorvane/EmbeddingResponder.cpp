@@ -31,8 +31,9 @@ QCoro::Task<> EmbeddingResponder::answer(Notification request)
     co_await service->ensureModelsLoaded();
     if (!service)
         co_return;
-    const QString filename = request.userInfo.value(EmbeddingMessages::filenameKey).toString();
-    const auto vector = co_await service->extractImageFeatures(image.value<Image>(), filename);
+    const QVariant filename = request.userInfo.value(EmbeddingMessages::filenameKey);
+    const auto label = filename.isValid() ? std::optional(filename.toString()) : std::nullopt;
+    const auto vector = co_await service->extractImageFeatures(image.value<Image>(), label);
     NotificationCenter::defaultCenter().post(
         EmbeddingMessages::responseName,
         {{EmbeddingMessages::idKey, id},
