@@ -15,3 +15,6 @@ target_include_directories(QorvaneOnnxRuntimeHeaders SYSTEM INTERFACE "${QORVANE
 # Keeps the headers from looking for a linked library before the opened one has been handed to them.
 target_compile_definitions(QorvaneOnnxRuntimeHeaders INTERFACE ORT_API_MANUAL_INIT)
 target_link_libraries(QorvaneOnnxRuntimeHeaders INTERFACE ${CMAKE_DL_LIBS})
+
+# Installed where an installed program looks first. Without it the system's own library serves.
+install(FILES "${QORVANE_ORT_ROOT}/lib/libonnxruntime.so.1" DESTINATION lib/qorvane OPTIONAL)
