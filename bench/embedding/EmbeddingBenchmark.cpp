@@ -1,0 +1,118 @@
+#include "ChineseClipService.h"
+#include "platform/Log.h"
+#include "semantic/FeatureExtraction.h"
+#include "semantic/Preprocessing.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <random>
+
+// What a picture's embedding costs, from the bare run of an encoder of real size up to the service's own
+// operation.
+
+namespace Qorvane {
+
+namespace {
+
+/// As large as a thumbnail gets, with enough in it that no branch is always the same.
+QImage thumbnail()
+{
+    std::mt19937 random(1);
+    QImage image(800, 533, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb(x % 256, y % 256, int(random() % 256)));
+    }
+    return image;
+}
+
+const VisionEncoder &encoder()
+{
+    static const auto instance = [] {
+        QString error;
+        auto loaded = VisionEncoder::load(QStringLiteral(QORVANE_BENCH_ENCODER), &error);
+        if (!loaded)
+            qFatal("%s", qPrintable(error));
+        return loaded;
+    }();
+    return *instance;
+}
+
+void bareSessionRun(benchmark::State &state)
+{
+    const std::vector<float> pixels = preprocessImage(thumbnail()).value();
+    benchmark::DoNotOptimize(encoder().predict(pixels));
+    for (auto step : state)
+        benchmark::DoNotOptimize(encoder().predict(pixels));
+}
+
+void preprocessing(benchmark::State &state)
+{
+    const QImage image = thumbnail();
+    for (auto step : state)
+        benchmark::DoNotOptimize(preprocessImage(image));
+}
+
+void pictureEmbedding(benchmark::State &state)
+{
+    const QImage image = thumbnail();
+    benchmark::DoNotOptimize(encoder());
+    for (auto step : state)
+        benchmark::DoNotOptimize(extractImage(encoder(), image, QStringLiteral("picture.jpg")));
+}
+
+/// The encoders that a service finds: the bench's for pictures, the tests' for text.
+std::unique_ptr<ChineseClipService> loadedService()
+{
+    const QString folder = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Qorvane/models");
+    QDir().mkpath(folder);
+    QFile::copy(QStringLiteral(QORVANE_BENCH_ENCODER), folder + QStringLiteral("/ClipVisionEncoder.onnx"));
+    QFile::copy(QStringLiteral(QORVANE_BENCH_TEXT_ENCODER), folder + QStringLiteral("/ClipTextEncoder.onnx"));
+    auto service = std::make_unique<ChineseClipService>();
+    QCoro::waitFor(service->ensureModelsLoaded());
+    if (!service->modelsLoaded())
+        qFatal("the service has no encoders");
+    return service;
+}
+
+/// `state.range(0)` pictures are at work at any time, as from as many runs of the pipeline.
+void serviceEmbedding(benchmark::State &state)
+{
+    const auto service = loadedService();
+    const Image image(thumbnail());
+    QCoro::waitFor(service->extractImageFeatures(image));
+    for (auto step : state) {
+        std::vector<QCoro::Task<std::optional<std::vector<float>>>> tasks;
+        for (int64_t index = 0; index < state.range(0); ++index)
+            tasks.push_back(service->extractImageFeatures(image));
+        for (auto &task : tasks)
+            benchmark::DoNotOptimize(QCoro::waitFor(std::move(task)));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+BENCHMARK(bareSessionRun)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(preprocessing)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(pictureEmbedding)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(serviceEmbedding)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+} // namespace
+
+} // namespace Qorvane
+
+int main(int argc, char **argv)
+{
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+    qputenv("LC_ALL", "C.UTF-8");
+    const QCoreApplication application(argc, argv);
+    Qorvane::Log::setSink([](const QString &) {});
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
