@@ -1,23 +1,20 @@
 #include "platform/DetachedTask.h"
 
-#include <QThreadPool>
+#include "platform/WorkerPools.h"
 
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace Qorvane {
 
 namespace {
 
-QThreadPool &pool()
+WorkerPools &pools()
 {
-    static QThreadPool instance;
-    // No task may keep another from starting (a whole folder run is one task), so the pool has no useful
-    // limit.
-    [[maybe_unused]] static const bool isUnlimited = [] {
-        instance.setMaxThreadCount(std::numeric_limits<int>::max());
-        return true;
-    }();
+    // No task may keep another from starting (a whole folder run is one task), so the pools have no useful
+    // limit. Never taken down: that would hold up the end of the process until the last run is through.
+    static WorkerPools &instance = *std::make_unique<WorkerPools>(std::numeric_limits<int>::max()).release();
     return instance;
 }
 
@@ -26,16 +23,13 @@ QThreadPool &pool()
 TaskHandle DetachedTask::start(QualityOfService quality, Body body)
 {
     TaskHandle handle;
-    pool().start([quality, handle, body = std::move(body)] {
-        applyToCurrentThread(quality);
-        body(handle);
-    });
+    pools().start(quality, [handle, body = std::move(body)] { body(handle); });
     return handle;
 }
 
 void DetachedTask::waitUntilIdle()
 {
-    pool().waitForDone();
+    pools().waitUntilIdle();
 }
 
 } // namespace Qorvane

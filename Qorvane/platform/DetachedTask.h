@@ -29,7 +29,7 @@ private:
 };
 
 /// Work that inherits nothing from its caller and may take long: each has a thread while it runs, so one that
-/// waits keeps no other from starting.
+/// waits keeps no other from starting. What still runs when the process ends dies with it.
 class DetachedTask
 {
 public:

@@ -1,11 +1,10 @@
 #include "platform/GlobalQueue.h"
 
+#include "platform/WorkerPools.h"
+
 #include <QThread>
-#include <QThreadPool>
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
 #include <memory>
 #include <utility>
 
@@ -17,34 +16,24 @@ namespace {
 // more threads than there are cores without fighting over them.
 constexpr int minimumThreads = 4;
 
-QThreadPool &pool(QualityOfService quality)
+WorkerPools &pools()
 {
-    static const auto pools = [] {
-        std::array<std::unique_ptr<QThreadPool>, 3> made;
-        for (std::unique_ptr<QThreadPool> &one : made) {
-            one = std::make_unique<QThreadPool>();
-            one->setMaxThreadCount(std::max(minimumThreads, QThread::idealThreadCount()));
-        }
-        return made;
-    }();
-    return *pools[static_cast<std::size_t>(quality)];
+    // Never taken down: that would hold up the end of the process until the last block is done.
+    static WorkerPools &instance =
+        *std::make_unique<WorkerPools>(std::max(minimumThreads, QThread::idealThreadCount())).release();
+    return instance;
 }
 
 } // namespace
 
 void GlobalQueue::async(QualityOfService quality, Block block)
 {
-    pool(quality).start([quality, block = std::move(block)] {
-        applyToCurrentThread(quality);
-        block();
-    });
+    pools().start(quality, std::move(block));
 }
 
 void GlobalQueue::waitUntilIdle()
 {
-    for (const auto quality :
-         {QualityOfService::userInitiated, QualityOfService::utility, QualityOfService::background})
-        pool(quality).waitForDone();
+    pools().waitUntilIdle();
 }
 
 } // namespace Qorvane

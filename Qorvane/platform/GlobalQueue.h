@@ -7,6 +7,7 @@
 namespace Qorvane {
 
 /// The shared pools, one per quality of service. Blocks of one pool run at the same time, in no fixed order.
+/// What still runs when the process ends dies with it.
 class GlobalQueue
 {
 public:

@@ -11,8 +11,8 @@ namespace Qorvane {
 
 SerialQueue::SerialQueue(QByteArray label, QualityOfService quality)
     : m_label(std::move(label))
-    , m_thread([this, quality] { run(quality); })
 {
+    withFullWeight([this, quality] { m_thread = std::thread([this, quality] { run(quality); }); });
 }
 
 SerialQueue::~SerialQueue()

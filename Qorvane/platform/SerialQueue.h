@@ -45,7 +45,7 @@ private:
     std::condition_variable m_wake;
     std::deque<Block> m_blocks;
     bool m_isEnding = false;
-    std::thread m_thread; // last: it starts when everything above stands
+    std::thread m_thread;
 };
 
 } // namespace Qorvane

@@ -1,4 +1,8 @@
+#include "platform/DetachedTask.h"
+#include "platform/GlobalQueue.h"
+
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
@@ -24,6 +28,9 @@ int main(int argc, char **argv)
     qputenv("XDG_CACHE_HOME", folder("cache"));
     qputenv("XDG_CONFIG_HOME", folder("config"));
     qputenv("XDG_RUNTIME_DIR", folder("runtime"));
+    // Only its owner may look into a runtime folder.
+    QFile::setPermissions(home.filePath(QStringLiteral("runtime")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
@@ -32,5 +39,9 @@ int main(int argc, char **argv)
 
     testing::InitGoogleTest(&argc, argv);
     const QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    // What a test left running must not meet the end of the process half-way.
+    Qorvane::DetachedTask::waitUntilIdle();
+    Qorvane::GlobalQueue::waitUntilIdle();
+    return result;
 }
