@@ -2,23 +2,59 @@
 
 #include "platform/MainQueue.h"
 
-#include <atomic>
+#include <algorithm>
+#include <condition_variable>
+#include <thread>
 #include <utility>
 
 namespace Qorvane {
 
-struct NotificationCenter::Observer
+class NotificationCenter::Observer
 {
-    QString name;
-    ObserverQueue queue;
-    Block block;
-    std::atomic_bool isRemoved = false;
-
-    void deliver(const Notification &notification) const
+public:
+    Observer(QString observedName, ObserverQueue blockQueue, Block deliveredBlock)
+        : name(std::move(observedName))
+        , queue(blockQueue)
+        , block(std::move(deliveredBlock))
     {
-        if (!isRemoved)
-            block(notification);
     }
+
+    void deliver(const Notification &notification)
+    {
+        const std::thread::id caller = std::this_thread::get_id();
+        {
+            const std::scoped_lock lock(m_mutex);
+            if (m_isRemoved)
+                return;
+            m_running.push_back(caller);
+        }
+        block(notification);
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_running.erase(std::find(m_running.begin(), m_running.end(), caller));
+        }
+        m_ended.notify_all();
+    }
+
+    void remove()
+    {
+        std::unique_lock lock(m_mutex);
+        m_isRemoved = true;
+        m_ended.wait(lock, [this, caller = std::this_thread::get_id()] {
+            return std::all_of(m_running.begin(), m_running.end(),
+                               [caller](std::thread::id thread) { return thread == caller; });
+        });
+    }
+
+    const QString name;
+    const ObserverQueue queue;
+    const Block block;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_ended;
+    bool m_isRemoved = false;
+    std::vector<std::thread::id> m_running; // a thread stands here once for each block it is inside of
 };
 
 NotificationCenter &NotificationCenter::defaultCenter()
@@ -30,10 +66,7 @@ NotificationCenter &NotificationCenter::defaultCenter()
 NotificationCenter::Token NotificationCenter::addObserver(const QString &name, ObserverQueue queue,
                                                           Block block)
 {
-    auto observer = std::make_shared<Observer>();
-    observer->name = name;
-    observer->queue = queue;
-    observer->block = std::move(block);
+    auto observer = std::make_shared<Observer>(name, queue, std::move(block));
     const std::scoped_lock lock(m_mutex);
     m_observers.push_back(observer);
     return observer;
@@ -41,13 +74,17 @@ NotificationCenter::Token NotificationCenter::addObserver(const QString &name, O
 
 void NotificationCenter::removeObserver(const Token &token)
 {
-    const std::scoped_lock lock(m_mutex);
-    std::erase_if(m_observers, [&token](const std::shared_ptr<Observer> &observer) {
-        if (observer != token)
-            return false;
-        observer->isRemoved = true;
-        return true;
-    });
+    std::shared_ptr<Observer> removed;
+    {
+        const std::scoped_lock lock(m_mutex);
+        const auto found = std::find(m_observers.begin(), m_observers.end(), token);
+        if (found == m_observers.end())
+            return;
+        removed = std::move(*found);
+        m_observers.erase(found);
+    }
+    // Outside the lock, since this waits for a block, which may add, remove and post.
+    removed->remove();
 }
 
 void NotificationCenter::post(const QString &name, const QVariantMap &userInfo)

@@ -37,15 +37,16 @@ public:
     /// Calls `block` for every notification of `name` until the token is removed. Any thread.
     [[nodiscard]] Token addObserver(const QString &name, ObserverQueue queue, Block block);
 
-    /// Ends an observation: a block that hasn't begun by then doesn't run, also one already queued. Any
-    /// thread.
+    /// Ends an observation: the block isn't run again, also where that is queued already, and one that is
+    /// running on another thread has ended when this returns, so that what it uses may go away. From inside
+    /// the block it returns at once. Not while holding what the block may be waiting for. Any thread.
     void removeObserver(const Token &token);
 
     /// Delivers to the observers there are now, in the order they were added. Any thread.
     void post(const QString &name, const QVariantMap &userInfo = {});
 
 private:
-    struct Observer;
+    class Observer;
 
     std::mutex m_mutex;
     std::vector<std::shared_ptr<Observer>> m_observers;
