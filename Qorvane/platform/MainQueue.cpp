@@ -1,14 +1,57 @@
 #include "platform/MainQueue.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
-#include <cmath>
+#include <map>
 #include <utility>
 
 namespace Qorvane {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// Timers count in milliseconds and would let a block overtake one that is due a little earlier. So a timer
+// only says that something may be due; what is due runs in the order of its times. Lives as long as the
+// application, on its thread.
+class DelayedBlocks : public QObject
+{
+public:
+    static DelayedBlocks &instance()
+    {
+        static QPointer<DelayedBlocks> current;
+        if (!current)
+            current = new DelayedBlocks(QCoreApplication::instance());
+        return *current;
+    }
+
+    void add(Clock::time_point due, MainQueue::Block block)
+    {
+        m_blocks.emplace(due, std::move(block));
+        const auto wait = std::max(due - Clock::now(), Clock::duration::zero());
+        QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(wait), Qt::PreciseTimer, this,
+                           [this, due] { runUntil(std::max(due, Clock::now())); });
+    }
+
+private:
+    using QObject::QObject;
+
+    void runUntil(Clock::time_point limit)
+    {
+        // Taken out first: a block may run an event loop of its own.
+        while (!m_blocks.empty() && m_blocks.begin()->first <= limit)
+            m_blocks.extract(m_blocks.begin()).mapped()();
+    }
+
+    std::multimap<Clock::time_point, MainQueue::Block> m_blocks;
+};
+
+} // namespace
 
 void MainQueue::async(Block block)
 {
@@ -18,15 +61,10 @@ void MainQueue::async(Block block)
 
 void MainQueue::after(double seconds, Block block)
 {
-    const std::chrono::milliseconds delay{std::llround(seconds * 1000)};
-    const auto start = std::chrono::steady_clock::now();
-    // Timers belong to a thread with an event loop, so it is started there; the time the hop took is taken
-    // off.
-    async([delay, start, block = std::move(block)]() mutable {
-        const auto passed =
-            std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-        QTimer::singleShot(std::max(delay - passed, std::chrono::milliseconds::zero()), Qt::PreciseTimer,
-                           QCoreApplication::instance(), std::move(block));
+    const auto delay = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    // Timers belong to a thread with an event loop, so it is started there.
+    async([due = Clock::now() + delay, block = std::move(block)]() mutable {
+        DelayedBlocks::instance().add(due, std::move(block));
     });
 }
 

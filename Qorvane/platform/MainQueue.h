@@ -14,7 +14,8 @@ public:
     /// Queues `block` and returns at once, also when called on the GUI thread. Any thread.
     static void async(Block block);
 
-    /// Queues `block` to run `seconds` from now. Any thread.
+    /// Queues `block` to run `seconds` from now, or at once where that is past; blocks run in the order of
+    /// their times. Any thread.
     static void after(double seconds, Block block);
 
     /// Runs `block` on the GUI thread and waits for it; runs it directly when already there. Any thread.
