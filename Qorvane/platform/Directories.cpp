@@ -12,10 +12,10 @@ std::optional<QString> baseDirectory(const char *variable, QLatin1String belowHo
 {
     const QString value = QFile::decodeName(qgetenv(variable));
     if (value.startsWith(u'/'))
-        return value;
+        return QDir::cleanPath(value);
     const QString home = QFile::decodeName(qgetenv("HOME"));
     if (home.startsWith(u'/'))
-        return home + u'/' + belowHome;
+        return QDir::cleanPath(home + u'/' + belowHome);
     return std::nullopt;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/Log.h"
 
+#include <poll.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,18 +24,34 @@ Sink &currentSink()
     return instance;
 }
 
-// A pipe reader that is slow or gone must not take the program with it: interrupted writes go on, failed ones
-// end.
+// The reader of a pipe may go away: then a write is to fail, and not to end the program. A handler of
+// somebody else's choice stays.
+void survivePipeReaders()
+{
+    struct sigaction current = {};
+    if (::sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL)
+        ::signal(SIGPIPE, SIG_IGN);
+}
+
+// Interrupted writes go on, and so do those to a terminal that another program has made non-blocking; failed
+// ones end.
 void writeAll(const QByteArray &bytes)
 {
+    static std::once_flag isReady;
+    std::call_once(isReady, survivePipeReaders);
     qsizetype done = 0;
     while (done < bytes.size()) {
         const ssize_t written = ::write(STDOUT_FILENO, bytes.constData() + done, size_t(bytes.size() - done));
-        if (written < 0 && errno == EINTR)
+        if (written > 0) {
+            done += written;
             continue;
-        if (written <= 0)
+        }
+        if (written == 0 || (errno != EINTR && errno != EAGAIN))
             return;
-        done += written;
+        if (errno == EAGAIN) {
+            pollfd room{STDOUT_FILENO, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        }
     }
 }
 
@@ -41,13 +59,13 @@ void writeAll(const QByteArray &bytes)
 
 void line(const QString &text)
 {
+    QByteArray bytes = text.toUtf8();
+    bytes.append('\n');
     const std::scoped_lock lock(mutex());
     if (currentSink()) {
         currentSink()(text);
         return;
     }
-    QByteArray bytes = text.toUtf8();
-    bytes.append('\n');
     writeAll(bytes);
 }
 
