@@ -1,0 +1,258 @@
+#include "platform/Workspace.h"
+
+#include "platform/Directories.h"
+#include "platform/GlobalQueue.h"
+#include "support/Waiting.h"
+
+#include <QDBusConnection>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+using namespace Qorvane;
+
+namespace {
+
+// Plays the desktop's file manager.
+class FileManager : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+
+public:
+    QStringList m_shown;
+
+public Q_SLOTS:
+    void ShowItems(const QStringList &uris, const QString &) { m_shown += uris; }
+};
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+QString applications()
+{
+    return Directories::applicationSupport().value() + QStringLiteral("/applications");
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The desktop may hand a file over as its address or as its path, a folder with or without the last "/".
+QString localPath(const QString &argument)
+{
+    return QDir::cleanPath(argument.startsWith(u"file:") ? QUrl(argument).toLocalFile() : argument);
+}
+
+// An application that notes what it was started with, one argument a line, all at once.
+class RecordingApplication
+{
+public:
+    explicit RecordingApplication(const QString &folder)
+        : m_record(folder + QStringLiteral("/record"))
+        , m_script(folder + QStringLiteral("/editor"))
+    {
+        writeFile(m_script, "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + QFile::encodeName(m_record) +
+                                ".part'\nmv '" + QFile::encodeName(m_record) + ".part' '" +
+                                QFile::encodeName(m_record) + "'\n");
+        QFile::setPermissions(m_script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    QByteArray entry(const char *mimeTypes) const
+    {
+        return "[Desktop Entry]\nType=Application\nName=Editor\nExec=" + QFile::encodeName(m_script) +
+               " %U\nMimeType=" + mimeTypes + "\n";
+    }
+
+    bool waitUntilStarted() const
+    {
+        return waitUntil([this] { return QFile::exists(m_record); });
+    }
+    QStringList arguments() const
+    {
+        return QString::fromUtf8(readFile(m_record)).split(u'\n', Qt::SkipEmptyParts);
+    }
+    void forget() const { QFile::remove(m_record); }
+
+private:
+    QString m_record;
+    QString m_script;
+};
+
+class WorkspaceTest : public testing::Test
+{
+protected:
+    // Once for all: the library that reads the desktop entries notices new ones only after a while.
+    static void SetUpTestSuite()
+    {
+        s_folder = std::make_unique<QTemporaryDir>();
+        s_application = std::make_unique<RecordingApplication>(s_folder->path());
+        writeFile(applications() + QStringLiteral("/org.example.Editor.desktop"),
+                  s_application->entry("image/vnd.adobe.photoshop;inode/directory;"
+                                       "x-scheme-handler/https;text/plain;"));
+        writeFile(applications() + QStringLiteral("/org.example.Gone.desktop"),
+                  "[Desktop Entry]\nType=Application\nName=Gone\nExec=/no/such/program %U\n");
+        writeFile(applications() + QStringLiteral("/mimeapps.list"),
+                  "[Default Applications]\nimage/vnd.adobe.photoshop=org.example.Editor.desktop\n"
+                  "inode/directory=org.example.Editor.desktop\n"
+                  "text/plain=org.example.Editor.desktop\n"
+                  "x-scheme-handler/https=org.example.Editor.desktop\n");
+        startBus();
+    }
+    static void TearDownTestSuite()
+    {
+        s_bus->kill();
+        s_bus->waitForFinished();
+        s_bus.reset();
+        s_application.reset();
+        s_folder.reset();
+    }
+
+    ~WorkspaceTest() override
+    {
+        GlobalQueue::waitUntilIdle();
+        s_application->forget();
+    }
+
+    // A message bus of our own. The address is read once in the life of a process.
+    static void startBus()
+    {
+        s_bus = std::make_unique<QProcess>();
+        s_bus->start(QStringLiteral(QORVANE_DBUS_DAEMON),
+                     {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                      QStringLiteral("--print-address"),
+                      QStringLiteral("--address=unix:tmpdir=") + s_folder->path()});
+        ASSERT_TRUE(s_bus->waitForReadyRead());
+        qputenv("DBUS_SESSION_BUS_ADDRESS", s_bus->readLine().trimmed());
+    }
+
+    static inline std::unique_ptr<QProcess> s_bus;
+
+    static inline std::unique_ptr<QTemporaryDir> s_folder;
+    static inline std::unique_ptr<RecordingApplication> s_application;
+};
+
+TEST_F(WorkspaceTest, anInstalledApplicationIsFoundByItsIdentifier)
+{
+    EXPECT_EQ(Workspace::applicationWithIdentifier(QStringLiteral("org.example.Editor")),
+              applications() + QStringLiteral("/org.example.Editor.desktop"));
+}
+
+TEST_F(WorkspaceTest, anApplicationThatIsAbsentOrCannotRunIsNotFound)
+{
+    EXPECT_FALSE(Workspace::applicationWithIdentifier(QStringLiteral("com.example.Absent")).has_value());
+    EXPECT_FALSE(Workspace::applicationWithIdentifier(QStringLiteral("org.example.Gone")).has_value());
+    EXPECT_FALSE(Workspace::applicationWithIdentifier(QString()).has_value());
+}
+
+TEST_F(WorkspaceTest, theDefaultApplicationGoesByTheExtensionOfAFileThatNeedNotExist)
+{
+    EXPECT_EQ(Workspace::applicationToOpen(QStringLiteral("dummy.psd")),
+              applications() + QStringLiteral("/org.example.Editor.desktop"));
+    EXPECT_FALSE(Workspace::applicationToOpen(QStringLiteral("dummy.no-such-type-at-all")).has_value());
+}
+
+TEST_F(WorkspaceTest, opensFilesWithAnApplication)
+{
+    const QString path = s_folder->filePath(QStringLiteral("照片 1%20 #2?.psd"));
+    std::atomic_bool isDone = false;
+    std::optional<QString> failure;
+    Workspace::open({FileUrl::file(path)}, applications() + QStringLiteral("/org.example.Editor.desktop"),
+                    [&](const std::optional<QString> &error) {
+                        failure = error;
+                        isDone = true;
+                    });
+    ASSERT_TRUE(waitUntil([&isDone] { return isDone.load(); }));
+    EXPECT_FALSE(failure.has_value()) << failure->toStdString();
+    ASSERT_TRUE(s_application->waitUntilStarted());
+
+    ASSERT_EQ(s_application->arguments().size(), 1);
+    EXPECT_EQ(localPath(s_application->arguments().value(0)), path);
+}
+
+TEST_F(WorkspaceTest, tellsWhyAnApplicationCouldNotBeStarted)
+{
+    std::atomic_bool isDone = false;
+    std::optional<QString> failure;
+    Workspace::open({FileUrl::file(QStringLiteral("/a.psd"))},
+                    applications() + QStringLiteral("/org.example.Gone.desktop"),
+                    [&](const std::optional<QString> &error) {
+                        failure = error;
+                        isDone = true;
+                    });
+    ASSERT_TRUE(waitUntil([&isDone] { return isDone.load(); }));
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_TRUE(failure->contains(QStringLiteral("org.example.Gone.desktop")));
+}
+
+TEST_F(WorkspaceTest, opensAFolderAndAPageInTheirDefaultApplications)
+{
+    Workspace::open(FileUrl::directory(s_folder->path()));
+    ASSERT_TRUE(s_application->waitUntilStarted());
+    EXPECT_EQ(localPath(s_application->arguments().value(0)), s_folder->path());
+
+    s_application->forget();
+    Workspace::open(QUrl(QStringLiteral("https://updates.qorvane.example/notes?v=1 2")));
+    ASSERT_TRUE(s_application->waitUntilStarted());
+    EXPECT_EQ(s_application->arguments().value(0),
+              QStringLiteral("https://updates.qorvane.example/notes?v=1%202"));
+}
+
+TEST_F(WorkspaceTest, withoutAFileManagerOnTheBusTheFolderIsOpened)
+{
+    Workspace::showInFileManager({FileUrl::file(s_folder->filePath(QStringLiteral("a.jpg"))),
+                                  FileUrl::file(s_folder->filePath(QStringLiteral("b.jpg")))});
+    ASSERT_TRUE(s_application->waitUntilStarted());
+    EXPECT_EQ(s_application->arguments().size(), 1);
+    EXPECT_EQ(localPath(s_application->arguments().value(0)), s_folder->path());
+}
+
+TEST_F(WorkspaceTest, theFileManagerOnTheBusIsAskedToSelectTheFiles)
+{
+    const QString connectionName = QStringLiteral("file manager");
+    FileManager fileManager;
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
+        ASSERT_TRUE(bus.isConnected());
+        ASSERT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &fileManager,
+                                       QDBusConnection::ExportAllSlots));
+        ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+    }
+
+    const QString path = s_folder->filePath(QStringLiteral("été #1.jpg"));
+    Workspace::showInFileManager({FileUrl::file(path)});
+    ASSERT_TRUE(waitUntil([&fileManager] { return !fileManager.m_shown.isEmpty(); }));
+    EXPECT_EQ(fileManager.m_shown, QStringList{FileUrl::file(path).absoluteString()});
+
+    GlobalQueue::waitUntilIdle();
+    QDBusConnection::disconnectFromBus(connectionName);
+    EXPECT_TRUE(s_application->arguments().isEmpty());
+}
+
+// Last, since the bus doesn't come back.
+TEST_F(WorkspaceTest, withoutABusTheFolderIsOpened)
+{
+    s_bus->kill();
+    ASSERT_TRUE(s_bus->waitForFinished());
+    Workspace::showInFileManager({FileUrl::file(s_folder->filePath(QStringLiteral("a.jpg")))});
+    ASSERT_TRUE(s_application->waitUntilStarted());
+    EXPECT_EQ(localPath(s_application->arguments().value(0)), s_folder->path());
+}
+
+} // namespace
+
+#include "WorkspaceTest.moc"
