@@ -58,19 +58,25 @@ void drawPixels(const QImage &drawn, const QTransform &transform, QImage &contex
     constexpr int tile = 32;
     const auto pixels = reinterpret_cast<const QRgb *>(drawn.constBits());
     const qsizetype stride = drawn.bytesPerLine() / qsizetype(sizeof(QRgb));
-    const auto isInside = [&](int x, int y) {
-        return x >= 0 && y >= 0 && x < drawn.width() && y < drawn.height();
-    };
+    const qsizetype step = rightY * stride + rightX;
+    const QRect bounds = drawn.rect();
     for (int tileY = 0; tileY < context.height(); tileY += tile) {
         for (int tileX = 0; tileX < context.width(); tileX += tile) {
+            const int count = std::min(tile, context.width() - tileX);
             for (int row = tileY; row < std::min(tileY + tile, context.height()); ++row) {
-                auto line = reinterpret_cast<QRgb *>(context.scanLine(row));
-                for (int column = tileX; column < std::min(tileX + tile, context.width()); ++column) {
-                    const int x = left + column * rightX + row * downX;
-                    const int y = top + column * rightY + row * downY;
-                    if (isInside(x, y))
-                        line[column] = pixels[y * stride + x];
-                }
+                const QPoint first(left + tileX * rightX + row * downX, top + tileX * rightY + row * downY);
+                const QPoint along(rightX, rightY);
+                // The tile's row is a straight line in `drawn`, of which one stretch lies inside.
+                int begin = 0;
+                int end = count;
+                while (begin < end && !bounds.contains(first + begin * along))
+                    ++begin;
+                while (begin < end && !bounds.contains(first + (end - 1) * along))
+                    --end;
+                const qsizetype start = first.y() * stride + first.x();
+                auto line = reinterpret_cast<QRgb *>(context.scanLine(row)) + tileX;
+                for (int column = begin; column < end; ++column)
+                    line[column] = pixels[start + column * step];
             }
         }
     }
