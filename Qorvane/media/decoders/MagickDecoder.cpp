@@ -142,6 +142,14 @@ QImage toQImage(::Image *image, ::ExceptionInfo *exception)
     return result;
 }
 
+/// ImageMagick leaves a TGA's rows and columns in the order of the file and only notes where they begin.
+QImage withOriginOfTga(const QImage &image, ::OrientationType origin)
+{
+    const bool isMirrored = origin == TopRightOrientation || origin == BottomRightOrientation;
+    const bool isUpsideDown = origin == BottomLeftOrientation || origin == BottomRightOrientation;
+    return image.mirrored(isMirrored, isUpsideDown);
+}
+
 /// The sizes by the header alone.
 bool isAdmitted(const ::ImageInfo *info, const QByteArray &data, ::ExceptionInfo *exception, QString &reason)
 {
@@ -180,6 +188,8 @@ std::optional<QImage> decodeWithMagick(const ByteSource &bytes, const char *code
         reason = reasonOf(exception.get());
         return std::nullopt;
     }
+    if (std::strcmp(coder, "TGA") == 0)
+        image = withOriginOfTga(image, images->orientation);
     image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
     return scaledImage(image, request.boundedSize(image.size()));
 }

@@ -24,7 +24,10 @@ void sortByUse(Exiv2::PreviewPropertiesList &previews, int wanted)
         const bool coversB = side(b) >= wanted;
         if (coversA != coversB)
             return coversA;
-        return coversA ? side(a) < side(b) : side(a) > side(b);
+        if (side(a) != side(b))
+            return coversA == (side(a) < side(b));
+        // A JPEG that a TIFF directory holds is listed as a JPEG and as a TIFF; the wrapping adds only doubt.
+        return a.mimeType_ == "image/jpeg" && b.mimeType_ != "image/jpeg";
     });
 }
 

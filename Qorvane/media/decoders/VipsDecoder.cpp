@@ -1,5 +1,6 @@
 #include "media/decoders/VipsDecoder.h"
 
+#include "media/decoders/ColorTransform.h"
 #include "media/decoders/MediaLibraries.h"
 #include "media/decoders/ToneMapping.h"
 #include "media/decoders/VipsHandles.h"
@@ -189,21 +190,45 @@ QImage fromSamples(const uchar *samples, QSize size, int bands)
     }
     if (hasAlpha)
         image.convertTo(QImage::Format_ARGB32_Premultiplied);
-    image.setColorSpace(QColorSpace(QColorSpace::SRgb));
     return image;
 }
 
+/// The picture's own profile, taken out of it: libvips would send pictures without one through a profile too,
+/// and change them. Printing colours alone are left to it, profile and all.
+QByteArray takeProfile(VipsImageHandle &image)
+{
+    const void *data = nullptr;
+    size_t size = 0;
+    if (image->Type == VIPS_INTERPRETATION_CMYK ||
+        vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) == 0 ||
+        vips_image_get_blob(image.get(), VIPS_META_ICC_NAME, &data, &size) != 0)
+        return {};
+    const QByteArray profile(static_cast<const char *>(data), qsizetype(size));
+    VipsImage *copy = nullptr;
+    if (vips_copy(image.get(), &copy, nullptr) == 0) {
+        image.reset(copy);
+        vips_image_remove(copy, VIPS_META_ICC_NAME);
+    }
+    return profile;
+}
+
+/// Asked for exact sides, libvips reduces and never looks for a smaller picture in the file by itself.
 VipsImageHandle resized(VipsImage *image, QSize box)
 {
     VipsImage *result = nullptr;
-    // Asked for exact sides, libvips reduces and never looks for a smaller picture in the file by itself.
-    vips_thumbnail_image(image, &result, box.width(), "height", box.height(), "size", VIPS_SIZE_FORCE,
-                         "no_rotate", TRUE, "export_profile", "srgb", nullptr);
+    if (image->Type == VIPS_INTERPRETATION_CMYK) {
+        vips_thumbnail_image(image, &result, box.width(), "height", box.height(), "size", VIPS_SIZE_FORCE,
+                             "no_rotate", TRUE, "export_profile", "srgb", nullptr);
+    } else {
+        vips_thumbnail_image(image, &result, box.width(), "height", box.height(), "size", VIPS_SIZE_FORCE,
+                             "no_rotate", TRUE, nullptr);
+    }
     return VipsImageHandle(result);
 }
 
 std::optional<QImage> displayReferred(VipsImageHandle image, QSize box, const DecodeRequest &request)
 {
+    const QByteArray profile = takeProfile(image);
     const VipsImageHandle small = resized(image.get(), box);
     if (!small)
         return std::nullopt;
@@ -220,7 +245,9 @@ std::optional<QImage> displayReferred(VipsImageHandle image, QSize box, const De
     const int bands = qMin(eightBit->Bands, 4);
     if (!samples || bands != eightBit->Bands)
         return std::nullopt;
-    return fromSamples(static_cast<const uchar *>(samples.get()), sizeOf(eightBit.get()), bands);
+    QImage result = fromSamples(static_cast<const uchar *>(samples.get()), sizeOf(eightBit.get()), bands);
+    convertToSrgb(result, profile);
+    return result;
 }
 
 std::optional<QImage> sceneReferred(VipsImageHandle image, QSize box, const DecodeRequest &request)
