@@ -1,5 +1,6 @@
 #include "media/decoders/ExifOrientation.h"
 
+#include "media/decoders/ExifNumbers.h"
 #include "media/decoders/InputFile.h"
 #include "media/decoders/MediaLibraries.h"
 #include "media/decoders/RawDecoder.h"
@@ -13,25 +14,13 @@ namespace Qorvane {
 
 namespace {
 
-std::optional<qint64> firstInteger(const Exiv2::ExifData &data, const char *key)
-{
-    const auto found = data.findKey(Exiv2::ExifKey(key));
-    if (found == data.end() || found->count() == 0)
-        return std::nullopt;
-#if EXIV2_TEST_VERSION(0, 28, 0)
-    return found->toInt64(0);
-#else
-    return found->toLong(0);
-#endif
-}
-
 std::optional<qint64> orientationTag(const InputFile &file)
 {
     MediaLibraries::ensureReady();
     try {
         const auto image = Exiv2::ImageFactory::open(file.nativePath().toStdString());
         image->readMetadata();
-        return firstInteger(image->exifData(), "Exif.Image.Orientation");
+        return firstNumber(image->exifData(), "Exif.Image.Orientation");
     } catch (const std::exception &) {
         return std::nullopt;
     }

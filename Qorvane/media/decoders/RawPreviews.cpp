@@ -1,49 +1,86 @@
 #include "media/decoders/RawPreviews.h"
 
-#include "media/decoders/DecoderDispatch.h"
+#include "media/decoders/ExifNumbers.h"
 #include "media/decoders/InputFile.h"
 #include "media/decoders/JpegDecoder.h"
 #include "media/decoders/MediaLibraries.h"
+#include "media/decoders/VipsDecoder.h"
 
 #include <algorithm>
 #include <exception>
 #include <exiv2/exiv2.hpp>
+#include <functional>
+#include <vector>
 
 namespace Qorvane {
 
 namespace {
 
-/// Best first: those that cover from the smallest up, then the others from the largest down.
-void sortByUse(Exiv2::PreviewPropertiesList &previews, int wanted)
+struct Candidate
 {
-    const auto side = [](const Exiv2::PreviewProperties &preview) {
-        return qint64(std::max(preview.width_, preview.height_));
-    };
-    std::stable_sort(previews.begin(), previews.end(), [&](const auto &a, const auto &b) {
-        const bool coversA = side(a) >= wanted;
-        const bool coversB = side(b) >= wanted;
+    qint64 side = 0;
+    std::function<std::optional<QImage>(const DecodeRequest &)> decode;
+};
+
+/// Best first: those that cover from the smallest up, then the others from the largest down.
+void sortByUse(std::vector<Candidate> &candidates, int wanted)
+{
+    std::stable_sort(candidates.begin(), candidates.end(), [wanted](const Candidate &a, const Candidate &b) {
+        const bool coversA = a.side >= wanted;
+        const bool coversB = b.side >= wanted;
         if (coversA != coversB)
             return coversA;
-        if (side(a) != side(b))
-            return coversA == (side(a) < side(b));
-        // A JPEG that a TIFF directory holds is listed as a JPEG and as a TIFF; the wrapping adds only doubt.
-        return a.mimeType_ == "image/jpeg" && b.mimeType_ != "image/jpeg";
+        return coversA ? a.side < b.side : a.side > b.side;
     });
 }
 
-std::optional<QImage> decodePreview(const Exiv2::PreviewImage &preview, const DecodeRequest &request)
+/// DNG keeps its previews as single JPEG strips of reduced pictures, which Exiv2 lists wrapped up as TIFFs
+/// that no reader takes.
+void appendJpegStrips(const InputFile &file, const Exiv2::ExifData &data, std::vector<Candidate> &candidates)
+{
+    constexpr qint64 jpegCompression = 7;
+    constexpr qint64 reducedPicture = 1;
+    for (const char *group : {"Image", "SubImage1", "SubImage2", "SubImage3", "SubImage4", "SubImage5"}) {
+        const auto number = [&](const char *tag) {
+            return firstNumber(data, std::string("Exif.") + group + "." + tag).value_or(-1);
+        };
+        const qint64 offset = number("StripOffsets");
+        const qint64 size = number("StripByteCounts");
+        if (number("Compression") != jpegCompression || number("NewSubfileType") != reducedPicture ||
+            offset <= 0 || size <= 0)
+            continue;
+        const auto pixels = jpegSize(ByteRange(file, offset, size));
+        if (!pixels)
+            continue;
+        candidates.push_back(
+            {qMax(pixels->width(), pixels->height()), [&file, offset, size](const DecodeRequest &request) {
+                 QString unused;
+                 return decodeJpeg(ByteRange(file, offset, size), request, JpegTolerance::none, unused);
+             }});
+    }
+}
+
+std::optional<QImage> decodeListed(const Exiv2::PreviewImage &preview, const DecodeRequest &request)
 {
     const MemoryBytes bytes(
         QByteArray(reinterpret_cast<const char *>(preview.pData()), qsizetype(preview.size())));
-    DecodeRequest inner = request;
-    inner.isPreviewAllowed = false;
     const auto type = contentType(bytes, {});
     QString unused;
     if (type == ContentType::jpeg)
-        return decodeJpeg(bytes, inner, JpegTolerance::none, unused);
+        return decodeJpeg(bytes, request, JpegTolerance::none, unused);
     if (type == ContentType::tiff)
-        return decodeContent(bytes, *type, inner, unused);
+        return decodeWithVips(bytes, *type, request, unused);
     return std::nullopt;
+}
+
+void appendListed(const Exiv2::PreviewManager &manager, std::vector<Candidate> &candidates)
+{
+    for (const Exiv2::PreviewProperties &properties : manager.getPreviewProperties()) {
+        candidates.push_back({qint64(std::max(properties.width_, properties.height_)),
+                              [&manager, properties](const DecodeRequest &request) {
+                                  return decodeListed(manager.getPreviewImage(properties), request);
+                              }});
+    }
 }
 
 } // namespace
@@ -51,16 +88,20 @@ std::optional<QImage> decodePreview(const Exiv2::PreviewImage &preview, const De
 std::optional<QImage> decodeListedPreview(const InputFile &file, const DecodeRequest &request)
 {
     MediaLibraries::ensureReady();
+    DecodeRequest inner = request;
+    inner.isPreviewAllowed = false; // a preview of the preview is none of the picture
     try {
         const auto image = Exiv2::ImageFactory::open(file.nativePath().toStdString());
         image->readMetadata();
         const Exiv2::PreviewManager manager(*image);
-        Exiv2::PreviewPropertiesList previews = manager.getPreviewProperties();
-        sortByUse(previews, request.maxPixelSize);
-        for (const Exiv2::PreviewProperties &properties : previews) {
+        std::vector<Candidate> candidates;
+        appendJpegStrips(file, image->exifData(), candidates);
+        appendListed(manager, candidates);
+        sortByUse(candidates, request.maxPixelSize);
+        for (const Candidate &candidate : candidates) {
             if (request.deadline.hasExpired())
                 return std::nullopt;
-            const auto decoded = decodePreview(manager.getPreviewImage(properties), request);
+            const auto decoded = candidate.decode(inner);
             if (decoded && !decoded->isNull())
                 return decoded;
         }
