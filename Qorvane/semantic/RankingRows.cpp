@@ -119,8 +119,13 @@ std::span<const Row> fetchRows(const SearchCandidates &candidates, std::span<con
     const std::size_t count = std::min(order.size(), rowsAtATime);
     for (std::size_t i = 0; i < count; ++i)
         rows[i] = {candidates.similarity(order[i]), shares[order[i]], candidates.path(order[i])};
-    for (const Row &row : rows.first(count))
-        __builtin_prefetch(row.path.data() + row.path.size());
+    // The name stands at the end of the path, often across two lines of the cache.
+    constexpr std::size_t likelyNameLength = 16;
+    for (const Row &row : rows.first(count)) {
+        const char *end = row.path.data() + row.path.size();
+        __builtin_prefetch(end - 1);
+        __builtin_prefetch(end - std::min(row.path.size(), likelyNameLength));
+    }
     return rows.first(count);
 }
 

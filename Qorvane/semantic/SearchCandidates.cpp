@@ -15,12 +15,6 @@ void SearchCandidates::append(const FileUrl &url, float similarity)
     append(std::string_view(path.constData(), std::size_t(path.size())), similarity);
 }
 
-std::string_view SearchCandidates::path(std::size_t index) const
-{
-    const std::size_t start = index == 0 ? 0 : m_pathEnds[index - 1];
-    return {m_paths.data() + start, m_pathEnds[index] - start};
-}
-
 FileUrl SearchCandidates::url(std::size_t index) const
 {
     const std::string_view bytes = path(index);

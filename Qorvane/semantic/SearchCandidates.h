@@ -22,7 +22,11 @@ public:
 
     std::size_t size() const { return m_similarities.size(); }
     /// UTF-8; good until the next `append`.
-    std::string_view path(std::size_t index) const;
+    std::string_view path(std::size_t index) const
+    {
+        const std::size_t start = index == 0 ? 0 : m_pathEnds[index - 1];
+        return {m_paths.data() + start, m_pathEnds[index] - start};
+    }
     FileUrl url(std::size_t index) const;
     float similarity(std::size_t index) const { return m_similarities[index]; }
     std::span<const float> similarities() const { return m_similarities; }
