@@ -21,9 +21,9 @@ namespace {
 
 constexpr double thumbnailQuality = 0.9;
 
-/// One of as many places as there are cores, held while a file is decoded. Every run of the pipeline and
-/// every visible cell may ask at once; without this their decodes would pile up in memory and finish no
-/// sooner.
+/// One of as many places as there are cores, held while a file is decoded, but not while the result is
+/// written. Every run of the pipeline and every visible cell may ask at once; without this their decodes
+/// would pile up in memory and finish no sooner.
 class DecodingPlace
 {
 public:
@@ -51,6 +51,7 @@ void store(const QImage &image, const std::optional<FileUrl> &url)
 
 std::optional<QImage> orientedThumbnail(const QString &path, QString *error)
 {
+    const DecodingPlace place;
     const std::optional<ImageSource> source = ImageSource::open(path, error);
     if (!source)
         return std::nullopt;
@@ -60,11 +61,17 @@ std::optional<QImage> orientedThumbnail(const QString &path, QString *error)
     return orientedImage(*thumbnail, quint32(source->orientation()));
 }
 
+std::optional<QImage> boundedFrame(const QString &path, int maxSize, QString *error)
+{
+    const DecodingPlace place;
+    return generateVideoFrame(path, maxSize, error);
+}
+
 // `purpose` is "thumbnail" or "preview".
 std::optional<QImage> videoFrame(const FileUrl &file, int maxSize, const char *purpose)
 {
     QString error;
-    std::optional<QImage> frame = generateVideoFrame(file.path(), maxSize, &error);
+    const std::optional<QImage> frame = boundedFrame(file.path(), maxSize, &error);
     if (!frame) {
         Log::line(QStringLiteral("Failed to generate video %1 for %2: %3")
                       .arg(QLatin1String(purpose), file.lastPathComponent(),
@@ -87,7 +94,6 @@ std::optional<Image> getThumbnail(const FileUrl &file)
 
 std::optional<Image> makeThumbnail(const FileUrl &file)
 {
-    const DecodingPlace place;
     QString error;
     const std::optional<QImage> image = orientedThumbnail(file.path(), &error);
     if (!image) {
@@ -101,7 +107,6 @@ std::optional<Image> makeThumbnail(const FileUrl &file)
 
 std::optional<Image> generateVideoThumbnail(const FileUrl &file)
 {
-    const DecodingPlace place;
     const std::optional<QImage> frame = videoFrame(file, thumbnailSize, "thumbnail");
     if (!frame)
         return std::nullopt;
@@ -112,7 +117,6 @@ std::optional<Image> generateVideoThumbnail(const FileUrl &file)
 
 std::optional<Image> generateVideoPreview(const FileUrl &file)
 {
-    const DecodingPlace place;
     const std::optional<QImage> frame = videoFrame(file, previewSize, "preview");
     return frame ? std::optional(Image(*frame)) : std::nullopt;
 }

@@ -2,6 +2,7 @@
 
 #include "media/OffMainThread.h"
 #include "media/TestVideo.h"
+#include "media/VideoInput.h"
 #include "media/VideoPicture.h"
 
 #include <QColorSpace>
@@ -383,6 +384,15 @@ TEST_F(VideoFramesTest, doesNotWaitForAPipe)
     const QString path = fileNamed("pipe.mp4");
     ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
     EXPECT_EQ(failureOf(path), QStringLiteral("not a regular file"));
+}
+
+TEST_F(VideoFramesTest, givesUpWhenTheTimeIsUp)
+{
+    const QString path = written("a.mp4", countingVideo(3));
+    QString error;
+    EXPECT_TRUE(VideoInput::open(path, std::chrono::seconds(20), &error));
+    EXPECT_FALSE(VideoInput::open(path, std::chrono::seconds(0), &error));
+    EXPECT_EQ(error, QStringLiteral("it took too long"));
 }
 
 TEST_F(VideoFramesTest, opensNoOtherFileOnAVideosSayso)
