@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// The strip over the middle column: what is shown, the way back from a search, and the search field.
 Item {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QorvaneStyle
+import QorvaneViews
 
 /// The main window.
 T.ApplicationWindow {
@@ -45,6 +46,10 @@ T.ApplicationWindow {
 
     DropOverlay {
         anchors.fill: parent
+        viewState: window.viewState
+    }
+
+    FolderDialogHost {
         viewState: window.viewState
     }
 

@@ -4,10 +4,13 @@
 #include "views/ThumbnailProvider.h"
 #include "views/style/IconProvider.h"
 
+#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QtQml/QQmlExtensionPlugin>
+
+#include <cmath>
 
 Q_IMPORT_QML_PLUGIN(QorvaneStylePlugin)
 Q_IMPORT_QML_PLUGIN(QorvaneViewsPlugin)
@@ -25,9 +28,19 @@ void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnai
 
 std::unique_ptr<QQuickWindow> makeContentWindow(QQmlEngine &engine, ContentViewState &state)
 {
-    QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/qt/qml/QorvaneViews/ContentView.qml")));
-    std::unique_ptr<QObject> root(
-        component.createWithInitialProperties({{QStringLiteral("viewState"), QVariant::fromValue(&state)}}));
+    // The system's own rendering is crisper at the small sizes of an interface, but only on whole pixels.
+    const double ratio = qGuiApp->devicePixelRatio();
+    if (ratio == std::floor(ratio))
+        QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+    // By the module's name rather than by the file's address: only a module's import registers its C++ types.
+    QQmlComponent component(&engine);
+    component.setData("import QorvaneViews\nContentView {}", QUrl());
+    // Asked first: before Qt 6.5 a component with errors can't even be tried.
+    std::unique_ptr<QObject> root;
+    if (component.isReady()) {
+        root.reset(component.createWithInitialProperties(
+            {{QStringLiteral("viewState"), QVariant::fromValue(&state)}}));
+    }
     auto *const window = qobject_cast<QQuickWindow *>(root.get());
     if (!window) {
         qWarning("%s", qUtf8Printable(component.errorString()));

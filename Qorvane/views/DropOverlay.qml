@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// Takes folders that are dragged onto the window.
 DropArea {

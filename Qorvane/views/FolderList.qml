@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QorvaneStyle
+import QorvaneViews
 
 /// The library's folders, unfolded as far as the user wants.
 ListView {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QorvaneStyle
+import QorvaneViews
 
 /// A folder of the library: its name, and how far its background run has come.
 T.ItemDelegate {
@@ -17,7 +18,7 @@ T.ItemDelegate {
     required property int runState
     required property double progress
     required property string detail
-    readonly property color ink: isSelected ? Theme.onAccent : Theme.text
+    readonly property color ink: isSelected ? Theme.accentInk : Theme.text
 
     implicitHeight: Theme.rowHeight
     leftPadding: Theme.unit + 2 + depth * Theme.contentPadding
@@ -49,7 +50,7 @@ T.ItemDelegate {
 
             anchors.verticalCenter: parent.verticalCenter
             isExpanded: row.isExpanded
-            ink: row.isSelected ? Theme.onAccent : Theme.secondaryText
+            ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
             visible: row.hasChildren
             onClicked: row.viewState.folders.toggle(row.index)
         }
@@ -61,7 +62,7 @@ T.ItemDelegate {
             anchors.verticalCenter: parent.verticalCenter
             name: "folder"
             size: 16
-            color: row.isSelected ? Theme.onAccent : Theme.accent
+            color: row.isSelected ? Theme.accentInk : Theme.accent
         }
 
         Label {
@@ -82,7 +83,7 @@ T.ItemDelegate {
             anchors.verticalCenter: parent.verticalCenter
             runState: row.runState
             progress: row.progress
-            isOnAccent: row.isSelected
+            standsOnAccent: row.isSelected
         }
     }
 

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 import QorvaneStyle
+import QorvaneViews
 
 /// Media as a scrolling grid of adaptive columns, with the selection and the arrow keys of both modes.
 GridView {

@@ -22,6 +22,7 @@ Item {
     Thumbnail {
         id: thumbnail
 
+        objectName: "thumbnail"
         anchors.horizontalCenter: parent.horizontalCenter
         width: 200
         height: 200

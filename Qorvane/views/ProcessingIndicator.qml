@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// A folder's background run: a ring and a percentage while it runs, a check mark once it is done.
 Row {
@@ -8,13 +9,13 @@ Row {
     required property int runState
     required property double progress
     /// Stands on a selected row, where everything is drawn in one ink.
-    property bool isOnAccent: false
+    property bool standsOnAccent: false
 
     readonly property bool isRunning: runState === FolderListModel.Thumbnails
                                       || runState === FolderListModel.Vectors
     readonly property string stage: runState === FolderListModel.Thumbnails
                                     ? qsTranslate("Qorvane", "Preview") : qsTranslate("Qorvane", "AI Analysis")
-    readonly property color ink: isOnAccent ? Theme.onAccent
+    readonly property color ink: standsOnAccent ? Theme.accentInk
                                  : runState === FolderListModel.Thumbnails ? Theme.orange : Theme.blue
 
     spacing: 4
@@ -50,7 +51,7 @@ Row {
             anchors.centerIn: parent
             name: "checkmark"
             size: 12
-            color: indicator.isOnAccent ? Theme.onAccent : Theme.green
+            color: indicator.standsOnAccent ? Theme.accentInk : Theme.green
         }
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// The middle column: the photographs of what is selected, or the hits of a search.
 FocusScope {

@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// The left column: the library's folders and the button that adds some.
 Rectangle {

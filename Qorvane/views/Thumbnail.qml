@@ -1,5 +1,6 @@
 import QtQuick
 import QorvaneStyle
+import QorvaneViews
 
 /// A file's thumbnail, cut to this item's size and round at the corners; until it is there, an empty cell.
 Item {

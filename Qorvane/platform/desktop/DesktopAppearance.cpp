@@ -42,6 +42,8 @@ std::optional<QColor> colorOf(const QVariant &value)
     double green = -1;
     double blue = -1;
     const auto argument = value.value<QDBusArgument>();
+    if (argument.currentType() != QDBusArgument::StructureType)
+        return std::nullopt;
     argument.beginStructure();
     argument >> red >> green >> blue;
     argument.endStructure();

@@ -59,5 +59,77 @@
         <source>Descending</source>
         <translation>Descending</translation>
     </message>
+    <message>
+        <source>照片库</source>
+        <translation>Library</translation>
+    </message>
+    <message>
+        <source>Search Photos</source>
+        <translation>Search Photos</translation>
+    </message>
+    <message>
+        <source>Clear Search</source>
+        <translation>Clear Search</translation>
+    </message>
+    <message>
+        <source>Loading</source>
+        <translation>Loading</translation>
+    </message>
+    <message>
+        <source>Add Folder</source>
+        <translation>Add Folder</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Preview</translation>
+    </message>
+    <message>
+        <source>AI Analysis</source>
+        <translation>AI Analysis</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>Expand</translation>
+    </message>
+    <message>
+        <source>Collapse</source>
+        <translation>Collapse</translation>
+    </message>
+    <message>
+        <source>VIDEO</source>
+        <translation>VIDEO</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>Photos</translation>
+    </message>
+    <message>
+        <source>该标签下没有媒体文件</source>
+        <translation>No media files with this tag</translation>
+    </message>
+    <message>
+        <source>No media files with this rating</source>
+        <translation>No media files with this rating</translation>
+    </message>
+    <message>
+        <source>No media files in this folder</source>
+        <translation>No media files in this folder</translation>
+    </message>
+    <message>
+        <source>Select a folder to view media files.</source>
+        <translation>Select a folder to view media files.</translation>
+    </message>
+    <message>
+        <source>搜索中...</source>
+        <translation>Searching…</translation>
+    </message>
+    <message>
+        <source>没有找到匹配的图片</source>
+        <translation>No matching pictures found</translation>
+    </message>
+    <message>
+        <source>尝试使用不同的关键词</source>
+        <translation>Try different keywords</translation>
+    </message>
 </context>
 </TS>

@@ -59,5 +59,77 @@
         <source>Descending</source>
         <translation>降序</translation>
     </message>
+    <message>
+        <source>照片库</source>
+        <translation>照片库</translation>
+    </message>
+    <message>
+        <source>Search Photos</source>
+        <translation>搜索照片</translation>
+    </message>
+    <message>
+        <source>Clear Search</source>
+        <translation>清除搜索</translation>
+    </message>
+    <message>
+        <source>Loading</source>
+        <translation>正在载入</translation>
+    </message>
+    <message>
+        <source>Add Folder</source>
+        <translation>添加文件夹</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>预览</translation>
+    </message>
+    <message>
+        <source>AI Analysis</source>
+        <translation>AI 分析</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>展开</translation>
+    </message>
+    <message>
+        <source>Collapse</source>
+        <translation>折叠</translation>
+    </message>
+    <message>
+        <source>VIDEO</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>照片</translation>
+    </message>
+    <message>
+        <source>该标签下没有媒体文件</source>
+        <translation>该标签下没有媒体文件</translation>
+    </message>
+    <message>
+        <source>No media files with this rating</source>
+        <translation>没有此评分的媒体文件</translation>
+    </message>
+    <message>
+        <source>No media files in this folder</source>
+        <translation>此文件夹中没有媒体文件</translation>
+    </message>
+    <message>
+        <source>Select a folder to view media files.</source>
+        <translation>选择一个文件夹以查看媒体文件。</translation>
+    </message>
+    <message>
+        <source>搜索中...</source>
+        <translation>搜索中…</translation>
+    </message>
+    <message>
+        <source>没有找到匹配的图片</source>
+        <translation>没有找到匹配的图片</translation>
+    </message>
+    <message>
+        <source>尝试使用不同的关键词</source>
+        <translation>尝试使用不同的关键词</translation>
+    </message>
 </context>
 </TS>

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import QorvaneStyle
 
 /// An arc that turns while `running`.
 T.BusyIndicator {

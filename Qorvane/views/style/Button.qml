@@ -20,7 +20,7 @@ T.Button {
     contentItem: Label {
         text: control.text
         font: control.font
-        color: control.isProminent ? Theme.onAccent : Theme.text
+        color: control.isProminent ? Theme.accentInk : Theme.text
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
     }

@@ -11,6 +11,8 @@ namespace {
 
 // The size the icons are drawn in; used where the caller names none.
 constexpr QSize naturalSize(18, 18);
+// Physical pixels; above what a control needs on a screen of twice the density.
+constexpr int largeSize = 40;
 
 } // namespace
 
@@ -29,6 +31,9 @@ QImage IconProvider::requestImage(const QString &id, QSize *size, const QSize &r
 
     QByteArray drawing = file.readAll();
     drawing.replace("currentColor", color.name().toLatin1());
+    // The line of a large drawing would grow as bold as a headline.
+    if (requestedSize.width() > largeSize)
+        drawing.replace("stroke-width=\"1.6\"", "stroke-width=\"0.9\"");
     QSvgRenderer renderer(drawing);
     QImage image(requestedSize.isEmpty() ? naturalSize : requestedSize, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

@@ -13,7 +13,7 @@ T.TextField {
     font.pixelSize: Theme.bodySize
     color: Theme.text
     selectionColor: Theme.accentFill
-    selectedTextColor: Theme.onAccent
+    selectedTextColor: Theme.accentInk
     placeholderTextColor: Theme.secondaryText
     selectByMouse: true
     inputMethodHints: Qt.ImhNoPredictiveText
@@ -51,6 +51,7 @@ T.TextField {
     ToolButton {
         id: clearButton
 
+        objectName: "clearSearchButton"
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         implicitHeight: 26

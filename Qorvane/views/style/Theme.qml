@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import QorvaneStyle
 
 /// Every colour, size and duration of the interface.
 QtObject {
@@ -17,10 +18,10 @@ QtObject {
     readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
 
-    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above.
+    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above, hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
-    readonly property color secondaryText: isDark ? "#A6A6AD" : "#66666B"
-    readonly property color onAccent: "#FFFFFF"
+    readonly property color secondaryText: isDark ? "#B2B2B8" : "#626267"
+    readonly property color accentInk: "#FFFFFF"
 
     // The accent is the desktop's where it names one.
     readonly property color accent: Appearance.hasAccentColor ? Appearance.accentColor

@@ -1,0 +1,70 @@
+#include "views/ContentView.h"
+
+#include "media/ThumbnailCache.h"
+#include "views/ContentWindow.h"
+#include "views/ThumbnailProvider.h"
+#include "views/ThumbnailQueue.h"
+
+#include <QQuickWindow>
+#include <QThread>
+
+#include <algorithm>
+
+namespace Qorvane {
+
+namespace {
+
+// Half the cores: the pipeline and the encoders want theirs while a grid fills.
+int thumbnailThreads()
+{
+    return std::max(2, QThread::idealThreadCount() / 2);
+}
+
+QImage loadThumbnail(const QString &path)
+{
+    const std::optional<Image> thumbnail = ThumbnailCache::getThumbnail(FileUrl::file(path));
+    return thumbnail ? thumbnail->pixels() : QImage();
+}
+
+} // namespace
+
+ContentView::ContentView(QorManage &qorManager, QObject *parent)
+    : QObject(parent)
+    , m_responder(m_clipService)
+    , m_thumbnails(std::make_shared<ThumbnailQueue>(thumbnailThreads()))
+    , m_state(
+          qorManager,
+          [this](const QString &text, const QList<FileUrl> &scope, int limit) {
+              return m_clipService.searchWithDatabase(text, scope, limit);
+          },
+          m_thumbnails)
+{
+    setUpEngine(m_engine, std::make_unique<ThumbnailProvider>(m_thumbnails, loadThumbnail));
+}
+
+ContentView::~ContentView() = default;
+
+bool ContentView::show()
+{
+    if (!m_window) {
+        m_window = makeContentWindow(m_engine, m_state);
+        if (!m_window)
+            return false;
+        connect(m_window.get(), &QQuickWindow::frameSwapped, this, &ContentView::appear,
+                Qt::ConnectionType(Qt::QueuedConnection | Qt::SingleShotConnection));
+        connect(m_window.get(), &QQuickWindow::visibleChanged, this, [this](bool isVisible) {
+            if (!isVisible)
+                Q_EMIT closed();
+        });
+    }
+    m_window->show();
+    return true;
+}
+
+void ContentView::appear()
+{
+    Q_EMIT appeared();
+    m_clipService.ensureModelsLoaded();
+}
+
+} // namespace Qorvane

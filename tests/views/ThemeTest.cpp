@@ -1,0 +1,83 @@
+#include "platform/desktop/DesktopAppearance.h"
+#include "views/ContentWindow.h"
+#include "views/ThumbnailProvider.h"
+#include "views/ThumbnailQueue.h"
+
+#include <QColor>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+using namespace Qorvane;
+
+namespace {
+
+// Relative luminance and contrast ratio as WCAG 2.1 defines them.
+double luminance(const QColor &color)
+{
+    const auto linear = [](double channel) {
+        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor laidOver(const QColor &ground, const QColor &veil)
+{
+    const auto mix = [&](double below, double above) {
+        return float(below + (above - below) * double(veil.alphaF()));
+    };
+    return QColor::fromRgbF(mix(ground.redF(), veil.redF()), mix(ground.greenF(), veil.greenF()),
+                            mix(ground.blueF(), veil.blueF()));
+}
+
+class ThemeTest : public testing::TestWithParam<ColorScheme>
+{
+protected:
+    ThemeTest()
+    {
+        DesktopAppearance::shared().setColorSchemeOverride(GetParam());
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<ThumbnailQueue>(1),
+                                                                [](const QString &) { return QImage(); }));
+        QQmlComponent component(&engine);
+        component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
+                          QUrl());
+        holder.reset(component.create());
+        theme = holder ? holder->property("theme").value<QObject *>() : nullptr;
+    }
+
+    ~ThemeTest() override { DesktopAppearance::shared().setColorSchemeOverride(std::nullopt); }
+
+    QColor color(const char *name) const { return theme->property(name).value<QColor>(); }
+
+    QQmlEngine engine;
+    std::unique_ptr<QObject> holder;
+    QObject *theme = nullptr;
+};
+
+} // namespace
+
+TEST_P(ThemeTest, textsKeepTheirContrastOnEveryGround)
+{
+    ASSERT_TRUE(theme);
+    for (const char *ink : {"text", "secondaryText"}) {
+        for (const char *ground : {"window", "sidebar", "card", "field", "emptyCell", "popup"}) {
+            EXPECT_GE(contrast(color(ink), color(ground)), 4.5) << ink << " on " << ground;
+            EXPECT_GE(contrast(color(ink), laidOver(color(ground), color("hover"))), 4.5)
+                << ink << " on hovered " << ground;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest, testing::Values(ColorScheme::light, ColorScheme::dark));
