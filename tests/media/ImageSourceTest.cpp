@@ -10,7 +10,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
+#include <thread>
+#include <vector>
 
 namespace Qorvane {
 
@@ -454,6 +457,33 @@ TEST_F(ImageSourceTest, theSmallestEmbeddedJpegThatCoversIsTakenFromAnX3f)
     ASSERT_TRUE(full);
     EXPECT_EQ(full->size(), QSize(2000, 1500));
     EXPECT_EQ(source->orientation(), 6);
+}
+
+TEST_F(ImageSourceTest, fourThreadsDecodeTheSameFilesAtOnce)
+{
+    const QStringList paths = {
+        file(QStringLiteral("a.jpg"),
+             PictureFiles::jpeg(picture, {PictureFiles::JpegColour::ycc, false, 95, displayP3Profile()})),
+        file(QStringLiteral("a.png"), PictureFiles::qtFile(picture, "png")),
+        file(QStringLiteral("a.dng"),
+             PictureFiles::dng(picture, PictureFiles::jpeg(picture), picture.size(), 6)),
+        file(QStringLiteral("a.psd"), PictureFiles::psd(picture)),
+        file(QStringLiteral("a.jp2"), PictureFiles::vipsFile(picture, ".jp2")),
+    };
+    std::atomic_int decoded = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&paths, &decoded] {
+            for (const QString &path : paths) {
+                const auto source = ImageSource::open(path);
+                if (source && source->thumbnail(100) && source->orientation() >= 1)
+                    ++decoded;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(decoded, 4 * paths.size());
 }
 
 } // namespace Qorvane
