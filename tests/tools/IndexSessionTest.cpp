@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace Qorvane;
 
 namespace {
@@ -93,6 +95,9 @@ TEST_F(IndexSessionTest, IndexesFoldersToTheEnd)
     EXPECT_EQ(m_lastState, FolderProcessingState::completed);
     ASSERT_FALSE(m_fractions.isEmpty());
     EXPECT_EQ(m_fractions.last(), 1.0);
+    // A stage never shows as done before it has begun.
+    const auto firstWhole = std::find(m_fractions.begin(), m_fractions.end(), 1.0);
+    EXPECT_TRUE(std::all_of(firstWhole, m_fractions.end(), [](double fraction) { return fraction == 1.0; }));
     EXPECT_TRUE(storedLibraryFolders().contains(folders.at(0)));
     EXPECT_TRUE(storedLibraryFolders().contains(folders.at(1)));
 }

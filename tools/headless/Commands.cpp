@@ -32,6 +32,10 @@ namespace {
 
 using Action = HeadlessCommand::Action;
 
+// Nobody sits before a terminal run, and a picture that is late on a busy machine is better than one left
+// out.
+constexpr double patientEmbeddingTimeout = 120;
+
 void print(const QString &text)
 {
     std::fputs(qUtf8Printable(text), stdout);
@@ -105,7 +109,9 @@ QCoro::Task<int> runIndex(HeadlessCommand command)
     if (!service.modelsLoaded())
         print(QStringLiteral("No encoders are installed: thumbnails only, and nothing to search by.\n"));
 
-    QorManage library;
+    LibraryTimings timings;
+    timings.embeddingTimeout = patientEmbeddingTimeout;
+    QorManage library(nullptr, timings);
     co_await libraryOpened(library);
     ProgressBar bar(stdout, isatty(STDOUT_FILENO) == 1);
     IndexSession session(library);

@@ -11,6 +11,7 @@ IndexSession::IndexSession(QorManage &library, QObject *parent)
     , m_library(library)
 {
     connect(&library, &QorManage::folderProcessingStatusChanged, this, &IndexSession::follow);
+    // Not with every change of state: a new stage is published before its progress begins anew.
     connect(&library, &QorManage::folderProcessingProgressChanged, this, &IndexSession::progressChanged);
 }
 
@@ -50,9 +51,9 @@ void IndexSession::follow()
         if (states.value(folder.path(), FolderProcessingState::idle) == FolderProcessingState::completed)
             m_completed.insert(folder.path());
     }
-    Q_EMIT progressChanged();
     if (!m_isFinished && m_completed.size() == m_folders.size()) {
         m_isFinished = true;
+        Q_EMIT progressChanged();
         Q_EMIT finished();
     }
 }
