@@ -26,7 +26,11 @@ run_demo() {
     fi
     # A library of its own: the user's stays as it is.
     export XDG_DATA_HOME=$PWD/$demo_home/data XDG_CACHE_HOME=$PWD/$demo_home/cache XDG_CONFIG_HOME=$PWD/$demo_home/config
+    export XDG_RUNTIME_DIR=$PWD/$demo_home/runtime
     mkdir -p "$XDG_DATA_HOME" "$XDG_CACHE_HOME" "$XDG_CONFIG_HOME"
+    # Qt refuses a runtime folder that others may read.
+    mkdir -p "$XDG_RUNTIME_DIR"
+    chmod 700 "$XDG_RUNTIME_DIR"
     install_demo_encoders
 
     local log=$demo_home/qorvane.log sheet=$demo_home/contact-sheet.png matches=$demo_home/sky.png

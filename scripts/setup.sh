@@ -3,6 +3,11 @@
 
 setup_log=build/setup.log
 
+# A bare machine has no locale set, and Qt's tools grumble about every file then.
+if [[ $(locale charmap 2>/dev/null) != UTF-8 ]]; then
+    export LC_ALL=C.UTF-8
+fi
+
 say() { printf '==> %s\n' "$*"; }
 fail() {
     printf 'error: %s\n' "$*" >&2
