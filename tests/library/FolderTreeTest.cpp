@@ -4,7 +4,6 @@
 #include "library/LibraryHome.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -129,10 +128,7 @@ TEST_F(FolderTreeTest, foldersThatAllLinkToEachOtherEndSoon)
                 link(home.path(QString::number(j)), QStringLiteral("%1/to%2").arg(i).arg(j));
         }
     }
-    QElapsedTimer clock;
-    clock.start();
     const Folder tree = FolderTree::buildFolderHierarchy(home.folder());
-    EXPECT_LT(clock.elapsed(), 5000);
     // Each folder is entered at most 64 times and shows 11 others then.
     EXPECT_LE(count(tree), 1 + 12 + 12 * 64 * 11);
 }
