@@ -20,7 +20,7 @@ run_demo() {
     local headless=$1 query
     shift
     if [[ $# -eq 0 ]]; then
-        say "Fetching photographs to try it on (62 MB, once)"
+        [[ -f $demo_home/photographs/complete ]] || say "Fetching photographs to try it on (62 MB, once)"
         scripts/fetch-demo-photographs.sh "$demo_home/photographs" || fail "there are no photographs to show"
         set -- "$PWD/$demo_home/photographs"
     fi

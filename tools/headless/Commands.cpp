@@ -59,7 +59,7 @@ QString activity(FolderProcessingState state)
 {
     switch (state) {
     case FolderProcessingState::idle:
-        return QStringLiteral("reading folders");
+        return QStringLiteral("starting");
     case FolderProcessingState::thumbnails:
         return QStringLiteral("thumbnails");
     case FolderProcessingState::vectors:
