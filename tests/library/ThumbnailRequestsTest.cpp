@@ -20,10 +20,10 @@ protected:
 
 TEST_F(ThumbnailRequestsTest, aThumbnailIsMadeInTheBackgroundAndStored)
 {
-    const FileUrl picture = home.writePicture(QStringLiteral("1.png"), Qt::red, {1000, 500});
+    const FileUrl picture = home.writePicture(QStringLiteral("1.png"), Qt::red, {120, 60});
     const std::optional<Image> thumbnail = result(qorManager->getThumbnail(picture));
     ASSERT_TRUE(thumbnail);
-    EXPECT_EQ(thumbnail->size(), QSize(800, 400));
+    EXPECT_EQ(thumbnail->size(), QSize(120, 60));
     EXPECT_TRUE(fileExists(QorManage::thumbnailURL(picture)->path()));
 }
 
@@ -36,12 +36,13 @@ TEST_F(ThumbnailRequestsTest, aFileThatIsNoPictureEndsWithNothing)
 
 TEST_F(ThumbnailRequestsTest, aRequestCancelledBeforeItsTurnIsNotMade)
 {
-    // More requests than any pool has threads, so that the last one has to wait for its turn.
-    QList<QFuture<std::optional<Image>>> before;
-    for (int i = 0; i < 200; ++i)
-        before.append(qorManager->getThumbnail(
-            home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {200, 200})));
+    QList<FileUrl> pictures;
+    for (int i = 0; i < 60; ++i)
+        pictures.append(home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {400, 400}));
     const FileUrl last = home.writePicture(QStringLiteral("last.png"));
+    // More requests at once than any pool has threads, so that the last one has to wait for its turn.
+    for (const FileUrl &picture : std::as_const(pictures))
+        qorManager->getThumbnail(picture);
     QFuture<std::optional<Image>> future = qorManager->getThumbnail(last);
     future.cancel();
     ASSERT_TRUE(waitUntil([&] { return future.isFinished(); }));
