@@ -4,6 +4,9 @@
 #include <QGuiApplication>
 #include <QIcon>
 
+#include <cstdio>
+#include <cstdlib>
+
 int main(int argc, char **argv)
 {
     // First of all: later inference runtimes read it when they are loaded, and report to their maker without
@@ -20,5 +23,10 @@ int main(int argc, char **argv)
     Qorvane::QorvaneApp app;
     if (!app.openMainWindow())
         return EXIT_FAILURE;
-    return QGuiApplication::exec();
+    const int code = QGuiApplication::exec();
+    // There is no orderly stop: a run in work dies with the process, and the next one does what is missing.
+    // Taking things down in order would keep the user waiting for files in work, or pull objects from under
+    // them.
+    std::fflush(nullptr);
+    std::_Exit(code);
 }

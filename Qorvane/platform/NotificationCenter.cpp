@@ -59,8 +59,9 @@ private:
 
 NotificationCenter &NotificationCenter::defaultCenter()
 {
-    static NotificationCenter instance;
-    return instance;
+    // Lives until the process ends: background runs may still post when static objects go.
+    static NotificationCenter *const instance = new NotificationCenter;
+    return *instance;
 }
 
 NotificationCenter::Token NotificationCenter::addObserver(const QString &name, ObserverQueue queue,
