@@ -89,18 +89,23 @@ void TagsAndRatings::clearRating(const FileUrl &url)
 
 void TagsAndRatings::refreshAllTags()
 {
-    GlobalQueue::async(QualityOfService::background, [self = QPointer(this), weak = m_snapshot] {
+    const quint64 refresh = ++m_refreshes;
+    GlobalQueue::async(QualityOfService::background, [self = QPointer(this), weak = m_snapshot, refresh] {
         if (weak.expired())
             return;
-        MainQueue::async([self, tags = EmbeddingStore::shared().listAllTags()] {
+        MainQueue::async([self, refresh, tags = EmbeddingStore::shared().listAllTags()] {
             if (self)
-                self->publishAllTags(tags);
+                self->publishAllTags(tags, refresh);
         });
     });
 }
 
-void TagsAndRatings::publishAllTags(const QStringList &tags)
+void TagsAndRatings::publishAllTags(const QStringList &tags, quint64 refresh)
 {
+    // Refreshes overtake each other; one that was asked for earlier knows less than one published already.
+    if (refresh < m_publishedRefresh)
+        return;
+    m_publishedRefresh = refresh;
     m_state.publishAllTags(tags);
     if (m_state.selectedTag() && !tags.contains(*m_state.selectedTag()))
         m_selection.selectTag(std::nullopt);

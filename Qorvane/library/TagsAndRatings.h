@@ -35,12 +35,14 @@ public:
 
 private:
     void reloadIfShowing(const QString &tag);
-    void publishAllTags(const QStringList &tags);
+    void publishAllTags(const QStringList &tags, quint64 refresh);
 
     LibraryState &m_state;
     const std::weak_ptr<LibrarySnapshot> m_snapshot;
     MediaList &m_mediaList;
     SelectionRules &m_selection;
+    quint64 m_refreshes = 0;
+    quint64 m_publishedRefresh = 0;
 };
 
 } // namespace Qorvane
