@@ -47,18 +47,13 @@ std::optional<QList<QByteArray>> FolderBookmarks::stored() const
     return UserDefaults::standard().dataArray(m_key);
 }
 
-QList<FileUrl> FolderBookmarks::resolve(const QList<QByteArray> &bookmarks) const
+std::optional<FileUrl> FolderBookmarks::resolve(const QByteArray &bookmark) const
 {
-    QList<FileUrl> urls;
-    for (const QByteArray &bookmark : bookmarks) {
-        QString error;
-        const std::optional<FileUrl> url = Bookmark::resolve(bookmark, &error);
-        if (!url)
-            Log::line(m_resolveFailure + error);
-        else if (Bookmark::startAccessing(*url))
-            urls.append(*url);
-    }
-    return urls;
+    QString error;
+    const std::optional<FileUrl> url = Bookmark::resolve(bookmark, &error);
+    if (!url)
+        Log::line(m_resolveFailure + error);
+    return url && Bookmark::startAccessing(*url) ? url : std::nullopt;
 }
 
 } // namespace Qorvane

@@ -24,9 +24,9 @@ public:
     void save(const QList<Folder> &folders) const;
     /// The stored bookmarks; nothing when there is no list or it holds anything else.
     std::optional<QList<QByteArray>> stored() const;
-    /// The folders behind `bookmarks`, in order. One that can't be resolved is left out with a line, one that
-    /// may not be read without. Asks the disk.
-    QList<FileUrl> resolve(const QList<QByteArray> &bookmarks) const;
+    /// The folder behind `bookmark`. Nothing, with a line, when it can't be resolved, and without one when it
+    /// may not be read. Asks the disk.
+    std::optional<FileUrl> resolve(const QByteArray &bookmark) const;
 
 private:
     FolderBookmarks(QString key, QString saveFailure, QString resolveFailure);

@@ -48,6 +48,10 @@ FolderLibrary::FolderLibrary(Surroundings surroundings)
 
 void FolderLibrary::addFolder(const FileUrl &url)
 {
+    // A place that isn't on this machine's file system has no path, and an empty one is a prefix of every
+    // path: as a root it would own the whole library.
+    if (!url.path().startsWith(u'/'))
+        return;
     inOrder([this, url] { readTree(url); });
 }
 
@@ -197,8 +201,10 @@ void FolderLibrary::loadBookmarks(std::function<void()> completion)
                            if (weak.expired())
                                return;
                            QList<Folder> roots;
-                           for (const FileUrl &url : FolderBookmarks::library().resolve(bookmarks))
-                               roots.append(FolderTree::buildFolderHierarchy(url));
+                           for (const QByteArray &bookmark : bookmarks) {
+                               if (const auto url = FolderBookmarks::library().resolve(bookmark))
+                                   roots.append(FolderTree::buildFolderHierarchy(*url));
+                           }
                            MainQueue::async([self, roots, completion] {
                                if (!self)
                                    return;
@@ -218,9 +224,12 @@ void FolderLibrary::loadFavoriteBookmarks()
     if (!stored)
         return;
     QList<Folder> favorites;
-    for (const FileUrl &url : bookmarks.resolve(*stored)) {
-        const std::optional<Folder> known = FolderTree::findFolder(url, m_state.libraryFolders());
-        favorites.append(known.value_or(Folder{url, std::nullopt}));
+    for (const QByteArray &bookmark : *stored) {
+        const std::optional<FileUrl> url = bookmarks.resolve(bookmark);
+        if (!url)
+            continue;
+        const std::optional<Folder> known = FolderTree::findFolder(*url, m_state.libraryFolders());
+        favorites.append(known.value_or(Folder{*url, std::nullopt}));
     }
     m_state.publishFavoriteFolders(favorites);
     saveFavoriteBookmarks();

@@ -90,6 +90,15 @@ TEST_F(FolderLibraryTest, aFolderAddedTwiceAtOnceIsOneRoot)
     EXPECT_EQ(rootNames(), (QStringList{QStringLiteral("one"), QStringLiteral("two")}));
 }
 
+TEST_F(FolderLibraryTest, aPlaceWithoutAPathIsNoFolder)
+{
+    qorManager->addFolder(FileUrl::directory(QString()));
+    qorManager->addFolder(FileUrl::directory(QStringLiteral("relative/folder")));
+    addRoot(one);
+    EXPECT_EQ(rootNames(), QStringList{QStringLiteral("one")});
+    EXPECT_FALSE(qorManager->isPathInLibrary(two.path()));
+}
+
 TEST_F(FolderLibraryTest, aFolderInsideARootBecomesARootOfItsOwn)
 {
     const FileUrl inner = home.makeFolder(QStringLiteral("one/inner"));
