@@ -59,6 +59,37 @@ TEST_F(MediaListTest, withATagAndAFolderSetTheTagsFilesAreListedAndNoRunStarts)
     EXPECT_TRUE(home.log().linesStartingWith(QStringLiteral("🔄")).isEmpty());
 }
 
+TEST_F(MediaListTest, aTagsListThatArrivesAfterAnotherTagWasSelectedIsDropped)
+{
+    const FileUrl cat = home.writePicture(QStringLiteral("cat.png"));
+    const FileUrl dog = home.writePicture(QStringLiteral("dog.png"));
+    EmbeddingStore::shared().addTag(cat.path(), QStringLiteral("cat"));
+    EmbeddingStore::shared().addTag(dog.path(), QStringLiteral("dog"));
+    home.log().clear();
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    qorManager->setSelectedTag(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForList({QStringLiteral("dog.png")}));
+    settle();
+    EXPECT_EQ(names(qorManager->imageURLs()), QStringList{QStringLiteral("dog.png")});
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("🏷️ Setting imageURLs with ")).size(), 1);
+}
+
+TEST_F(MediaListTest, aRatingsListThatArrivesAfterAnotherRatingWasSelectedIsDropped)
+{
+    const FileUrl good = home.writePicture(QStringLiteral("good.png"));
+    const FileUrl best = home.writePicture(QStringLiteral("best.png"));
+    EmbeddingStore::shared().setRating(good.path(), 4);
+    EmbeddingStore::shared().setRating(best.path(), 5);
+    qorManager->setSelectedRating(4);
+    qorManager->setSelectedRating(5);
+    QList<QStringList> published;
+    QObject::connect(qorManager.get(), &QorManage::imageURLsChanged, qorManager.get(),
+                     [&] { published.append(names(qorManager->imageURLs())); });
+    ASSERT_TRUE(waitForList({QStringLiteral("best.png")}));
+    settle();
+    EXPECT_EQ(published, QList<QStringList>{{QStringLiteral("best.png")}});
+}
+
 TEST_F(MediaListTest, aTagsLoadLogsEveryStepToTheLetter)
 {
     for (int i = 1; i <= 4; ++i)
