@@ -22,7 +22,7 @@ protected:
     // Older and newer locale data differ in the blank before PM only.
     static QString plainBlanks(QString text) { return text.replace(QChar(0x202F), u' '); }
 
-    const QDateTime m_date{QDate(2024, 5, 1), QTime(15, 4, 5), Qt::UTC};
+    const QDateTime m_date{QDate(2024, 5, 1), QTime(15, 4, 5), QTimeZone::utc()};
 };
 
 TEST_F(DateTextsTest, isTheMediumStyleOfTheLocale)
@@ -52,7 +52,7 @@ TEST_F(DateTextsTest, isTheTimeOfDayInTheSystemsZone)
 
 TEST_F(DateTextsTest, datesBeforeTheEpochHaveATextToo)
 {
-    const QDateTime date(QDate(1899, 12, 31), QTime(0, 0), Qt::UTC);
+    const QDateTime date(QDate(1899, 12, 31), QTime(0, 0), QTimeZone::utc());
     EXPECT_EQ(DateTexts::mediumDateAndTime(date, QStringLiteral("zh_CN")),
               QStringLiteral("1899年12月31日 00:00:00"));
 }
