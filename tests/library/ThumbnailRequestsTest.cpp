@@ -38,7 +38,7 @@ TEST_F(ThumbnailRequestsTest, aRequestCancelledBeforeItsTurnIsNotMade)
 {
     QList<FileUrl> pictures;
     for (int i = 0; i < 60; ++i)
-        pictures.append(home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {400, 400}));
+        pictures.append(home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {60, 60}));
     const FileUrl last = home.writePicture(QStringLiteral("last.png"));
     // More requests at once than any pool has threads, so that the last one has to wait for its turn.
     for (const FileUrl &picture : std::as_const(pictures))
