@@ -4,6 +4,7 @@
 #include "platform/Directories.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
+#include "platform/NotificationPermission.h"
 #include "views/ContentView.h"
 
 #include <QPointer>
@@ -43,6 +44,7 @@ bool QorvaneApp::openMainWindow()
 
 void QorvaneApp::appear()
 {
+    NotificationPermission::request();
     logLocations();
 }
 

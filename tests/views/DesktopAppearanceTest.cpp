@@ -1,5 +1,6 @@
 #include "platform/desktop/DesktopAppearance.h"
 
+#include <QMetaMethod>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
@@ -49,4 +50,13 @@ TEST(DesktopAppearance, passesOverSettingsOfOthers)
     desktop.applySetting(appearance, QStringLiteral("contrast"), 1u);
     desktop.applySetting(QStringLiteral("org.kde.kdeglobals"), colorScheme, 1u);
     EXPECT_EQ(changes.count(), 0);
+}
+
+TEST(DesktopAppearance, canBeCalledByTheBus)
+{
+    const QMetaObject &type = DesktopAppearance::staticMetaObject;
+    const int slot = type.indexOfMethod("onSettingChanged(QString,QString,QDBusVariant)");
+    ASSERT_GE(slot, 0);
+    for (int parameter = 0; parameter < 3; ++parameter)
+        EXPECT_TRUE(type.method(slot).parameterMetaType(parameter).isValid()) << parameter;
 }

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <QColor>
+#include <QDBusVariant> // whole, or the bus can't tell what the slot takes and never calls it
 #include <QObject>
 #include <QVariant>
 
 #include <optional>
-
-class QDBusVariant;
 
 namespace Qorvane {
 

@@ -3,8 +3,7 @@
 #include "platform/FileUrl.h"
 
 #include <QObject>
-
-class QDBusMessage;
+#include <QVariantMap>
 
 namespace Qorvane {
 

@@ -58,6 +58,8 @@ T.TextField {
         implicitWidth: 28
         text: qsTranslate("Qorvane", "Clear Search")
         iconName: "xmark.circle.fill"
+        iconColor: Theme.secondaryText
+        iconSize: 16
         visible: control.length > 0
         onClicked: control.clear()
     }

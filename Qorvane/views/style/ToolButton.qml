@@ -6,6 +6,8 @@ T.ToolButton {
     id: control
 
     required property string iconName
+    property color iconColor: Theme.text
+    property int iconSize: Theme.iconSize
 
     implicitWidth: Theme.controlHeight
     implicitHeight: Theme.controlHeight
@@ -19,6 +21,8 @@ T.ToolButton {
         Icon {
             anchors.centerIn: parent
             name: control.iconName
+            color: control.iconColor
+            size: control.iconSize
         }
     }
     background: Rectangle {
