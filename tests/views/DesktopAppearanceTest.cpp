@@ -1,6 +1,7 @@
 #include "platform/desktop/DesktopAppearance.h"
 
-#include <QMetaMethod>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QSignalSpy>
 
 #include <gtest/gtest.h>
@@ -52,11 +53,14 @@ TEST(DesktopAppearance, passesOverSettingsOfOthers)
     EXPECT_EQ(changes.count(), 0);
 }
 
-TEST(DesktopAppearance, canBeCalledByTheBus)
+TEST(DesktopAppearance, followsThePortalsSignal)
 {
-    const QMetaObject &type = DesktopAppearance::staticMetaObject;
-    const int slot = type.indexOfMethod("onSettingChanged(QString,QString,QDBusVariant)");
-    ASSERT_GE(slot, 0);
-    for (int parameter = 0; parameter < 3; ++parameter)
-        EXPECT_TRUE(type.method(slot).parameterMetaType(parameter).isValid()) << parameter;
+    DesktopAppearance &desktop = DesktopAppearance::shared();
+    QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+                                                     QStringLiteral("org.freedesktop.portal.Settings"),
+                                                     QStringLiteral("SettingChanged"));
+    signal << appearance << colorScheme << QVariant::fromValue(QDBusVariant(1u));
+    ASSERT_TRUE(QMetaObject::invokeMethod(&desktop, "onSettingChanged", Q_ARG(QDBusMessage, signal)));
+    EXPECT_EQ(desktop.colorScheme(), ColorScheme::dark);
+    desktop.applySetting(appearance, colorScheme, 0u);
 }

@@ -4,7 +4,6 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -114,9 +113,13 @@ bool DesktopAppearance::eventFilter(QObject *watched, QEvent *event)
     return QObject::eventFilter(watched, event);
 }
 
-void DesktopAppearance::onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+void DesktopAppearance::onSettingChanged(const QDBusMessage &signal)
 {
-    applySetting(group, key, value.variant());
+    const QVariantList arguments = signal.arguments();
+    if (arguments.size() != 3)
+        return;
+    applySetting(arguments.at(0).toString(), arguments.at(1).toString(),
+                 arguments.at(2).value<QDBusVariant>().variant());
 }
 
 void DesktopAppearance::readPortal()
@@ -126,7 +129,7 @@ void DesktopAppearance::readPortal()
     qDBusRegisterMetaType<SettingsByGroup>();
     QDBusConnection bus = QDBusConnection::sessionBus();
     bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(onSettingChanged(QString, QString, QDBusVariant)));
+                SLOT(onSettingChanged(QDBusMessage)));
 
     QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
                                                        QStringLiteral("ReadAll"));

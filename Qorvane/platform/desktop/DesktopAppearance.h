@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QColor>
-#include <QDBusVariant> // whole, or the bus can't tell what the slot takes and never calls it
+#include <QDBusMessage>
 #include <QObject>
 #include <QVariant>
 
@@ -41,7 +41,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private Q_SLOTS:
-    void onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+    // The whole message: before Qt 6.5 the bus refuses a slot that takes the signal's variant itself.
+    void onSettingChanged(const QDBusMessage &signal);
 
 private:
     DesktopAppearance();
