@@ -2,7 +2,7 @@
 
 #include "media/decoders/DecodeLimits.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 
 namespace Qorvane {
@@ -11,8 +11,10 @@ namespace {
 
 constexpr int exifMarker = JPEG_APP0 + 1;
 constexpr int iccMarker = JPEG_APP0 + 2;
-constexpr unsigned wholeMarker = 0xffff;
 constexpr char exifSignature[] = "Exif\0"; // and the literal's own zero: six bytes
+constexpr char iccSignature[] = "ICC_PROFILE";
+// Behind the signature: the part's number and how many there are, a byte each.
+constexpr qsizetype iccHeaderSize = sizeof iccSignature + 2;
 
 } // namespace
 
@@ -57,9 +59,10 @@ bool JpegReader::readHeader()
         m_decompress.src = &m_source;
         m_decompress.progress = &m_progress;
         m_decompress.mem->max_memory_to_use = DecodeLimits::maximumMemory;
-        jpeg_save_markers(&m_decompress, exifMarker, wholeMarker);
-        jpeg_save_markers(&m_decompress, iccMarker, wholeMarker);
+        jpeg_set_marker_processor(&m_decompress, exifMarker, keepSegment);
+        jpeg_set_marker_processor(&m_decompress, iccMarker, keepSegment);
         jpeg_read_header(&m_decompress, TRUE);
+        m_isHeaderRead = true;
     });
     return isRead && DecodeLimits::admits(m_decompress.image_width, m_decompress.image_height,
                                           DecodeLimits::maximumPixels, m_reason);
@@ -74,31 +77,16 @@ QSize JpegReader::scaledSize(int denominator)
     return {int(m_decompress.output_width), int(m_decompress.output_height)};
 }
 
-QByteArray JpegReader::exifBlock() const
+QByteArray JpegReader::iccProfile() const
 {
-    constexpr size_t signatureSize = sizeof exifSignature;
-    for (jpeg_saved_marker_ptr marker = m_decompress.marker_list; marker; marker = marker->next) {
-        if (marker->marker == exifMarker && marker->data_length > signatureSize &&
-            std::memcmp(marker->data, exifSignature, signatureSize) == 0)
-            return QByteArray(reinterpret_cast<const char *>(marker->data) + signatureSize,
-                              qsizetype(marker->data_length - signatureSize));
+    QByteArray profile;
+    for (int number = 1; number <= m_iccPartCount; ++number) {
+        const auto part = m_iccParts.constFind(number);
+        if (part == m_iccParts.cend())
+            return {};
+        profile.append(*part);
     }
-    return {};
-}
-
-QByteArray JpegReader::iccProfile()
-{
-    JOCTET *profile = nullptr;
-    unsigned size = 0;
-    const bool isFound = guarded([this, &profile, &size] {
-        if (!jpeg_read_icc_profile(&m_decompress, &profile, &size))
-            profile = nullptr;
-    });
-    const QByteArray result = isFound && profile
-                                  ? QByteArray(reinterpret_cast<const char *>(profile), qsizetype(size))
-                                  : QByteArray();
-    std::free(profile);
-    return result;
+    return profile;
 }
 
 bool JpegReader::start(J_COLOR_SPACE outputColorSpace)
@@ -135,6 +123,7 @@ void JpegReader::fail(const char *reason)
 boolean JpegReader::fillBuffer(j_decompress_ptr state)
 {
     JpegReader &reader = of(reinterpret_cast<j_common_ptr>(state));
+    reader.checkLimits();
     const qint64 count = reader.m_bytes.readAt(reader.m_offset, reader.m_buffer.data(), bufferSize);
     reader.m_offset += count;
     reader.m_source.next_input_byte = reader.m_buffer.data();
@@ -156,6 +145,7 @@ void JpegReader::skipBytes(j_decompress_ptr state, long count)
     JpegReader &reader = of(reinterpret_cast<j_common_ptr>(state));
     if (count <= 0)
         return;
+    reader.checkLimits();
     const size_t inBuffer = reader.m_source.bytes_in_buffer;
     if (size_t(count) <= inBuffer) {
         reader.m_source.next_input_byte += count;
@@ -166,13 +156,66 @@ void JpegReader::skipBytes(j_decompress_ptr state, long count)
     reader.m_source.bytes_in_buffer = 0;
 }
 
+/// Takes a segment of application data off the stream, kept or not; the library's own way would be to keep
+/// every one of them.
+boolean JpegReader::keepSegment(j_decompress_ptr state)
+{
+    JpegReader &reader = of(reinterpret_cast<j_common_ptr>(state));
+    std::array<JOCTET, 2> length;
+    reader.take(length.data(), length.size());
+    const int size = std::max(0, (length[0] << 8 | length[1]) - 2);
+    reader.take(reader.m_segment.data(), size_t(size));
+
+    constexpr int signatureSize = sizeof exifSignature;
+    const auto *segment = reinterpret_cast<const char *>(reader.m_segment.data());
+    if (state->unread_marker == iccMarker)
+        reader.keepIccPart(segment, size);
+    else if (reader.m_exif.isEmpty() && size > signatureSize &&
+             std::memcmp(segment, exifSignature, signatureSize) == 0)
+        reader.m_exif = QByteArray(segment + signatureSize, size - signatureSize);
+    return TRUE;
+}
+
+void JpegReader::keepIccPart(const char *segment, qsizetype size)
+{
+    if (size <= iccHeaderSize || std::memcmp(segment, iccSignature, sizeof iccSignature) != 0)
+        return;
+    const int number = uchar(segment[iccHeaderSize - 2]);
+    const int count = uchar(segment[iccHeaderSize - 1]);
+    if (m_iccParts.isEmpty())
+        m_iccPartCount = count;
+    if (count == m_iccPartCount && number >= 1 && number <= count && !m_iccParts.contains(number))
+        m_iccParts.insert(number, QByteArray(segment + iccHeaderSize, size - iccHeaderSize));
+}
+
+void JpegReader::take(JOCTET *target, size_t count)
+{
+    while (count > 0) {
+        if (m_source.bytes_in_buffer == 0)
+            fillBuffer(&m_decompress);
+        const size_t step = std::min(count, m_source.bytes_in_buffer);
+        std::memcpy(target, m_source.next_input_byte, step);
+        m_source.next_input_byte += step;
+        m_source.bytes_in_buffer -= step;
+        target += step;
+        count -= step;
+    }
+}
+
+void JpegReader::checkLimits()
+{
+    if (m_deadline.hasExpired())
+        fail("decoding took too long");
+    if (!m_isHeaderRead && m_offset > maximumHeader)
+        fail("the JPEG's header is too long");
+}
+
 void JpegReader::watchProgress(j_common_ptr state)
 {
     JpegReader &reader = of(state);
     if (reader.m_decompress.input_scan_number > maximumScans)
         reader.fail("the JPEG has too many scans");
-    if (reader.m_deadline.hasExpired())
-        reader.fail("decoding took too long");
+    reader.checkLimits();
 }
 
 } // namespace Qorvane

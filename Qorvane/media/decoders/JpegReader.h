@@ -2,7 +2,9 @@
 
 #include "media/decoders/ByteSource.h"
 
+#include <QByteArray>
 #include <QDeadlineTimer>
+#include <QMap>
 #include <QSize>
 #include <QString>
 
@@ -16,7 +18,8 @@ namespace Qorvane {
 
 /// libjpeg's decompressor as an object: reads from a ByteSource, ends with the deadline, and turns the
 /// library's way of failing (a function that must not return) into false and reason(). After a failure only
-/// the destructor is of use. One thread.
+/// the destructor is of use. Of the segments before the picture no more is kept than the first Exif block and
+/// each part of the colour profile once, so that no header takes much memory. One thread.
 class JpegReader
 {
 public:
@@ -35,8 +38,9 @@ public:
     /// Whether an Adobe program wrote it; its CMYK is then stored inverted.
     bool hasAdobeMarker() const { return m_decompress.saw_Adobe_marker; }
     /// The EXIF block, beginning with its TIFF header; empty when there is none.
-    QByteArray exifBlock() const;
-    QByteArray iccProfile();
+    QByteArray exifBlock() const { return m_exif; }
+    /// The colour profile, its parts put together; empty when there is none or a part is missing.
+    QByteArray iccProfile() const;
 
     /// Starts decoding at the scale asked of scaledSize() last.
     bool start(J_COLOR_SPACE outputColorSpace);
@@ -54,6 +58,11 @@ private:
     // far below the thousands of empty scans of a file made to keep its readers busy.
     static constexpr int maximumScans = 500;
     static constexpr size_t bufferSize = 64 * 1024;
+    // Cameras put previews and depth maps of several megabytes before the picture; more than this is a file
+    // made to keep its readers busy.
+    static constexpr qint64 maximumHeader = 64 << 20;
+    // A segment gives its size in 16 bits, those two bytes included.
+    static constexpr size_t maximumSegment = 65533;
 
     template <typename Step>
     bool guarded(Step step);
@@ -62,7 +71,13 @@ private:
     static JpegReader &of(j_common_ptr state) { return *static_cast<JpegReader *>(state->client_data); }
     static boolean fillBuffer(j_decompress_ptr state);
     static void skipBytes(j_decompress_ptr state, long count);
+    static boolean keepSegment(j_decompress_ptr state);
     static void watchProgress(j_common_ptr state);
+    /// Ends a read that takes too long, or a header that has no end.
+    void checkLimits();
+    /// The next `count` bytes, out of the library's buffer.
+    void take(JOCTET *target, size_t count);
+    void keepIccPart(const char *segment, qsizetype size);
 
     const ByteSource &m_bytes;
     const QDeadlineTimer &m_deadline;
@@ -73,7 +88,12 @@ private:
     std::jmp_buf m_failure = {};
     std::array<char, JMSG_LENGTH_MAX> m_message = {}; // plain memory: written on the way to a longjmp
     std::array<JOCTET, bufferSize> m_buffer = {};
+    std::array<JOCTET, maximumSegment> m_segment = {};
     qint64 m_offset = 0;
+    bool m_isHeaderRead = false;
+    QByteArray m_exif;
+    QMap<int, QByteArray> m_iccParts; ///< by their numbers, from 1
+    int m_iccPartCount = 0;
     bool m_isExhausted = false;
     bool m_hadPictureData = false;
     QString m_reason;
