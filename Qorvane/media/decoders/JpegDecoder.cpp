@@ -151,9 +151,8 @@ std::optional<QImage> decodeJpeg(const ByteSource &bytes, const DecodeRequest &r
     return decodePicture(reader, request, tolerance, reason);
 }
 
-std::optional<QSize> jpegSize(const ByteSource &bytes)
+std::optional<QSize> jpegSize(const ByteSource &bytes, const QDeadlineTimer &deadline)
 {
-    const QDeadlineTimer deadline(DecodeLimits::maximumTime);
     JpegReader reader(bytes, deadline);
     if (!reader.readHeader())
         return std::nullopt;

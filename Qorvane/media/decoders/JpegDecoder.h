@@ -22,7 +22,7 @@ enum class JpegTolerance {
 std::optional<QImage> decodeJpeg(const ByteSource &bytes, const DecodeRequest &request,
                                  JpegTolerance tolerance, QString &reason);
 
-/// Width and height by the header; nothing when it can't be read.
-std::optional<QSize> jpegSize(const ByteSource &bytes);
+/// Width and height by the header; nothing when it can't be read before `deadline`.
+std::optional<QSize> jpegSize(const ByteSource &bytes, const QDeadlineTimer &deadline);
 
 } // namespace Qorvane

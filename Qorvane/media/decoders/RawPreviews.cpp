@@ -36,7 +36,8 @@ void sortByUse(std::vector<Candidate> &candidates, int wanted)
 
 /// DNG keeps its previews as single JPEG strips of reduced pictures, which Exiv2 lists wrapped up as TIFFs
 /// that no reader takes.
-void appendJpegStrips(const InputFile &file, const Exiv2::ExifData &data, std::vector<Candidate> &candidates)
+void appendJpegStrips(const InputFile &file, const Exiv2::ExifData &data, const QDeadlineTimer &deadline,
+                      std::vector<Candidate> &candidates)
 {
     constexpr qint64 jpegCompression = 7;
     constexpr qint64 reducedPicture = 1;
@@ -49,7 +50,7 @@ void appendJpegStrips(const InputFile &file, const Exiv2::ExifData &data, std::v
         if (number("Compression") != jpegCompression || number("NewSubfileType") != reducedPicture ||
             offset <= 0 || size <= 0)
             continue;
-        const auto pixels = jpegSize(ByteRange(file, offset, size));
+        const auto pixels = jpegSize(ByteRange(file, offset, size), deadline);
         if (!pixels)
             continue;
         candidates.push_back(
@@ -95,7 +96,7 @@ std::optional<QImage> decodeListedPreview(const InputFile &file, const DecodeReq
         image->readMetadata();
         const Exiv2::PreviewManager manager(*image);
         std::vector<Candidate> candidates;
-        appendJpegStrips(file, image->exifData(), candidates);
+        appendJpegStrips(file, image->exifData(), request.deadline, candidates);
         appendListed(manager, candidates);
         sortByUse(candidates, request.maxPixelSize);
         for (const Candidate &candidate : candidates) {

@@ -22,6 +22,9 @@ struct Candidate
 // The files hold two or three; compressed sensor data looks like the start of a JPEG once in 16 million
 // bytes.
 constexpr qsizetype maximumCandidates = 32;
+// Each mark may lead through a header as long as the rest of the file, and a file can be made of marks.
+// Chance makes 32 of them in the longest scan.
+constexpr int maximumAttempts = 128;
 // Larger than any such file.
 constexpr qint64 maximumScan = qint64(512) << 20;
 constexpr qint64 chunkSize = 1 << 20;
@@ -32,17 +35,22 @@ QList<Candidate> embeddedJpegs(const ByteSource &bytes, const QDeadlineTimer &de
 {
     static const QByteArray mark("\xff\xd8\xff", 3);
     QList<Candidate> found;
+    int attempts = 0;
     const qint64 end = qMin(bytes.size(), maximumScan);
-    for (qint64 start = 0; start < end && !deadline.hasExpired(); start += chunkSize) {
+    for (qint64 start = 0; start < end; start += chunkSize) {
         // Two bytes further than the chunk, for a mark across the border.
         const QByteArray chunk = bytes.bytes(start, chunkSize + mark.size() - 1);
         for (qsizetype at = chunk.indexOf(mark); at >= 0; at = chunk.indexOf(mark, at + 1)) {
+            if (deadline.hasExpired() || ++attempts > maximumAttempts)
+                return found;
             const qint64 offset = start + at;
-            if (const auto size = jpegSize(ByteRange(bytes, offset, bytes.size() - offset)))
+            if (const auto size = jpegSize(ByteRange(bytes, offset, bytes.size() - offset), deadline))
                 found.append({offset, *size});
             if (found.size() == maximumCandidates)
                 return found;
         }
+        if (deadline.hasExpired())
+            return found;
     }
     return found;
 }

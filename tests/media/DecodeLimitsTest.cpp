@@ -1,0 +1,93 @@
+#include "media/decoders/DecodeLimits.h"
+
+#include "media/CountedBytes.h"
+#include "media/PictureFiles.h"
+#include "media/decoders/JpegDecoder.h"
+#include "media/decoders/X3fDecoder.h"
+
+#include <gtest/gtest.h>
+
+namespace Qorvane {
+
+namespace {
+
+DecodeRequest lateRequest()
+{
+    DecodeRequest request;
+    request.deadline = QDeadlineTimer(0);
+    return request;
+}
+
+/// A segment of application data as it stands in a JPEG.
+QByteArray segment(char marker, const QByteArray &data)
+{
+    const auto length = quint16(data.size() + 2);
+    return QByteArray("\xff", 1) + marker + char(length >> 8) + char(length & 0xff) + data;
+}
+
+constexpr char exifMarker = '\xe1';
+
+/// `jpegBytes` with `segments` behind their start.
+QByteArray withSegments(QByteArray jpegBytes, const QByteArray &segments)
+{
+    return jpegBytes.insert(2, segments);
+}
+
+/// Comments that each hold what looks like the start of another JPEG.
+QByteArray chainOfStarts(int count)
+{
+    return QByteArray("FOVb", 4) + QByteArray(60, '\0') +
+           QByteArray("\xff\xfe\x00\x05\xff\xd8\xff", 7).repeated(count);
+}
+
+} // namespace
+
+TEST(DecodeLimits, aChainOfJpegStartsIsNotWalkedFromEachOfThem)
+{
+    const CountedBytes bytes(chainOfStarts(20'000));
+    QString reason;
+    EXPECT_FALSE(decodeX3f(bytes, DecodeRequest(), reason));
+    EXPECT_LT(bytes.readCount(), 200 * bytes.size());
+    EXPECT_FALSE(reason.isEmpty());
+}
+
+TEST(DecodeLimits, theSearchForEmbeddedJpegsEndsWithTheDeadline)
+{
+    const CountedBytes bytes(chainOfStarts(20'000));
+    QString reason;
+    EXPECT_FALSE(decodeX3f(bytes, lateRequest(), reason));
+    EXPECT_LE(bytes.readCount(), bytes.size());
+}
+
+TEST(DecodeLimits, aJpegHeaderIsNotReadBeyondTheDeadline)
+{
+    const CountedBytes bytes(PictureFiles::jpeg(PictureFiles::testPicture(32, 32)));
+    QString reason;
+    EXPECT_FALSE(jpegSize(bytes, QDeadlineTimer(0)));
+    EXPECT_FALSE(decodeJpeg(bytes, lateRequest(), JpegTolerance::cutPictures, reason));
+    EXPECT_EQ(reason, QStringLiteral("decoding took too long"));
+    EXPECT_EQ(bytes.readCount(), 0);
+}
+
+TEST(DecodeLimits, aJpegHeaderThatIsTooLongIsGivenUp)
+{
+    const QByteArray large = segment(exifMarker, QByteArray(65'000, 'x'));
+    const CountedBytes bytes(
+        withSegments(PictureFiles::jpeg(PictureFiles::testPicture(32, 32)), large.repeated(1500)));
+    QString reason;
+    EXPECT_FALSE(decodeJpeg(bytes, DecodeRequest(), JpegTolerance::cutPictures, reason));
+    EXPECT_EQ(reason, QStringLiteral("the JPEG's header is too long"));
+    EXPECT_LT(bytes.readCount(), 70 << 20);
+}
+
+TEST(DecodeLimits, aJpegInsideAnX3fMayHaveALongHeader)
+{
+    const QByteArray large = segment(exifMarker, QByteArray(65'000, 'x'));
+    const QByteArray jpeg =
+        withSegments(PictureFiles::jpeg(PictureFiles::testPicture(32, 32)), large.repeated(100));
+    QString reason;
+    EXPECT_TRUE(decodeX3f(MemoryBytes(PictureFiles::x3f({jpeg}, 0)), DecodeRequest(), reason))
+        << qPrintable(reason);
+}
+
+} // namespace Qorvane
