@@ -3,13 +3,15 @@
 #include <QColorSpace>
 #include <QPainter>
 
+#include <jerror.h>
 #include <jpeglib.h>
 
+#include <array>
 #include <cmath>
 #include <csetjmp>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
+#include <new>
 
 namespace Qorvane {
 
@@ -31,22 +33,23 @@ void leave(j_common_ptr state)
 
 void keepQuiet(j_common_ptr) {}
 
-/// The encoder's state with the memory that it grows for the result.
+/// The encoder's state with the memory that it grows for the result. The library's own destination in memory
+/// frees it once and leaves it to be freed again when it can't grow further.
 class Encoder
 {
 public:
     Encoder()
     {
+        m_destination.init_destination = beginChunk;
+        m_destination.empty_output_buffer = keepChunk;
+        m_destination.term_destination = keepLastChunk;
+        m_state.client_data = this;
         m_state.err = jpeg_std_error(&m_errors.base);
         m_errors.base.error_exit = leave;
         m_errors.base.output_message = keepQuiet;
         m_errors.message[0] = '\0';
     }
-    ~Encoder()
-    {
-        jpeg_destroy_compress(&m_state);
-        std::free(m_data);
-    }
+    ~Encoder() { jpeg_destroy_compress(&m_state); }
     Encoder(const Encoder &) = delete;
     Encoder &operator=(const Encoder &) = delete;
 
@@ -57,7 +60,7 @@ public:
         if (setjmp(m_errors.onError))
             return false;
         jpeg_create_compress(&m_state);
-        jpeg_mem_dest(&m_state, &m_data, &m_length);
+        m_state.dest = &m_destination;
         m_state.image_width = JDIMENSION(width);
         m_state.image_height = JDIMENSION(height);
         m_state.input_components = 4;
@@ -75,14 +78,55 @@ public:
         return true;
     }
 
-    QByteArray data() const { return {reinterpret_cast<const char *>(m_data), qsizetype(m_length)}; }
+    QByteArray data() const { return m_data; }
     QString errorText() const { return QString::fromLocal8Bit(m_errors.message); }
 
 private:
+    static constexpr size_t chunkSize = 64 * 1024;
+
+    static Encoder &of(j_compress_ptr state) { return *static_cast<Encoder *>(state->client_data); }
+    static void beginChunk(j_compress_ptr state)
+    {
+        Encoder &encoder = of(state);
+        encoder.m_destination.next_output_byte = encoder.m_chunk.data();
+        encoder.m_destination.free_in_buffer = chunkSize;
+    }
+    // What the library says is free is not to be trusted here: it asks for the whole chunk to be kept.
+    static boolean keepChunk(j_compress_ptr state)
+    {
+        keep(state, chunkSize);
+        beginChunk(state);
+        return TRUE;
+    }
+    static void keepLastChunk(j_compress_ptr state)
+    {
+        keep(state, chunkSize - of(state).m_destination.free_in_buffer);
+    }
+    static void keep(j_compress_ptr state, size_t count)
+    {
+        Encoder &encoder = of(state);
+        if (encoder.append(count))
+            return;
+        encoder.m_errors.base.msg_code = JERR_OUT_OF_MEMORY;
+        encoder.m_errors.base.msg_parm.i[0] = 0;
+        leave(reinterpret_cast<j_common_ptr>(state));
+    }
+    // No exception may pass through the library, and no long jump through a handler of one.
+    bool append(size_t count) noexcept
+    {
+        try {
+            m_data.append(reinterpret_cast<const char *>(m_chunk.data()), qsizetype(count));
+            return true;
+        } catch (const std::bad_alloc &) {
+            return false;
+        }
+    }
+
     jpeg_compress_struct m_state = {};
     ErrorHandler m_errors = {};
-    unsigned char *m_data = nullptr;
-    unsigned long m_length = 0;
+    jpeg_destination_mgr m_destination = {};
+    std::array<JOCTET, chunkSize> m_chunk = {};
+    QByteArray m_data;
 };
 
 QImage overWhite(const QImage &image)

@@ -5,8 +5,10 @@
 #include <QImageReader>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cstdlib>
+#include <fstream>
 
 using namespace Qorvane;
 
@@ -36,6 +38,29 @@ QList<int> markersOf(const QByteArray &jpeg)
         at += 2 + (uchar(jpeg[at + 2]) << 8 | uchar(jpeg[at + 3]));
     }
     return markers;
+}
+
+/// Nothing that compresses, in the encoder's own format.
+QImage noise(int side)
+{
+    QImage image(side, side, QImage::Format_RGBX8888);
+    quint32 state = 1;
+    for (int y = 0; y < side; ++y) {
+        auto *row = reinterpret_cast<quint32 *>(image.scanLine(y));
+        for (int x = 0; x < side; ++x)
+            row[x] = (state = state * 1664525 + 1013904223) >> 8 | 0xff000000;
+    }
+    return image;
+}
+
+/// Lets the process take no more than `bytes` beyond what it has.
+void limitMemory(size_t bytes)
+{
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit = pages * 4096 + bytes;
+    const rlimit both = {limit, limit};
+    setrlimit(RLIMIT_AS, &both);
 }
 
 bool isNear(QColor one, QColor other)
@@ -109,3 +134,27 @@ TEST(ImageDestination, saysWhyThereIsNoJpeg)
     EXPECT_FALSE(jpegRepresentation(QImage(65501, 1, QImage::Format_RGB32), 0.9, &error));
     EXPECT_EQ(error, QStringLiteral("Maximum supported image dimension is 65500 pixels"));
 }
+
+TEST(ImageDestination, aLongJpegIsWhole)
+{
+    const QImage image = noise(1000);
+    const std::optional<QByteArray> jpeg = jpegRepresentation(image, 0.9);
+    ASSERT_TRUE(jpeg);
+    EXPECT_GT(jpeg->size(), 512 * 1024);
+    EXPECT_TRUE(jpeg->endsWith("\xff\xd9"));
+    EXPECT_EQ(decoded(*jpeg).size(), image.size());
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which take all addresses for themselves
+TEST(ImageDestinationDeathTest, isToldWhenTheMemoryForTheJpegRunsOut)
+{
+    const auto encodeInLittleMemory = [] {
+        const QImage image = noise(3000);
+        limitMemory(6 << 20);
+        QString error;
+        const bool isTold = !jpegRepresentation(image, 0.9, &error);
+        std::_Exit(isTold && error.startsWith(QLatin1String("Insufficient memory")) ? 0 : 1);
+    };
+    EXPECT_EXIT(encodeInLittleMemory(), testing::ExitedWithCode(0), "");
+}
+#endif
