@@ -9,6 +9,7 @@
 #include "media/WholeFile.h"
 #include "platform/FileAttributes.h"
 #include "platform/Log.h"
+#include "platform/MainQueue.h"
 
 #include <QSemaphore>
 #include <QThread>
@@ -63,7 +64,10 @@ std::optional<QImage> orientedThumbnail(const QString &path, QString *error)
 
 std::optional<QImage> boundedFrame(const QString &path, int maxSize, QString *error)
 {
-    const DecodingPlace place;
+    // The GUI thread is refused below and must not wait for a place to hear so.
+    std::optional<DecodingPlace> place;
+    if (!MainQueue::isCurrent())
+        place.emplace();
     return generateVideoFrame(path, maxSize, error);
 }
 

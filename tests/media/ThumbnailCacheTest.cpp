@@ -10,10 +10,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <thread>
 #include <utility>
@@ -193,6 +195,36 @@ TEST_F(ThumbnailCacheTest, doesNotDecodeACacheFileBeforeItIsDrawn)
     ASSERT_TRUE(again);
     EXPECT_FALSE(again->isDecoded());
     EXPECT_EQ(again->size(), QSize(40, 30));
+}
+
+TEST_F(ThumbnailCacheTest, refusesVideosOnTheGuiThreadWithoutWaitingForAPlace)
+{
+    const FileUrl picture = written("a.jpg", jpegOf(plainPicture({1500, 1500}, Qt::red)));
+    const FileUrl video = fileNamed("b.mp4");
+    std::atomic_bool isOver = false;
+    std::atomic_int decodedCount = 0;
+    std::vector<std::thread> threads;
+    // More than there are places, so that none is ever free for long.
+    for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
+        threads.emplace_back([&] {
+            while (!isOver) {
+                ThumbnailCache::makeThumbnail(picture);
+                ++decodedCount;
+            }
+        });
+    }
+    while (decodedCount < 3)
+        std::this_thread::yield();
+    // Each wait for a place would let at least one of the others finish.
+    constexpr int calls = 60;
+    const int before = decodedCount;
+    for (int i = 0; i < calls; ++i)
+        EXPECT_FALSE(ThumbnailCache::generateVideoPreview(video));
+    const int during = decodedCount - before;
+    isOver = true;
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_LT(during, calls / 3);
 }
 
 TEST_F(ThumbnailCacheTest, givesNoPictureForABrokenCacheFileForEver)
