@@ -9,19 +9,20 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace Qorvane {
 
 namespace {
 
-/// libvips keeps its messages for the whole process; another thread's may stand in between. The last line is
-/// ours nearly always, and only ever read by people.
+/// libvips keeps its messages for the whole process; another thread's may stand in between, or be taken from
+/// under a reader who doesn't ask for a copy. The last line is ours nearly always, and only ever read by
+/// people.
 QString takeVipsReason()
 {
-    const QStringList lines =
-        QString::fromUtf8(vips_error_buffer()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    vips_error_clear();
+    const std::unique_ptr<char, void (*)(void *)> messages(vips_error_buffer_copy(), g_free); // and clears
+    const QStringList lines = QString::fromUtf8(messages.get()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
         if (line->contains(QLatin1Char(':')))
             return line->trimmed();
