@@ -2,8 +2,11 @@
 
 #include "media/CountedBytes.h"
 #include "media/PictureFiles.h"
+#include "media/decoders/Jpeg2000Decoder.h"
 #include "media/decoders/JpegDecoder.h"
 #include "media/decoders/X3fDecoder.h"
+
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -88,6 +91,24 @@ TEST(DecodeLimits, aJpegInsideAnX3fMayHaveALongHeader)
     QString reason;
     EXPECT_TRUE(decodeX3f(MemoryBytes(PictureFiles::x3f({jpeg}, 0)), DecodeRequest(), reason))
         << qPrintable(reason);
+}
+
+TEST(DecodeLimits, aJpeg2000OfManyChannelsIsRefusedByItsHeader)
+{
+    QByteArray codestream = PictureFiles::vipsFile(PictureFiles::testPicture(64, 64), ".jp2");
+    codestream = codestream.mid(codestream.indexOf("\xff\x4f\xff\x51"));
+    QString reason;
+    ASSERT_TRUE(decodeJpeg2000(MemoryBytes(codestream), DecodeRequest(), reason)) << qPrintable(reason);
+
+    // The segment of sizes: its length, 34 bytes of sizes, the count of channels, three bytes for each.
+    constexpr qsizetype lengthAt = 4;
+    constexpr qsizetype countAt = 40;
+    constexpr int channels = 1000;
+    qToBigEndian(quint16(38 + 3 * channels), codestream.data() + lengthAt);
+    qToBigEndian(quint16(channels), codestream.data() + countAt);
+    codestream.insert(countAt + 2, QByteArray("\x07\x01\x01", 3).repeated(channels - 3));
+    EXPECT_FALSE(decodeJpeg2000(MemoryBytes(codestream), DecodeRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("1000 channels are too many"));
 }
 
 } // namespace Qorvane

@@ -31,8 +31,12 @@ using Codec = std::unique_ptr<opj_codec_t, DestroyCodec>;
 using Stream = std::unique_ptr<opj_stream_t, DestroyStream>;
 using Picture = std::unique_ptr<opj_image_t, DestroyImage>;
 
-// OpenJPEG holds each sample in four bytes, for up to four channels; decoding takes about as much again.
-constexpr qint64 bytesPerPixel = 32;
+// OpenJPEG holds each sample in four bytes; decoding takes about as much again.
+constexpr qint64 bytesPerSample = 8;
+// Four inks and an alpha. The format allows 16384, each as large as the picture.
+constexpr quint32 maximumChannels = 5;
+// What grey and colour alike are reckoned with, as the picture made of them takes memory too.
+constexpr qint64 minimumSamples = 4;
 // What the standard allows; a file says how many it really has only deep inside.
 constexpr int maximumHalvings = 32;
 constexpr char codestreamMark = '\xff';
@@ -189,12 +193,17 @@ Picture decode(const ByteSource &bytes, const DecodeRequest &request, int halvin
     Picture picture(read);
     if (!hasHeader || !picture || picture->numcomps == 0)
         return {};
+    if (picture->numcomps > maximumChannels) {
+        reason = QStringLiteral("%1 channels are too many").arg(picture->numcomps);
+        return {};
+    }
 
     const QSize size(int(picture->x1 - picture->x0), int(picture->y1 - picture->y0));
     if (!DecodeLimits::admits(size.width(), size.height(), DecodeLimits::maximumPixelsUnstoppable, reason))
         return {};
     const int useful = halvings < 0 ? usefulHalvings(size, request.boundedSize(size)) : halvings;
     const QSize reduced = halved(size, useful);
+    const qint64 bytesPerPixel = qMax(minimumSamples, qint64(picture->numcomps)) * bytesPerSample;
     if (!DecodeLimits::admits(reduced.width(), reduced.height(), DecodeLimits::maximumMemory / bytesPerPixel,
                               reason))
         return {};
