@@ -4,6 +4,7 @@
 #include "media/PictureFiles.h"
 #include "media/decoders/Jpeg2000Decoder.h"
 #include "media/decoders/JpegDecoder.h"
+#include "media/decoders/SoftimagePic.h"
 #include "media/decoders/X3fDecoder.h"
 
 #include <QtEndian>
@@ -109,6 +110,25 @@ TEST(DecodeLimits, aJpeg2000OfManyChannelsIsRefusedByItsHeader)
     codestream.insert(countAt + 2, QByteArray("\x07\x01\x01", 3).repeated(channels - 3));
     EXPECT_FALSE(decodeJpeg2000(MemoryBytes(codestream), DecodeRequest(), reason));
     EXPECT_EQ(reason, QStringLiteral("1000 channels are too many"));
+}
+
+TEST(DecodeLimits, aSoftimagePictureIsNotReadBeyondTheDeadline)
+{
+    const CountedBytes bytes(PictureFiles::softimagePic(PictureFiles::testPicture(400, 400)));
+    QString reason;
+    EXPECT_FALSE(decodeSoftimagePic(bytes, lateRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("decoding took too long"));
+    EXPECT_LT(bytes.readCount(), bytes.size() / 2);
+}
+
+TEST(DecodeLimits, aSoftimagePictureLeavesMemoryForItsReduction)
+{
+    QByteArray pic = PictureFiles::softimagePic(PictureFiles::testPicture(8, 8));
+    qToBigEndian(quint16(16'000), pic.data() + 92);
+    qToBigEndian(quint16(16'000), pic.data() + 94);
+    QString reason;
+    EXPECT_FALSE(decodeSoftimagePic(MemoryBytes(pic), DecodeRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("16000 x 16000 pixels are too many"));
 }
 
 } // namespace Qorvane

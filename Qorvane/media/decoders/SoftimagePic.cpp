@@ -66,6 +66,9 @@ private:
     bool m_isAtEnd = false;
 };
 
+// Four for the picture as it is read, and as much again for the channels and the result of reducing it.
+constexpr qint64 bytesPerPixel = 8;
+
 using Row = std::vector<std::array<uchar, 4>>;
 
 QList<Packet> readPackets(ByteStream &stream)
@@ -144,24 +147,29 @@ std::optional<QImage> decodeSoftimagePic(const ByteSource &bytes, const DecodeRe
     }
     const int width = qFromBigEndian<quint16>(header.constData() + widthOffset);
     const int height = qFromBigEndian<quint16>(header.constData() + heightOffset);
-    if (!DecodeLimits::admits(width, height, DecodeLimits::maximumPixelsInMemory, reason))
+    if (!DecodeLimits::admits(width, height, DecodeLimits::maximumMemory / bytesPerPixel, reason))
         return std::nullopt;
     ByteStream stream(bytes, packetsOffset);
     const QList<Packet> packets = readPackets(stream);
     bool hasAlpha = false;
     for (const Packet &packet : packets)
         hasAlpha = hasAlpha || packet.channels.contains(3);
-    QImage image(width, height, hasAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    QImage image(width, height, hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
     Row row(static_cast<size_t>(width));
     bool isWhole = !packets.isEmpty() && !image.isNull();
     for (int y = 0; y < height && isWhole; ++y) {
+        if (request.deadline.hasExpired()) {
+            reason = QStringLiteral("decoding took too long");
+            return std::nullopt;
+        }
         for (const Packet &packet : packets)
             isWhole = isWhole && readRow(stream, packet, row);
         auto *pixels = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (size_t x = 0; x < row.size(); ++x)
-            pixels[x] = qRgba(row[x][0], row[x][1], row[x][2], hasAlpha ? row[x][3] : 255);
+            pixels[x] = hasAlpha ? qPremultiply(qRgba(row[x][0], row[x][1], row[x][2], row[x][3]))
+                                 : qRgb(row[x][0], row[x][1], row[x][2]);
     }
-    if (!isWhole || request.deadline.hasExpired()) {
+    if (!isWhole) {
         reason = QStringLiteral("its data is damaged");
         return std::nullopt;
     }
