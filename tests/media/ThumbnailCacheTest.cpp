@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <thread>
 #include <utility>
@@ -199,12 +201,12 @@ TEST_F(ThumbnailCacheTest, doesNotDecodeACacheFileBeforeItIsDrawn)
 
 TEST_F(ThumbnailCacheTest, refusesVideosOnTheGuiThreadWithoutWaitingForAPlace)
 {
-    const FileUrl picture = written("a.jpg", jpegOf(plainPicture({1500, 1500}, Qt::red)));
+    const FileUrl picture = written("a.jpg", jpegOf(plainPicture({6000, 6000}, Qt::red)));
     const FileUrl video = fileNamed("b.mp4");
     std::atomic_bool isOver = false;
     std::atomic_int decodedCount = 0;
     std::vector<std::thread> threads;
-    // More than there are places, so that none is ever free for long.
+    // More than there are places, so that one that gets free is taken again at once.
     for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
         threads.emplace_back([&] {
             while (!isOver) {
@@ -213,18 +215,25 @@ TEST_F(ThumbnailCacheTest, refusesVideosOnTheGuiThreadWithoutWaitingForAPlace)
             }
         });
     }
-    while (decodedCount < 3)
-        std::this_thread::yield();
-    // Each wait for a place would let at least one of the others finish.
-    constexpr int calls = 60;
-    const int before = decodedCount;
-    for (int i = 0; i < calls; ++i)
+    // A wait for a place would be about as long as a decode, a refusal takes no time but what other programs
+    // take from it now and then: the call in the middle tells them apart.
+    std::vector<qint64> calls;
+    QElapsedTimer decodes;
+    decodes.start();
+    for (int i = 0; i < 15; ++i) {
+        for (const int before = decodedCount; decodedCount == before;)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        QElapsedTimer call;
+        call.start();
         EXPECT_FALSE(ThumbnailCache::generateVideoPreview(video));
-    const int during = decodedCount - before;
+        calls.push_back(call.nsecsElapsed());
+    }
+    const qint64 perDecode = decodes.nsecsElapsed() / decodedCount;
     isOver = true;
     for (std::thread &thread : threads)
         thread.join();
-    EXPECT_LT(during, calls / 3);
+    std::sort(calls.begin(), calls.end());
+    EXPECT_LT(calls[calls.size() / 2], perDecode / 10);
 }
 
 TEST_F(ThumbnailCacheTest, givesNoPictureForABrokenCacheFileForEver)
