@@ -62,6 +62,7 @@ QCoro::Task<> ChineseClipService::ensureModelsLoaded()
     if (m_modelsLoaded || m_isLoadingModels)
         co_return;
     const QPointer<ChineseClipService> self(this);
+    m_hasTriedLoading = true;
     setLoadingModels(true);
     co_await loadModels();
     if (self)

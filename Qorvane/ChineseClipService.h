@@ -41,6 +41,8 @@ public:
     /// Whether both encoders are there. Never becomes false again.
     bool modelsLoaded() const { return m_modelsLoaded; }
     bool isLoadingModels() const { return m_isLoadingModels; }
+    /// Whether a load was begun at any time, whatever came of it.
+    bool hasTriedLoading() const { return m_hasTriedLoading; }
     /// What similarities are multiplied by before the softmax.
     float logitScale() const { return m_logitScale; }
     /// What `extractFeatures` has embedded.
@@ -89,6 +91,7 @@ private:
     ImageFeatures m_imageFeatures;
     bool m_modelsLoaded = false;
     bool m_isLoadingModels = false;
+    bool m_hasTriedLoading = false;
     const float m_logitScale = defaultLogitScale;
 
     // Queries have threads of their own, so that none waits behind the pictures of an indexing run.

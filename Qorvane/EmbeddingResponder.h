@@ -3,6 +3,7 @@
 #include "platform/NotificationCenter.h"
 
 #include <QCoroTask>
+#include <QList>
 #include <QObject>
 
 namespace Qorvane {
@@ -11,7 +12,8 @@ class ChineseClipService;
 
 /// Answers "ComputeEmbeddingRequest" (media/EmbeddingMessages.h) with the encoders of a `ChineseClipService`,
 /// for as long as it lives. Without one nobody answers, and the requesting side gives up after its time.
-/// Lives on the GUI thread.
+/// The first request has the encoders loaded unless somebody has tried before; requests during a load are
+/// answered at its end, in their order. Lives on the GUI thread.
 class EmbeddingResponder : public QObject
 {
     Q_OBJECT
@@ -22,9 +24,12 @@ public:
     ~EmbeddingResponder() override;
 
 private:
+    void take(const Notification &request);
+    void answerWaiting();
     QCoro::Task<> answer(Notification request);
 
     ChineseClipService &m_service;
+    QList<Notification> m_waiting; ///< for the end of the load that is under way
     NotificationCenter::Token m_observation;
 };
 
