@@ -1,5 +1,6 @@
 #include "clip/MemorySearch.h"
 
+#include "platform/FixedDecimal.h"
 #include "platform/Log.h"
 #include "semantic/CosineSimilarity.h"
 #include "semantic/FeatureDiagnostics.h"
@@ -34,14 +35,9 @@ SearchCandidates compared(const ImageFeatures &features, const std::vector<float
     return candidates;
 }
 
-QString fixed(float value, int decimals)
-{
-    return QString::number(static_cast<double>(value), 'f', decimals);
-}
-
 QString probabilityText(const SearchResult &result)
 {
-    return fixed(result.probability.value_or(0), 3);
+    return fixedDecimal(double(result.probability.value_or(0)), 3);
 }
 
 void logResults(const SearchRanking &ranking, qsizetype pictureCount)
@@ -49,7 +45,8 @@ void logResults(const SearchRanking &ranking, qsizetype pictureCount)
     const auto shown = head(ranking.results, shownResults);
     QStringList summary;
     for (const SearchResult &result : shown)
-        summary.append(fixed(result.similarity, 4) + QStringLiteral("/p=") + probabilityText(result));
+        summary.append(fixedDecimal(double(result.similarity), 4) + QStringLiteral("/p=") +
+                       probabilityText(result));
 
     Log::line(QStringLiteral("🎯 搜索完成，共找到 %1 张图片").arg(pictureCount));
     Log::line(QStringLiteral("📊 过滤前结果数: %1, 过滤后结果数: %2 (阈值: 15%)")
@@ -60,7 +57,7 @@ void logResults(const SearchRanking &ranking, qsizetype pictureCount)
     for (size_t index = 0; index < shown.size(); ++index) {
         const SearchResult &result = shown[index];
         Log::line(QStringLiteral("🏆 #%1: ").arg(index + 1) + result.url.lastPathComponent() +
-                  QStringLiteral(" - ") + fixed(result.similarity, 4) + QStringLiteral(" (") +
+                  QStringLiteral(" - ") + fixedDecimal(double(result.similarity), 4) + QStringLiteral(" (") +
                   QString::number(truncatedPercentage(result.similarity)) + QStringLiteral("%) p=") +
                   probabilityText(result));
     }

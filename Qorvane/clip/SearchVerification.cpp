@@ -1,5 +1,6 @@
 #include "clip/SearchVerification.h"
 
+#include "platform/FixedDecimal.h"
 #include "semantic/CosineSimilarity.h"
 
 namespace Qorvane {
@@ -8,7 +9,7 @@ namespace {
 
 QString fourDecimals(float value)
 {
-    return QString::number(static_cast<double>(value), 'f', 4);
+    return fixedDecimal(double(value), 4);
 }
 
 } // namespace

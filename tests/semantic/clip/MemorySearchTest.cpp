@@ -105,6 +105,15 @@ TEST_F(MemorySearchTest, showsNoMoreThanFiveResults)
     EXPECT_TRUE(log.contains(QStringLiteral("📊 过滤前结果数: 8, 过滤后结果数: 8 (阈值: 15%)")));
 }
 
+TEST_F(MemorySearchTest, roundsHalvesToTheEvenDigit)
+{
+    const std::vector<float> text{1, 0};
+    const std::vector<std::vector<float>> vectors(16, {0.6f, 0.8f});
+    ASSERT_EQ(searchInMemory(featuresOf(vectors), text, 1, 100).value(0).probability, 0.0625f);
+    EXPECT_TRUE(log.contains(QStringLiteral("📈 前1个结果: [0.6000/p=0.062]")));
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("🏆 #1: ")).value(0).right(8), QStringLiteral(" p=0.062"));
+}
+
 TEST_F(MemorySearchTest, hasAnEmptyListOfResultsWithoutPictures)
 {
     EXPECT_TRUE(searchInMemory({}, {1, 0}, 20, 100).isEmpty());
