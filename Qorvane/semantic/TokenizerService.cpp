@@ -3,6 +3,7 @@
 #include "platform/Bundle.h"
 #include "platform/Characters.h"
 #include "platform/Log.h"
+#include "platform/WhiteSpace.h"
 #include "semantic/ChineseLocale.h"
 
 #include <algorithm>
@@ -26,16 +27,9 @@ TokenizerService::Mode modeOf(const TokenizerVocabulary &vocabulary)
     return isChinese ? TokenizerService::Mode::chineseClip : TokenizerService::Mode::openaiClip;
 }
 
-// Unicode's blanks and line ends, and the zero-width space, which is a blank to whoever pastes it.
-bool isBlank(QChar unit)
-{
-    constexpr char16_t zeroWidthSpace = 0x200B;
-    return unit.isSpace() || unit == zeroWidthSpace;
-}
-
 bool isBlank(QStringView text)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar unit) { return isBlank(unit); });
+    return std::all_of(text.begin(), text.end(), isWhiteSpace);
 }
 
 // Where each Unicode scalar begins, in UTF-16 units, and last the text's own length.
@@ -123,12 +117,12 @@ QStringList TokenizerService::tokenizeOpenAI(const QString &text) const
     QStringList tokens;
     for (qsizetype at = 0; at < lowered.size();) {
         // Every blank is a single UTF-16 unit, so words can be cut without looking at surrogates.
-        if (isBlank(lowered[at])) {
+        if (isWhiteSpace(lowered[at])) {
             ++at;
             continue;
         }
         qsizetype end = at;
-        while (end < lowered.size() && !isBlank(lowered[end]))
+        while (end < lowered.size() && !isWhiteSpace(lowered[end]))
             ++end;
         // "First" goes by the place in the whole text: behind leading blanks no word is.
         appendWord(QStringView(lowered).sliced(at, end - at), at == 0, tokens);

@@ -1,6 +1,7 @@
 #include "store/EmbeddingStore.h"
 
 #include "platform/Log.h"
+#include "platform/WhiteSpace.h"
 #include "store/ImageRemoval.h"
 #include "store/RowCounts.h"
 #include "store/StoreReports.h"
@@ -115,7 +116,7 @@ void EmbeddingStore::printStatistics()
 
 void EmbeddingStore::addTag(const QString &path, const QString &tag)
 {
-    const QString trimmed = tag.trimmed();
+    const QString trimmed = trimmedWhiteSpace(tag);
     if (!trimmed.isEmpty())
         onQueue([&] { m_tags.addTag(path, trimmed); });
 }
@@ -127,7 +128,7 @@ void EmbeddingStore::removeTag(const QString &path, const QString &tag)
 
 void EmbeddingStore::replaceTag(const QString &path, const QString &oldTag, const QString &newTag)
 {
-    const QString trimmed = newTag.trimmed();
+    const QString trimmed = trimmedWhiteSpace(newTag);
     if (!trimmed.isEmpty())
         onQueue([&] { m_tags.replaceTag(path, oldTag, trimmed); });
 }

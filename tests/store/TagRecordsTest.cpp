@@ -45,6 +45,18 @@ TEST_F(TagRecordsTest, tagsAreStoredTrimmedAndPathsUnchanged)
     EXPECT_EQ(rows(), QStringList({QStringLiteral(" /p/a.jpg |big cat")}));
 }
 
+TEST_F(TagRecordsTest, zeroWidthSpacesAreTrimmedToo)
+{
+    store.addTag(path, QStringLiteral("\u200b"));
+    EXPECT_EQ(rows(), QStringList());
+    store.addTag(path, QStringLiteral("\u200bcat \u200b"));
+    EXPECT_EQ(rows(), QStringList({QStringLiteral("/p/a.jpg|cat")}));
+    store.replaceTag(path, cat, QStringLiteral("\u200b"));
+    EXPECT_EQ(rows(), QStringList({QStringLiteral("/p/a.jpg|cat")}));
+    store.replaceTag(path, cat, QStringLiteral(" \u200bdog\u200b"));
+    EXPECT_EQ(rows(), QStringList({QStringLiteral("/p/a.jpg|dog")}));
+}
+
 TEST_F(TagRecordsTest, caseTellsTagsApart)
 {
     store.addTag(path, cat);
