@@ -8,8 +8,9 @@
 
 namespace Qorvane {
 
-/// Numbers as the log lines show them: the shortest digits that read back as the same number, and a fraction
-/// always, so that a float is told from an integer ("1.0"). Any thread.
+/// Numbers as the log lines show them: the shortest digits that read back as the same number. A float is told
+/// from an integer by its fraction ("1.0", "100000.0") or, below 0.0001 and above 2^24, by its exponent
+/// ("1e-05", "1e+08"). Any thread.
 QString numberText(float value);
 QString numberText(qint32 value);
 

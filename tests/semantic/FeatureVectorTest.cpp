@@ -61,6 +61,15 @@ TEST(NumberText, isTheShortestThatReadsBackTheSame)
     EXPECT_EQ(numberText(0.1f), QStringLiteral("0.1"));
     EXPECT_EQ(numberText(1.0f), QStringLiteral("1.0"));
     EXPECT_EQ(numberText(-2.5e-20f), QStringLiteral("-2.5e-20"));
+    EXPECT_EQ(numberText(0.0f), QStringLiteral("0.0"));
+    EXPECT_EQ(numberText(0.0001f), QStringLiteral("0.0001"));
+    EXPECT_EQ(numberText(-0.00012345678f), QStringLiteral("-0.00012345678"));
+    EXPECT_EQ(numberText(0.00001f), QStringLiteral("1e-05"));
+    EXPECT_EQ(numberText(100000.0f), QStringLiteral("100000.0"));
+    EXPECT_EQ(numberText(-16777216.0f), QStringLiteral("-16777216.0"));
+    EXPECT_EQ(numberText(16777218.0f), QStringLiteral("1.6777218e+07"));
+    EXPECT_EQ(numberText(1e16f), QStringLiteral("1e+16"));
+    EXPECT_EQ(numberText(notANumber), QStringLiteral("nan"));
     EXPECT_EQ(numberText(infinity), QStringLiteral("inf"));
     EXPECT_EQ(numberText(7), QStringLiteral("7"));
 }
