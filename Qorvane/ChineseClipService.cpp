@@ -134,23 +134,27 @@ QCoro::Task<> ChineseClipService::extractFeatures(QList<FileUrl> urls)
         co_return;
     Log::line(QStringLiteral("🔄 开始为 %1 张图片提取特征...").arg(urls.size()));
     for (const FileUrl &url : urls) {
-        const QFuture<std::optional<Image>> fetching =
-            m_pictures.run([url] { return embeddingPicture(url); });
-        const std::optional<Image> picture = co_await fetching;
-        if (!self)
-            co_return;
-        const QString name = url.lastPathComponent();
-        const auto features = co_await extractImageFeatures(picture.value_or(Image()), name);
+        const auto features = co_await extractFileFeatures(url);
         if (!self)
             co_return;
         if (!features) {
-            Log::line(QStringLiteral("❌ 处理失败: ") + name);
+            Log::line(QStringLiteral("❌ 处理失败: ") + url.lastPathComponent());
             continue;
         }
         m_imageFeatures.insert(url, {.features = *features, .l2Norm = l2Norm(*features)});
         Q_EMIT imageFeaturesChanged();
     }
     Log::line(QStringLiteral("🎯 Feature extraction completed for %1 images").arg(m_imageFeatures.size()));
+}
+
+QCoro::Task<std::optional<std::vector<float>>> ChineseClipService::extractFileFeatures(FileUrl url)
+{
+    const QPointer<ChineseClipService> self(this);
+    const QFuture<std::optional<Image>> fetching = m_pictures.run([url] { return embeddingPicture(url); });
+    const std::optional<Image> picture = co_await fetching;
+    if (!self || !picture)
+        co_return std::nullopt;
+    co_return co_await extractImageFeatures(*picture, url.lastPathComponent());
 }
 
 QCoro::Task<QList<SearchResult>> ChineseClipService::searchWithDatabase(QString query, QList<FileUrl> scope,
@@ -189,14 +193,7 @@ QCoro::Task<> ChineseClipService::verifyCandidates(SharedCandidates candidates, 
     Log::line(QStringLiteral("🧪 校验：对比 DB 相似度 与 实时重算相似度（候选<=10）"));
     for (size_t index = 0; index < candidates->size(); ++index) {
         const FileUrl url = candidates->url(index);
-        const QFuture<std::optional<Image>> fetching =
-            m_pictures.run([url] { return embeddingPicture(url); });
-        const std::optional<Image> picture = co_await fetching;
-        if (!self)
-            co_return;
-        if (!picture)
-            continue;
-        const auto features = co_await extractImageFeatures(*picture, url.lastPathComponent());
+        const auto features = co_await extractFileFeatures(url);
         if (!self)
             co_return;
         if (features)

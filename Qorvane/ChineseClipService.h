@@ -85,6 +85,8 @@ private:
     QCoro::Task<> loadModels();
     void setModelsLoaded();
     void setLoadingModels(bool isLoading);
+    // Nothing, and no word of it, when there is no picture to be had.
+    QCoro::Task<std::optional<std::vector<float>>> extractFileFeatures(FileUrl url);
     QCoro::Task<> verifyCandidates(SharedCandidates candidates, std::vector<float> textVector);
 
     EncoderPair m_encoders;
