@@ -15,6 +15,7 @@ namespace Qorvane {
 namespace {
 
 constexpr char libraryName[] = "libonnxruntime.so.1";
+constexpr char telemetryVariable[] = "ORT_DISABLE_TELEMETRY";
 
 // The newest release this program was tried with. Distributions put the minor number into the library's name,
 // so the system's own is asked for by each in turn, newest first.
@@ -61,8 +62,9 @@ const OnnxRuntime *OnnxRuntime::shared(QString *error)
         return state.runtime;
 
     // Later releases than the one we ship carry a telemetry client, which this keeps quiet when set before
-    // the environment is made.
-    qputenv("ORT_DISABLE_TELEMETRY", "1");
+    // the environment is made. No more often than needed: other threads may be reading the variables.
+    if (!qEnvironmentVariableIsSet(telemetryVariable))
+        qputenv(telemetryVariable, "1");
     QStringList reasons;
     for (const QString &candidate : state.candidates.value_or(libraryCandidates())) {
         QString reason;

@@ -15,6 +15,17 @@ TEST(MissingRuntime, isNotTakenFromALibraryWithoutItsCalls)
     EXPECT_TRUE(error.contains(QStringLiteral("libz.so.1"))) << qPrintable(error);
 }
 
+TEST(MissingRuntime, leavesAVariableThatIsSetAsItIs)
+{
+    OnnxRuntime::useLibraries({QStringLiteral("/no/such/libonnxruntime.so.1")});
+    qputenv("ORT_DISABLE_TELEMETRY", "true");
+    EXPECT_EQ(OnnxRuntime::shared(), nullptr);
+    EXPECT_EQ(qgetenv("ORT_DISABLE_TELEMETRY"), QByteArray("true"));
+    qunsetenv("ORT_DISABLE_TELEMETRY");
+    EXPECT_EQ(OnnxRuntime::shared(), nullptr);
+    EXPECT_EQ(qgetenv("ORT_DISABLE_TELEMETRY"), QByteArray("1"));
+}
+
 TEST(MissingRuntime, isToldInASentenceAndLookedForAgainLater)
 {
     OnnxRuntime::useLibraries({QStringLiteral("/no/such/libonnxruntime.so.1")});
