@@ -34,12 +34,17 @@ public:
     template <typename Work>
     auto run(Work work) -> QFuture<std::invoke_result_t<Work>>
     {
-        return QtConcurrent::run(&m_pool, [this, work = std::move(work)]() -> std::invoke_result_t<Work> {
-            if (m_isEnding)
-                return {};
-            applyToCurrentThread(m_quality);
-            return work();
+        using Result = std::invoke_result_t<Work>;
+        QFuture<Result> future;
+        withFullWeight([&] {
+            future = QtConcurrent::run(&m_pool, [this, work = std::move(work)]() -> Result {
+                if (m_isEnding)
+                    return {};
+                applyToCurrentThread(m_quality);
+                return work();
+            });
         });
+        return future;
     }
 
 private:
