@@ -235,6 +235,27 @@ TEST_F(StoreRecoveryTest, deletingPathsEndsWhenAPreparationRecovers)
                   recoveryLines());
 }
 
+TEST_F(StoreRecoveryTest, deletingPathsRecoversWhenTheTagsOrRatingsCannotBePrepared)
+{
+    EmbeddingStore store;
+    store.setRating(path, 1);
+    changeSchema(store,
+                 "CREATE TRIGGER t BEFORE DELETE ON image_tags BEGIN INSERT INTO malformed VALUES(1); END;");
+    store.deletePaths({path});
+    // The ratings aren't come to any more: the new database has none, nor has it a line.
+    EXPECT_EQ(log.lines(),
+              QStringList({QStringLiteral("❌ delete tags prepare error: no such table: main.malformed")}) +
+                  recoveryLines());
+
+    QFile::remove(backupPath());
+    changeSchema(
+        store, "CREATE TRIGGER t BEFORE DELETE ON image_ratings BEGIN INSERT INTO malformed VALUES(1); END;");
+    store.deletePaths({path});
+    EXPECT_EQ(log.lines(),
+              QStringList({QStringLiteral("❌ delete ratings prepare error: no such table: main.malformed")}) +
+                  recoveryLines());
+}
+
 TEST_F(StoreRecoveryTest, deletingPathsRecoversForTagsAndRatingsToo)
 {
     EmbeddingStore store;
@@ -295,6 +316,20 @@ TEST_F(StoreRecoveryTest, deletingAFoldersTagsRecoversWithoutAnnouncement)
                                         QStringLiteral("ℹ️ 没有找到需要删除的记录"),
                                         QStringLiteral("❌ delete tags step error: malformed")}) +
                                recoveryLines() + QStringList({QStringLiteral("✅ 成功删除 0 条评级记录")}));
+}
+
+TEST_F(StoreRecoveryTest, deletingAFoldersRatingsRecoversWithoutAnnouncement)
+{
+    EmbeddingStore store;
+    store.setRating(path, 1);
+    changeSchema(store, failing("DELETE", "image_ratings", "malformed"));
+    store.deleteFolder(QStringLiteral("/p"));
+    EXPECT_EQ(log.lines(), QStringList({QStringLiteral("🗑️ 开始删除文件夹记录: /p"),
+                                        QStringLiteral("📊 找到 0 条记录需要删除"),
+                                        QStringLiteral("ℹ️ 没有找到需要删除的记录"),
+                                        QStringLiteral("✅ 成功删除 0 条标签记录"),
+                                        QStringLiteral("❌ delete ratings step error: malformed")}) +
+                               recoveryLines());
 }
 
 TEST_F(StoreRecoveryTest, twoRecoveriesInOneOperationLeaveNoConnectionBehind)
