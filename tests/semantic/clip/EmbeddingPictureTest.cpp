@@ -1,6 +1,8 @@
 #include "clip/EmbeddingPicture.h"
 
 #include "clip/ClipTest.h"
+#include "media/ImageSource.h"
+#include "media/PictureFiles.h"
 #include "media/ThumbnailPaths.h"
 
 #include <QColor>
@@ -39,6 +41,24 @@ TEST_F(EmbeddingPictureTest, isMadeAndStoredWhenThereIsNone)
     EXPECT_EQ(picture->size(), QSize(800, 450));
     const QImage stored(thumbnailURL(file)->path(), "JPG");
     EXPECT_EQ(stored.size(), QSize(800, 450));
+}
+
+TEST_F(EmbeddingPictureTest, isMadeWithoutTurningItByItsOrientation)
+{
+    constexpr int turnedRight = 6; // as EXIF counts
+    const FileUrl file = url(QStringLiteral("turned.jpg"));
+    QFile original(file.path());
+    ASSERT_TRUE(original.open(QIODevice::WriteOnly));
+    original.write(
+        PictureFiles::withExif(PictureFiles::jpeg(plainPicture(Qt::green, {160, 90})), {}, turnedRight));
+    original.close();
+    const auto source = ImageSource::open(file.path());
+    ASSERT_TRUE(source);
+    ASSERT_EQ(source->orientation(), turnedRight);
+    const auto picture = makeThumbnail(file);
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture->size(), QSize(160, 90));
+    EXPECT_EQ(QImage(thumbnailURL(file)->path(), "JPG").size(), QSize(160, 90));
 }
 
 TEST_F(EmbeddingPictureTest, isMadeAnewWhenTheThumbnailDoesNotLoad)
