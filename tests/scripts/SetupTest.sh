@@ -38,6 +38,17 @@ if [[ $(dependencies "$list") != $'g++\ncmake\na | b (<< 1)' ]]; then
     failures=$((failures + 1))
 fi
 
+# Every QML module that the window imports is installed by ./run alone.
+imported=$(grep -rhoP --include='*.qml' '^import \KQt[\w.]*' Qorvane | sort -u)
+[[ $imported == *QtQuick.Dialogs* ]] || { printf 'FAILED: the imports were not found\n' && failures=$((failures + 1)); }
+for module in $imported; do
+    package=qml6-module-$(tr '[:upper:].' '[:lower:]-' <<<"$module")
+    if ! dependencies scripts/packages-run.txt | grep -qx "$package"; then
+        printf 'FAILED: %s is not in scripts/packages-run.txt\n' "$package"
+        failures=$((failures + 1))
+    fi
+done
+
 # A complete machine: apt must not be asked at all.
 apt_get() {
     printf 'FAILED: apt-get was called although nothing is missing\n'

@@ -25,6 +25,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
 
@@ -171,6 +172,18 @@ TEST_F(ContentViewTest, anEmptyLibraryLeadsToItsFirstFolder)
 {
     EXPECT_TRUE(item("nothingSelectedPage")->isVisible());
     EXPECT_TRUE(item("firstFolderButton")->isVisible());
+}
+
+TEST_F(ContentViewTest, withoutAPanelOfTheDesktopTheToolkitsOwnDialogOpens)
+{
+    const auto opensDialog = [](const QObject *object) {
+        return object->inherits("QQuickFolderDialog") && object->property("visible").toBool();
+    };
+    Q_EMIT state.folderPanelUnavailable();
+    EXPECT_TRUE(
+        waitUntil([&] { return std::ranges::any_of(window->findChildren<QObject *>(), opensDialog); }));
+    // What it draws comes from modules of their own, which may be missing where the dialog's isn't.
+    waitForFrame();
 }
 
 TEST_F(ContentViewTest, anAddedFolderGetsARowAndShowsItsPhotographs)
