@@ -17,6 +17,9 @@ fail() {
 # The dependency lines of the given lists, without comments and blank lines.
 dependencies() { sed -e 's/#.*//' -e 's/[[:space:]]*$//' -e '/^$/d' "$@"; }
 
+# Dependency lines as people read them: the first name of each, all in one line.
+package_names() { printf '%s\n' "$@" | sed 's/ .*//' | paste -s -d ' '; }
+
 # Reads what dpkg knows of every package named in the given dependency lines into installed_version, in one call.
 declare -A installed_version=()
 read_installed_packages() {
@@ -69,7 +72,7 @@ install_missing_packages() {
     command -v npm >/dev/null || lines+=(npm)
     if ! command -v apt-get >/dev/null; then
         say "This machine has no apt-get. Qorvane needs the counterparts of these Debian packages:"
-        printf '      %s\n' "${lines[@]}"
+        package_names "${lines[@]}" | fold -s -w 100 | sed -e 's/^/      /' -e 's/ $//'
         return
     fi
     read_installed_packages "${lines[@]}"
@@ -82,8 +85,8 @@ install_missing_packages() {
         fail "packages are missing, and there is neither root nor sudo to install them. As root:
     apt-get satisfy --no-install-recommends$(printf " '%s'" "${missing[@]}")"
     fi
-    say "Installing what is missing (details in $setup_log):"
-    printf '      %s\n' "${missing[@]}"
+    say "Installing what is missing. This may take some minutes (details in $setup_log):"
+    package_names "${missing[@]}" | fold -s -w 100 | sed -e 's/^/      /' -e 's/ $//'
     # A source that doesn't answer is no reason to stop: what is needed may be known already.
     apt_get update >>"$setup_log" 2>&1 </dev/null || say "apt-get update had troubles; going on with what is known."
     logged apt_get satisfy --no-install-recommends "${missing[@]}"
@@ -99,12 +102,13 @@ fetch_runtime() {
 # configure PRESET [CMAKE-OPTION...]: only when there is no configuration or the presets changed; the build itself
 # notices every other change.
 configure() {
-    local preset=$1 cache=build/$1/CMakeCache.txt
+    # A file of our own: the build takes every touch of CMake's as a reason to configure once more.
+    local preset=$1 stamp=build/$1/configured
     shift
-    if [[ ! -f build/$preset/build.ninja || CMakePresets.json -nt $cache ]]; then
+    if [[ ! -f build/$preset/build.ninja || CMakePresets.json -nt $stamp ]]; then
         say "Configuring ($preset)"
         logged cmake --preset "$preset" "$@"
-        touch "$cache"
+        touch "$stamp"
     fi
 }
 
