@@ -3,15 +3,18 @@
 #include <QBuffer>
 #include <QDir>
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
 
+#include <chrono>
+#include <ctime>
 #include <memory>
+#include <optional>
 #include <random>
 
 using namespace Qorvane;
@@ -24,6 +27,34 @@ int countFrom(const char *variable, int fallback)
     bool isNumber = false;
     const int count = qEnvironmentVariableIntValue(variable, &isNumber);
     return isNumber && count > 0 ? count : fallback;
+}
+
+// Moments of a run are told in the processor time that it has used: on a busy machine the clock on the wall
+// says nothing of how far it has come.
+using ProcessorTime = std::chrono::nanoseconds;
+
+ProcessorTime processorTimeOf(const timespec &time)
+{
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+/// Of a process that is running; none once it is gone.
+std::optional<ProcessorTime> processorTimeOf(const QProcess &process)
+{
+    clockid_t clock = 0;
+    timespec time = {};
+    if (clock_getcpuclockid(pid_t(process.processId()), &clock) != 0 || clock_gettime(clock, &time) != 0)
+        return {};
+    return processorTimeOf(time);
+}
+
+/// Of all the processes that this one has started and seen the end of.
+ProcessorTime processorTimeOfChildren()
+{
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return std::chrono::seconds(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           std::chrono::microseconds(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
 }
 
 struct DatabaseCloser
@@ -88,24 +119,25 @@ protected:
 
     QStringList indexing() const { return {QStringLiteral("index"), m_home.photographs()}; }
 
-    /// Milliseconds of an undisturbed run.
-    qint64 measureRun() const
+    /// What an undisturbed run costs.
+    ProcessorTime measureRun() const
     {
-        QElapsedTimer timer;
-        timer.start();
+        const ProcessorTime before = processorTimeOfChildren();
         expectCompleteRun();
-        return timer.elapsed();
+        return processorTimeOfChildren() - before;
     }
 
-    /// Whether the run was still at work when its time was up.
-    bool runAndKillAfter(int milliseconds) const
+    /// Whether the run was still at work when it had used as much as `moment`.
+    bool runAndKillAfter(ProcessorTime moment) const
     {
         const std::unique_ptr<QProcess> process = m_home.start(indexing());
-        if (process->waitForFinished(milliseconds))
-            return false;
+        while (processorTimeOf(*process).value_or(moment) < moment) {
+            if (process->waitForFinished(1))
+                return false;
+        }
         process->kill(); // SIGKILL: nothing in the process hears of it
         process->waitForFinished();
-        return true;
+        return process->exitStatus() == QProcess::CrashExit;
     }
 
     void expectNothingBroken() const
@@ -151,7 +183,7 @@ protected:
 
 TEST_F(KillTest, LosesNothingButTheWorkInHand)
 {
-    const qint64 wholeRun = measureRun();
+    const ProcessorTime wholeRun = measureRun();
     expectNothingBroken();
 
     // One moment in each of as many equal parts of the run: spread for certain, yet none chosen by us.
@@ -161,13 +193,13 @@ TEST_F(KillTest, LosesNothingButTheWorkInHand)
     for (int round = 0; round < m_kills; ++round) {
         SCOPED_TRACE(testing::Message() << "round " << round);
         m_home.forgetLibrary();
-        const double moment = (round + within(random)) / m_kills * double(wholeRun);
-        killed += runAndKillAfter(int(moment)) ? 1 : 0;
+        const double share = (round + within(random)) / m_kills;
+        killed += runAndKillAfter(std::chrono::duration_cast<ProcessorTime>(share * wholeRun)) ? 1 : 0;
         expectNothingBroken();
         expectCompleteRun();
         expectNothingBroken();
     }
-    // Runs differ in length, so that a late moment may come too late; most must not.
+    // Runs differ in what they cost, so that a late moment may come too late; most must not.
     EXPECT_GE(killed, m_kills / 2);
     RecordProperty("killed", killed);
 }
