@@ -56,4 +56,17 @@ std::optional<FileUrl> FolderBookmarks::resolve(const QByteArray &bookmark) cons
     return url && Bookmark::startAccessing(*url) ? url : std::nullopt;
 }
 
+std::optional<QList<FileUrl>> FolderBookmarks::resolveStored() const
+{
+    const std::optional<QList<QByteArray>> bookmarks = stored();
+    if (!bookmarks)
+        return std::nullopt;
+    QList<FileUrl> urls;
+    for (const QByteArray &bookmark : *bookmarks) {
+        if (const std::optional<FileUrl> url = resolve(bookmark))
+            urls.append(*url);
+    }
+    return urls;
+}
+
 } // namespace Qorvane

@@ -27,6 +27,9 @@ public:
     /// The folder behind `bookmark`. Nothing, with a line, when it can't be resolved, and without one when it
     /// may not be read. Asks the disk.
     std::optional<FileUrl> resolve(const QByteArray &bookmark) const;
+    /// The folders behind all stored bookmarks, without those that `resolve` to nothing; nothing when there
+    /// is no list. Asks the disk.
+    std::optional<QList<FileUrl>> resolveStored() const;
 
 private:
     FolderBookmarks(QString key, QString saveFailure, QString resolveFailure);

@@ -1,5 +1,6 @@
 #include "library/FolderLibrary.h"
 
+#include "library/DeferredWrites.h"
 #include "library/FolderBookmarks.h"
 #include "library/FolderTree.h"
 #include "library/LibrarySnapshot.h"
@@ -52,58 +53,46 @@ void FolderLibrary::addFolder(const FileUrl &url)
     // path: as a root it would own the whole library.
     if (!url.path().startsWith(u'/'))
         return;
-    inOrder([this, url] { readTree(url); });
+    m_rootChanges.perform([this, url] { readTree(url); });
 }
 
 void FolderLibrary::removeFolderFromLibrary(const Folder &folder)
 {
-    inOrder([this, folder] { remove(folder); });
-}
-
-void FolderLibrary::inOrder(Change change)
-{
-    if (m_isReadingTree)
-        m_waiting.push_back(std::move(change));
-    else
-        change();
+    m_rootChanges.perform([this, folder] { remove(folder); });
 }
 
 void FolderLibrary::readTree(const FileUrl &url)
 {
-    m_isReadingTree = true;
+    m_rootChanges.hold();
     GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), url] {
         MainQueue::async([self, folder = FolderTree::buildFolderHierarchy(url)] {
             if (self)
-                self->finishReading(folder);
+                self->adopt(folder);
         });
     });
-}
-
-void FolderLibrary::finishReading(const Folder &folder)
-{
-    m_isReadingTree = false;
-    adopt(folder);
-    while (!m_waiting.empty() && !m_isReadingTree) {
-        const Change change = std::move(m_waiting.front());
-        m_waiting.pop_front();
-        change();
-    }
 }
 
 void FolderLibrary::adopt(const Folder &folder)
 {
     QList<Folder> roots = m_state.libraryFolders();
-    if (std::ranges::any_of(roots, [&](const Folder &root) { return root.url == folder.url; }))
+    if (std::ranges::any_of(roots, [&](const Folder &root) { return root.url == folder.url; })) {
+        m_rootChanges.release();
         return;
+    }
     const bool isFirst = roots.isEmpty();
     roots.append(folder);
     m_state.publishLibraryFolders(roots);
-    saveBookmarks();
+    saveBookmarks([this, folder, isFirst] { finishAdoption(folder, isFirst); });
+}
+
+void FolderLibrary::finishAdoption(const Folder &folder, bool isFirst)
+{
     if (isFirst)
         m_surroundings.selection.selectFolder(folder);
     m_surroundings.reports->setProcessing(folder.url.path(), FolderProcessingState::thumbnails, 0,
                                           localized("准备生成缩略图..."));
     processAdopted(folder.url);
+    m_rootChanges.release();
 }
 
 void FolderLibrary::processAdopted(const FileUrl &url)
@@ -160,16 +149,19 @@ void FolderLibrary::scheduleRecordDeletion(const QString &path)
 
 void FolderLibrary::addToFavorites(const Folder &folder)
 {
-    QList<Folder> favorites = m_state.favoriteFolders();
-    if (containsFolder(favorites, folder))
-        return;
-    favorites.append(folder);
-    publishFavorites(favorites);
+    m_favoriteChanges.perform([this, folder] {
+        QList<Folder> favorites = m_state.favoriteFolders();
+        if (containsFolder(favorites, folder))
+            return;
+        favorites.append(folder);
+        publishFavorites(favorites);
+    });
 }
 
 void FolderLibrary::removeFromFavorites(const Folder &folder)
 {
-    publishFavorites(without(m_state.favoriteFolders(), folder));
+    m_favoriteChanges.perform(
+        [this, folder] { publishFavorites(without(m_state.favoriteFolders(), folder)); });
 }
 
 void FolderLibrary::publishFavorites(const QList<Folder> &favorites)
@@ -180,56 +172,83 @@ void FolderLibrary::publishFavorites(const QList<Folder> &favorites)
     saveFavoriteBookmarks();
 }
 
-void FolderLibrary::saveBookmarks() const
+void FolderLibrary::saveBookmarks()
 {
-    FolderBookmarks::library().save(m_state.libraryFolders());
+    m_surroundings.bookmarkWrites->perform(
+        [roots = m_state.libraryFolders()] { FolderBookmarks::library().save(roots); });
 }
 
-void FolderLibrary::saveFavoriteBookmarks() const
+void FolderLibrary::saveBookmarks(const Change &then)
 {
-    FolderBookmarks::favorites().save(m_state.favoriteFolders());
+    const Change once = [isDone = std::make_shared<bool>(false), then] {
+        if (!std::exchange(*isDone, true))
+            then();
+    };
+    m_surroundings.bookmarkWrites->perform(
+        [roots = m_state.libraryFolders()] { FolderBookmarks::library().save(roots); }, this, once);
+    MainQueue::after(m_surroundings.timings.bookmarkPatience, [self = QPointer(this), once] {
+        if (self)
+            once();
+    });
 }
 
-void FolderLibrary::loadBookmarks(std::function<void()> completion)
+void FolderLibrary::saveFavoriteBookmarks()
 {
-    const std::optional<QList<QByteArray>> stored = FolderBookmarks::library().stored();
-    if (!stored)
-        return;
-    GlobalQueue::async(QualityOfService::userInitiated,
-                       [self = QPointer(this), weak = std::weak_ptr(m_surroundings.snapshot),
-                        bookmarks = *stored, completion = std::move(completion)] {
-                           if (weak.expired())
-                               return;
-                           QList<Folder> roots;
-                           for (const QByteArray &bookmark : bookmarks) {
-                               if (const auto url = FolderBookmarks::library().resolve(bookmark))
-                                   roots.append(FolderTree::buildFolderHierarchy(*url));
-                           }
-                           MainQueue::async([self, roots, completion] {
-                               if (!self)
-                                   return;
-                               self->m_state.publishLibraryFolders(roots);
-                               // What couldn't be reached at this start is thereby forgotten, by design.
-                               self->saveBookmarks();
-                               if (completion)
-                                   completion();
-                           });
-                       });
+    m_surroundings.bookmarkWrites->perform(
+        [favorites = m_state.favoriteFolders()] { FolderBookmarks::favorites().save(favorites); });
+}
+
+void FolderLibrary::loadBookmarks(Change completion)
+{
+    const auto publish = [self = QPointer(this),
+                          completion = std::move(completion)](const QList<Folder> &roots) {
+        if (!self)
+            return;
+        self->m_state.publishLibraryFolders(roots);
+        // What couldn't be reached at this start is thereby forgotten, by design.
+        if (completion)
+            self->saveBookmarks(completion);
+        else
+            self->saveBookmarks();
+    };
+    const auto resolve = [publish,
+                          weak = std::weak_ptr(m_surroundings.snapshot)](const QList<QByteArray> &bookmarks) {
+        if (weak.expired())
+            return;
+        QList<Folder> roots;
+        for (const QByteArray &bookmark : bookmarks) {
+            if (const auto url = FolderBookmarks::library().resolve(bookmark))
+                roots.append(FolderTree::buildFolderHierarchy(*url));
+        }
+        MainQueue::async([publish, roots] { publish(roots); });
+    };
+    // Read behind the saves that were asked for before, but not resolved there: that may take long.
+    m_surroundings.bookmarkWrites->perform([resolve] {
+        if (const std::optional<QList<QByteArray>> stored = FolderBookmarks::library().stored())
+            GlobalQueue::async(QualityOfService::userInitiated, [resolve, stored] { resolve(*stored); });
+    });
 }
 
 void FolderLibrary::loadFavoriteBookmarks()
 {
-    const FolderBookmarks bookmarks = FolderBookmarks::favorites();
-    const std::optional<QList<QByteArray>> stored = bookmarks.stored();
-    if (!stored)
-        return;
+    m_favoriteChanges.perform([this] {
+        m_favoriteChanges.hold();
+        const auto urls = std::make_shared<std::optional<QList<FileUrl>>>();
+        const auto read = [urls] { *urls = FolderBookmarks::favorites().resolveStored(); };
+        m_surroundings.bookmarkWrites->perform(read, this, [this, urls] {
+            if (*urls)
+                publishLoadedFavorites(**urls);
+            m_favoriteChanges.release();
+        });
+    });
+}
+
+void FolderLibrary::publishLoadedFavorites(const QList<FileUrl> &urls)
+{
     QList<Folder> favorites;
-    for (const QByteArray &bookmark : *stored) {
-        const std::optional<FileUrl> url = bookmarks.resolve(bookmark);
-        if (!url)
-            continue;
-        const std::optional<Folder> known = FolderTree::findFolder(*url, m_state.libraryFolders());
-        favorites.append(known.value_or(Folder{*url, std::nullopt}));
+    for (const FileUrl &url : urls) {
+        const std::optional<Folder> known = FolderTree::findFolder(url, m_state.libraryFolders());
+        favorites.append(known.value_or(Folder{url, std::nullopt}));
     }
     m_state.publishFavoriteFolders(favorites);
     saveFavoriteBookmarks();

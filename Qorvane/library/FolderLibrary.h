@@ -1,24 +1,26 @@
 #pragma once
 
+#include "library/ChangeLine.h"
 #include "library/Folder.h"
 #include "library/LibraryTimings.h"
 
 #include <QObject>
 
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
 
 namespace Qorvane {
 
+class DeferredWrites;
 class LibrarySnapshot;
 class LibraryState;
 class ProcessingPipeline;
 class ProcessingReports;
 class SelectionRules;
 
-/// The roots of the library and the favourites: added, removed, stored, found. GUI thread.
+/// The roots of the library and the favourites: added, removed, stored, found. GUI thread; what asks the disk
+/// does so in the background, and what follows it comes when it has answered.
 class FolderLibrary : public QObject
 {
     Q_OBJECT
@@ -31,6 +33,8 @@ public:
         std::shared_ptr<ProcessingReports> reports;
         ProcessingPipeline &pipeline;
         SelectionRules &selection;
+        /// Where bookmarks are saved and read, and nothing else is.
+        std::shared_ptr<DeferredWrites> bookmarkWrites;
         LibraryTimings timings;
     };
 
@@ -41,30 +45,32 @@ public:
     void removeFolderFromLibrary(const Folder &folder);
     void addToFavorites(const Folder &folder);
     void removeFromFavorites(const Folder &folder);
-    void saveBookmarks() const;
-    void saveFavoriteBookmarks() const;
+    void saveBookmarks();
+    void saveFavoriteBookmarks();
     void loadBookmarks(std::function<void()> completion);
     void loadFavoriteBookmarks();
     std::optional<Folder> folderForSidebarSelection(const std::optional<QString> &selection) const;
     std::optional<Folder> folderWithAbsoluteString(const QString &text) const;
 
 private:
-    using Change = std::function<void()>;
+    using Change = ChangeLine::Change;
 
-    /// Makes `change` now, or after the folder whose tree is being read and what waits behind it.
-    void inOrder(Change change);
     void readTree(const FileUrl &url);
-    void finishReading(const Folder &folder);
     void adopt(const Folder &folder);
+    void finishAdoption(const Folder &folder, bool isFirst);
     void processAdopted(const FileUrl &url);
     void remove(const Folder &folder);
     void scheduleRecordDeletion(const QString &path);
     void publishFavorites(const QList<Folder> &favorites);
+    void publishLoadedFavorites(const QList<FileUrl> &urls);
+    /// Saves, then goes on with `then`: with what comes after a save in the order of things. That waits for
+    /// the save only so long (LibraryTimings), since the disk of one root may have stopped answering.
+    void saveBookmarks(const Change &then);
 
     const Surroundings m_surroundings;
     LibraryState &m_state;
-    std::deque<Change> m_waiting;
-    bool m_isReadingTree = false;
+    ChangeLine m_rootChanges;
+    ChangeLine m_favoriteChanges;
 };
 
 } // namespace Qorvane

@@ -13,6 +13,9 @@ struct LibraryTimings
     double untilDeletionCheck = 0.5;
     /// How long a run waits for one embedding before it counts the file as failed.
     double embeddingTimeout = 10.0;
+    /// How long what follows a save of the bookmarks waits for it. Only a disk that has stopped answering
+    /// takes longer, and that is no reason to leave a new folder unprocessed.
+    double bookmarkPatience = 2.0;
 
     friend bool operator==(const LibraryTimings &, const LibraryTimings &) = default;
 };

@@ -1,5 +1,6 @@
 #include "library/MediaList.h"
 
+#include "library/DeferredWrites.h"
 #include "library/LibrarySnapshot.h"
 #include "library/LibraryState.h"
 #include "library/MediaListing.h"
@@ -81,11 +82,20 @@ QHash<QString, QList<FileUrl>> filesByRoot(const QList<FileUrl> &files, const QL
 } // namespace
 
 MediaList::MediaList(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
-                     ProcessingPipeline &pipeline)
+                     const std::shared_ptr<DeferredWrites> &edits, ProcessingPipeline &pipeline)
     : m_state(state)
     , m_snapshot(snapshot)
+    , m_edits(edits)
     , m_pipeline(pipeline)
 {
+}
+
+void MediaList::inBackground(std::function<void()> work)
+{
+    GlobalQueue::async(QualityOfService::userInitiated, [edits = m_edits, work = std::move(work)] {
+        edits->wait();
+        work();
+    });
 }
 
 void MediaList::loadImages()
@@ -105,7 +115,7 @@ void MediaList::loadImages()
 void MediaList::loadTag(const QString &tag)
 {
     Log::line(QStringLiteral("🏷️ Loading images for tag: ") + tag);
-    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), weak = m_snapshot, tag] {
+    inBackground([self = QPointer(this), weak = m_snapshot, tag] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -123,7 +133,7 @@ void MediaList::loadTag(const QString &tag)
 void MediaList::loadRating(int rating)
 {
     Log::line(QStringLiteral("⭐️ Loading images for rating: ") + QString::number(rating));
-    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), weak = m_snapshot, rating] {
+    inBackground([self = QPointer(this), weak = m_snapshot, rating] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -139,8 +149,7 @@ void MediaList::loadRating(int rating)
 
 void MediaList::loadFolder(const Folder &folder)
 {
-    GlobalQueue::async(
-        QualityOfService::userInitiated,
+    inBackground(
         [self = QPointer(this), weak = m_snapshot, url = folder.url, settings = m_state.sortSettings()] {
             if (weak.expired())
                 return;
@@ -159,7 +168,7 @@ void MediaList::loadFolder(const Folder &folder)
 void MediaList::processAllRoots()
 {
     m_state.publishIsLoading(false);
-    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), weak = m_snapshot] {
+    inBackground([self = QPointer(this), weak = m_snapshot] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -222,14 +231,12 @@ void MediaList::startNextResort()
     m_isResorting = true;
     const Resort resort = m_resorts.front();
     m_resorts.pop_front();
-    GlobalQueue::async(
-        QualityOfService::userInitiated,
-        [self = QPointer(this), resort, urls = m_state.imageURLs(), generation = m_generation] {
-            MainQueue::async([self, resort, generation, result = sorted(urls, resort.settings)] {
-                if (self)
-                    self->finishResort(result, generation, resort.publication);
-            });
+    inBackground([self = QPointer(this), resort, urls = m_state.imageURLs(), generation = m_generation] {
+        MainQueue::async([self, resort, generation, result = sorted(urls, resort.settings)] {
+            if (self)
+                self->finishResort(result, generation, resort.publication);
         });
+    });
 }
 
 void MediaList::finishResort(const QList<FileUrl> &sorted, quint64 generation, Publication publication)

@@ -7,11 +7,13 @@
 #include <QObject>
 
 #include <deque>
+#include <functional>
 #include <memory>
 
 namespace Qorvane {
 
 struct Folder;
+class DeferredWrites;
 class LibrarySnapshot;
 class LibraryState;
 class ProcessingPipeline;
@@ -24,9 +26,9 @@ class MediaList : public QObject
     Q_OBJECT
 
 public:
-    /// All three outlive it.
+    /// What is given by reference outlives it. `edits` writes the user's tags and ratings.
     MediaList(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
-              ProcessingPipeline &pipeline);
+              const std::shared_ptr<DeferredWrites> &edits, ProcessingPipeline &pipeline);
 
     /// Empties the list and loads it for the selected tag, else rating, else folder. A folder's load starts
     /// its run; with nothing selected the list stays empty and the runs of all roots start.
@@ -47,6 +49,8 @@ private:
         Publication publication;
     };
 
+    /// Runs `work` in the background, behind the tags and ratings that were given before.
+    void inBackground(std::function<void()> work);
     void loadTag(const QString &tag);
     void loadRating(int rating);
     void loadFolder(const Folder &folder);
@@ -61,6 +65,7 @@ private:
 
     LibraryState &m_state;
     const std::weak_ptr<LibrarySnapshot> m_snapshot;
+    const std::shared_ptr<DeferredWrites> m_edits;
     ProcessingPipeline &m_pipeline;
     /// Counts the lists that loads have published.
     quint64 m_generation = 0;

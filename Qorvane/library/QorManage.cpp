@@ -1,5 +1,6 @@
 #include "library/QorManage.h"
 
+#include "library/DeferredWrites.h"
 #include "library/FolderLibrary.h"
 #include "library/FolderTree.h"
 #include "library/LibrarySnapshot.h"
@@ -18,6 +19,7 @@
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 
 #include <utility>
@@ -27,17 +29,20 @@ namespace Qorvane {
 QorManage::QorManage(QObject *parent, const LibraryTimings &timings)
     : QObject(parent)
     , m_timings(timings)
+    , m_bookmarkWrites(std::make_shared<DeferredWrites>("com.qorvane.bookmarks"))
+    , m_edits(std::make_shared<DeferredWrites>("com.qorvane.edits"))
     , m_snapshot(std::make_shared<LibrarySnapshot>())
     , m_state(std::make_unique<LibraryState>(m_snapshot))
     , m_reports(std::make_shared<ProcessingReports>(*m_state))
     , m_runSurroundings(std::make_shared<RunSurroundings>(
           RunSurroundings{m_snapshot, m_reports, EmbeddingRequest(timings.embeddingTimeout)}))
     , m_pipeline(std::make_unique<ProcessingPipeline>(m_runSurroundings))
-    , m_mediaList(std::make_unique<MediaList>(*m_state, m_snapshot, *m_pipeline))
+    , m_mediaList(std::make_unique<MediaList>(*m_state, m_snapshot, m_edits, *m_pipeline))
     , m_selection(std::make_unique<SelectionRules>(*m_state, *m_mediaList))
-    , m_folders(std::make_unique<FolderLibrary>(
-          FolderLibrary::Surroundings{*m_state, m_snapshot, m_reports, *m_pipeline, *m_selection, m_timings}))
-    , m_tagsAndRatings(std::make_unique<TagsAndRatings>(*m_state, m_snapshot, *m_mediaList, *m_selection))
+    , m_folders(std::make_unique<FolderLibrary>(FolderLibrary::Surroundings{
+          *m_state, m_snapshot, m_reports, *m_pipeline, *m_selection, m_bookmarkWrites, m_timings}))
+    , m_tagsAndRatings(
+          std::make_unique<TagsAndRatings>(*m_state, m_snapshot, m_edits, *m_mediaList, *m_selection))
     , m_thumbnails(std::make_unique<ThumbnailRequests>(*m_state))
 {
     forwardSignals();
@@ -50,6 +55,8 @@ QorManage::QorManage(QObject *parent, const LibraryTimings &timings)
             Qt::QueuedConnection);
     connect(m_state.get(), &LibraryState::sortOrderChanged, this, &QorManage::handleSortChange,
             Qt::QueuedConnection);
+    // The program ends without taking the library down.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, &QorManage::finishWrites);
     updateCacheSize();
     refreshAllTags();
 }
@@ -63,6 +70,12 @@ void QorManage::finishStart()
         if (self)
             Log::line(QStringLiteral("🔄 启动时检查文件夹同步状态..."));
     });
+}
+
+void QorManage::finishWrites()
+{
+    m_bookmarkWrites->wait(DeferredWrites::patienceAtTheEnd);
+    m_edits->wait(DeferredWrites::patienceAtTheEnd);
 }
 
 void QorManage::forwardSignals()

@@ -19,6 +19,7 @@
 
 namespace Qorvane {
 
+class DeferredWrites;
 class FolderLibrary;
 class Image;
 class LibrarySnapshot;
@@ -108,11 +109,14 @@ public:
     void removeFolderFromLibrary(const Folder &folder);
     void addToFavorites(const Folder &folder);
     void removeFromFavorites(const Folder &folder);
+    /// Both store the list as it is now, in the background and in the order of the calls.
     void saveBookmarks();
     void saveFavoriteBookmarks();
-    /// Resolves the stored roots in the background, publishes and saves them, then calls `completion`, which
-    /// isn't called when no list was ever stored.
+    /// Reads and resolves the stored roots in the background, publishes and saves them, then calls
+    /// `completion`, which isn't called when no list was ever stored.
     void loadBookmarks(std::function<void()> completion = {});
+    /// Reads and resolves the stored favourites in the background, publishes and saves them; changes asked
+    /// for meanwhile come after that.
     void loadFavoriteBookmarks();
     /// The folder with the tree below it, as it is on disk now. Any thread; blocks on the disk.
     static Folder buildFolderHierarchy(const FileUrl &url);
@@ -182,6 +186,9 @@ public:
 
     // Tags and ratings ----------------------------------------------------------------------------------
 
+    // The changes are written in the background, in the order of the calls; what they change in the published
+    // state follows when they are written. Lists loaded after the call hold them.
+
     void addTag(const QString &tag, const FileUrl &url);
     void removeTag(const QString &tag, const FileUrl &url);
     void renameTag(const QString &oldTag, const QString &newTag, const FileUrl &url);
@@ -215,9 +222,12 @@ Q_SIGNALS:
 private:
     void forwardSignals();
     void finishStart();
+    void finishWrites();
 
     const LibraryTimings m_timings;
     // Each may use those above it; they end in the reverse order.
+    std::shared_ptr<DeferredWrites> m_bookmarkWrites;
+    std::shared_ptr<DeferredWrites> m_edits;
     std::shared_ptr<LibrarySnapshot> m_snapshot;
     std::unique_ptr<LibraryState> m_state;
     std::shared_ptr<ProcessingReports> m_reports;

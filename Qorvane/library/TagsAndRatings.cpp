@@ -1,5 +1,6 @@
 #include "library/TagsAndRatings.h"
 
+#include "library/DeferredWrites.h"
 #include "library/LibrarySnapshot.h"
 #include "library/LibraryState.h"
 #include "library/MediaList.h"
@@ -23,42 +24,57 @@ constexpr int highestRating = 5;
 } // namespace
 
 TagsAndRatings::TagsAndRatings(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
-                               MediaList &mediaList, SelectionRules &selection)
+                               const std::shared_ptr<DeferredWrites> &edits, MediaList &mediaList,
+                               SelectionRules &selection)
     : m_state(state)
     , m_snapshot(snapshot)
+    , m_edits(edits)
     , m_mediaList(mediaList)
     , m_selection(selection)
 {
 }
 
+void TagsAndRatings::write(const std::function<void()> &edit, const std::function<void()> &then)
+{
+    m_edits->perform(edit, this, then);
+}
+
 void TagsAndRatings::addTag(const QString &tag, const FileUrl &url)
 {
-    EmbeddingStore::shared().addTag(url.path(), tag);
-    refreshAllTags();
-    reloadIfShowing(tag);
+    write([tag, url] { EmbeddingStore::shared().addTag(url.path(), tag); },
+          [this, tag] {
+              refreshAllTags();
+              reloadIfShowing(tag);
+          });
 }
 
 void TagsAndRatings::removeTag(const QString &tag, const FileUrl &url)
 {
-    EmbeddingStore::shared().removeTag(url.path(), tag);
-    refreshAllTags();
-    reloadIfShowing(tag);
+    write([tag, url] { EmbeddingStore::shared().removeTag(url.path(), tag); },
+          [this, tag] {
+              refreshAllTags();
+              reloadIfShowing(tag);
+          });
 }
 
 void TagsAndRatings::renameTag(const QString &oldTag, const QString &newTag, const FileUrl &url)
 {
-    EmbeddingStore::shared().replaceTag(url.path(), oldTag, newTag);
-    refreshAllTags();
-    if (m_state.selectedTag() == oldTag || m_state.selectedTag() == newTag)
-        m_mediaList.loadImages();
+    write([oldTag, newTag, url] { EmbeddingStore::shared().replaceTag(url.path(), oldTag, newTag); },
+          [this, oldTag, newTag] {
+              refreshAllTags();
+              if (m_state.selectedTag() == oldTag || m_state.selectedTag() == newTag)
+                  m_mediaList.loadImages();
+          });
 }
 
 void TagsAndRatings::deleteTagGlobally(const QString &tag)
 {
-    EmbeddingStore::shared().deleteTagGlobally(tag);
-    refreshAllTags();
-    if (m_state.selectedTag() == tag)
-        m_selection.selectTag(std::nullopt);
+    write([tag] { EmbeddingStore::shared().deleteTagGlobally(tag); },
+          [this, tag] {
+              refreshAllTags();
+              if (m_state.selectedTag() == tag)
+                  m_selection.selectTag(std::nullopt);
+          });
 }
 
 void TagsAndRatings::reloadIfShowing(const QString &tag)
@@ -70,9 +86,14 @@ void TagsAndRatings::reloadIfShowing(const QString &tag)
 void TagsAndRatings::setRating(int rating, const FileUrl &url)
 {
     const int clamped = std::clamp(rating, lowestRating, highestRating);
-    EmbeddingStore::shared().setRating(url.path(), clamped);
+    write([clamped, url] { EmbeddingStore::shared().setRating(url.path(), clamped); },
+          [this, clamped, url] { followRating(clamped, url); });
+}
+
+void TagsAndRatings::followRating(int rating, const FileUrl &url)
+{
     const std::optional<int> selected = m_state.selectedRating();
-    if (!selected || *selected == clamped)
+    if (!selected || *selected == rating)
         m_state.announceChange();
     else if (m_state.imageURLs().contains(url)) // it leaves the list shown
         m_mediaList.loadImages();
@@ -80,24 +101,28 @@ void TagsAndRatings::setRating(int rating, const FileUrl &url)
 
 void TagsAndRatings::clearRating(const FileUrl &url)
 {
-    EmbeddingStore::shared().clearRating(url.path());
-    if (m_state.selectedRating())
-        m_mediaList.loadImages();
-    else
-        m_state.announceChange();
+    write([url] { EmbeddingStore::shared().clearRating(url.path()); },
+          [this] {
+              if (m_state.selectedRating())
+                  m_mediaList.loadImages();
+              else
+                  m_state.announceChange();
+          });
 }
 
 void TagsAndRatings::refreshAllTags()
 {
     const quint64 refresh = ++m_refreshes;
-    GlobalQueue::async(QualityOfService::background, [self = QPointer(this), weak = m_snapshot, refresh] {
-        if (weak.expired())
-            return;
-        MainQueue::async([self, refresh, tags = EmbeddingStore::shared().listAllTags()] {
-            if (self)
-                self->publishAllTags(tags, refresh);
-        });
-    });
+    GlobalQueue::async(QualityOfService::background,
+                       [self = QPointer(this), weak = m_snapshot, edits = m_edits, refresh] {
+                           if (weak.expired())
+                               return;
+                           edits->wait();
+                           MainQueue::async([self, refresh, tags = EmbeddingStore::shared().listAllTags()] {
+                               if (self)
+                                   self->publishAllTags(tags, refresh);
+                           });
+                       });
 }
 
 void TagsAndRatings::publishAllTags(const QStringList &tags, quint64 refresh)

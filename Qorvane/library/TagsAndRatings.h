@@ -5,17 +5,24 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 namespace Qorvane {
 
+class DeferredWrites;
 class LibrarySnapshot;
 class LibraryState;
 class MediaList;
 class SelectionRules;
 
-/// Tags and ratings as the views change them: written to the store at once, then the list and the tags shown
-/// follow. GUI thread; the writes wait for the store.
+/// Tags and ratings as the views change them: written to the store, in the order of the calls, and then the
+/// list and the tags shown follow. GUI thread.
+///
+/// The store's operations wait for their turn, behind a scan of all vectors if need be, so it is not the GUI
+/// thread that waits for a write. What has to stay on that thread is all that follows a write: it changes
+/// published state. And what is asked of the store for its answer (`EmbeddingStore::getRating`, `getTags`)
+/// holds its caller by its nature; who asks when such a change is announced finds it written.
 class TagsAndRatings : public QObject
 {
     Q_OBJECT
@@ -23,7 +30,8 @@ class TagsAndRatings : public QObject
 public:
     /// What is given by reference outlives it.
     TagsAndRatings(LibraryState &state, const std::shared_ptr<LibrarySnapshot> &snapshot,
-                   MediaList &mediaList, SelectionRules &selection);
+                   const std::shared_ptr<DeferredWrites> &edits, MediaList &mediaList,
+                   SelectionRules &selection);
 
     void addTag(const QString &tag, const FileUrl &url);
     void removeTag(const QString &tag, const FileUrl &url);
@@ -34,11 +42,14 @@ public:
     void refreshAllTags();
 
 private:
+    void write(const std::function<void()> &edit, const std::function<void()> &then);
     void reloadIfShowing(const QString &tag);
+    void followRating(int rating, const FileUrl &url);
     void publishAllTags(const QStringList &tags, quint64 refresh);
 
     LibraryState &m_state;
     const std::weak_ptr<LibrarySnapshot> m_snapshot;
+    const std::shared_ptr<DeferredWrites> m_edits;
     MediaList &m_mediaList;
     SelectionRules &m_selection;
     quint64 m_refreshes = 0;

@@ -2,6 +2,7 @@
 
 #include "platform/Directories.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 
 namespace Qorvane {
@@ -37,6 +38,10 @@ UserDefaults &UserDefaults::standard()
 UserDefaults::UserDefaults(const QString &iniPath)
     : m_settings(iniPath, QSettings::IniFormat)
 {
+    // Whoever comes first may be a worker, whose thread has no event loop: what the toolkit's class sends
+    // itself with every write would pile up there.
+    if (QCoreApplication *application = QCoreApplication::instance())
+        m_settings.moveToThread(application->thread());
 }
 
 std::optional<QList<QByteArray>> UserDefaults::dataArray(const QString &key) const

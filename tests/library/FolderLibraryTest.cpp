@@ -1,3 +1,4 @@
+#include "library/DeferredWrites.h"
 #include "library/LibraryFixture.h"
 #include "library/SidebarItem.h"
 #include "media/ThumbnailPaths.h"
@@ -6,8 +7,10 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QLockFile>
 
 using namespace Qorvane;
 
@@ -18,6 +21,7 @@ class FolderLibraryTest : public LibraryFixture
 protected:
     static std::optional<QList<QByteArray>> stored(const char *key)
     {
+        DeferredWrites::waitUntilIdle();
         return UserDefaults::standard().dataArray(QLatin1String(key));
     }
 
@@ -179,6 +183,33 @@ TEST_F(FolderLibraryTest, aBookmarkThatCannotBeMadeLeavesTheStoredListAsItWas)
     EXPECT_FALSE(home.log().linesStartingWith(QStringLiteral("Error saving favorite bookmarks: ")).isEmpty());
 }
 
+TEST_F(FolderLibraryTest, aRootWhoseBookmarkCannotBeMadeLeavesTheStoredRootsAsTheyWere)
+{
+    addRoot(one);
+    addRoot(two);
+    QDir(one.path()).removeRecursively();
+    home.log().clear();
+    addRoot(three);
+    EXPECT_EQ(stored("libraryFolders"),
+              (QList<QByteArray>{bookmark(QStringLiteral("one")), bookmark(QStringLiteral("two"))}));
+    EXPECT_EQ(rootNames().size(), 3);
+    // Said before the run of the new folder is prepared.
+    const QStringList lines = home.log().lines();
+    ASSERT_GE(lines.size(), 2);
+    EXPECT_TRUE(lines[0].startsWith(QStringLiteral("Error saving bookmarks: "))) << qPrintable(lines[0]);
+    EXPECT_GT(lines[0].size(), QStringLiteral("Error saving bookmarks: ").size());
+    EXPECT_TRUE(lines[1].startsWith(QStringLiteral("🔄 setProcessing: ") + three.path()))
+        << qPrintable(lines[1]);
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("Error saving bookmarks: ")).size(), 1);
+}
+
+TEST_F(FolderLibraryTest, aFavouriteIsSavedTwiceAroundItsAnnouncement)
+{
+    qorManager->addToFavorites({home.folder(QStringLiteral("gone")), std::nullopt});
+    settle();
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("Error saving favorite bookmarks: ")).size(), 2);
+}
+
 TEST_F(FolderLibraryTest, rootsComeBackAtTheNextStartWithoutThoseThatAreGone)
 {
     addRoot(one);
@@ -191,6 +222,7 @@ TEST_F(FolderLibraryTest, rootsComeBackAtTheNextStartWithoutThoseThatAreGone)
     EXPECT_TRUE(qorManager->libraryFolders().isEmpty());
     ASSERT_TRUE(waitUntil([&] { return !qorManager->libraryFolders().isEmpty(); }));
     EXPECT_EQ(rootNames(), QStringList{QStringLiteral("two")});
+    settle();
     EXPECT_EQ(
         home.log().linesStartingWith(QStringLiteral("Could not resolve bookmark, skipping. Error: ")).size(),
         1);
@@ -226,6 +258,7 @@ TEST_F(FolderLibraryTest, loadedFavouritesTakeTheirTreesFromTheLibrary)
                                            bookmark(QStringLiteral("one"))});
     home.log().clear();
     qorManager->loadFavoriteBookmarks();
+    settle();
     EXPECT_EQ(qorManager->favoriteFolders(),
               (QList<Folder>{{two, std::nullopt},
                              {home.folder(QStringLiteral("one/inner")), std::nullopt},
@@ -293,6 +326,7 @@ TEST_F(FolderLibraryTest, theWaitsOfARemovalAreOneSecondAndHalfASecond)
     EXPECT_EQ(timings.untilDeletionCheck, 0.5);
     EXPECT_EQ(timings.untilStartupSync, 1.0);
     EXPECT_EQ(timings.embeddingTimeout, 10.0);
+    EXPECT_EQ(timings.bookmarkPatience, 2.0);
 }
 
 TEST_F(FolderLibraryTest, aFavouriteOfARemovedRootStays)
@@ -329,5 +363,139 @@ TEST_F(FolderLibraryTest, aRemovalAskedForWhileAFolderIsBeingAddedComesAfterIt)
     qorManager->removeFolderFromLibrary({one, std::nullopt});
     qorManager->addFolder(two);
     ASSERT_TRUE(waitUntil([&] { return rootNames() == QStringList{QStringLiteral("two")}; }));
+    settle();
+    ASSERT_TRUE(qorManager->selectedFolder());
     EXPECT_EQ(qorManager->selectedFolder()->url, two); // the library was empty again by then
+}
+
+TEST_F(FolderLibraryTest, aFavouriteAddedWhileTheStoredOnesAreReadComesAfterThem)
+{
+    UserDefaults::standard().setDataArray(QStringLiteral("favoriteFolders"),
+                                          {bookmark(QStringLiteral("two"))});
+    qorManager->loadFavoriteBookmarks();
+    qorManager->addToFavorites({one, std::nullopt});
+    settle();
+    EXPECT_EQ(qorManager->favoriteFolders(), (QList<Folder>{{two, std::nullopt}, {one, std::nullopt}}));
+    EXPECT_EQ(stored("favoriteFolders"),
+              (QList<QByteArray>{bookmark(QStringLiteral("two")), bookmark(QStringLiteral("one"))}));
+}
+
+TEST_F(FolderLibraryTest, aFavouriteAddedRightBeforeTheStoredOnesAreReadIsAmongThem)
+{
+    qorManager->addToFavorites({one, std::nullopt});
+    qorManager->loadFavoriteBookmarks();
+    settle();
+    EXPECT_EQ(qorManager->favoriteFolders(), (QList<Folder>{{one, std::nullopt}}));
+}
+
+namespace {
+
+/// Keeps the user's settings from being written, as a disk that doesn't answer does.
+class HeldSettings
+{
+public:
+    HeldSettings()
+        : m_lock(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Qorvane/Qorvane.ini.lock"))
+    {
+        m_lock.setStaleLockTime(0); // never taken over
+        EXPECT_TRUE(m_lock.tryLock());
+    }
+    void letGo() { m_lock.unlock(); }
+
+private:
+    QLockFile m_lock;
+};
+
+} // namespace
+
+TEST_F(FolderLibraryTest, aSaveThatHangsKeepsNeitherTheWindowNorTheNewFolderWaiting)
+{
+    start({.bookmarkPatience = 0.01});
+    addRoot(two);
+    HeldSettings settings;
+    qorManager->addFolder(one);
+    ASSERT_TRUE(waitUntil([&] {
+        return qorManager->folderProcessingStatus().value(one.path(), State::idle) == State::completed;
+    }));
+    qorManager->removeFolderFromLibrary(qorManager->libraryFolders().first());
+    EXPECT_EQ(rootNames(), QStringList{QStringLiteral("one")});
+    settings.letGo();
+    EXPECT_EQ(stored("libraryFolders"), QList<QByteArray>{bookmark(QStringLiteral("one"))});
+}
+
+TEST_F(FolderLibraryTest, whatFollowsASaveComesAfterIt)
+{
+    addRoot(two);
+    home.log().clear();
+    HeldSettings settings;
+    qorManager->addFolder(one);
+    ASSERT_TRUE(waitUntil([&] { return rootNames().size() == 2; }));
+    EXPECT_FALSE(qorManager->folderProcessingStatus().contains(one.path()));
+    EXPECT_EQ(home.log().lines(), QStringList());
+    settings.letGo();
+    ASSERT_TRUE(waitUntil([&] { return qorManager->folderProcessingStatus().contains(one.path()); }));
+    EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("libraryFolders")),
+              (QList<QByteArray>{bookmark(QStringLiteral("two")), bookmark(QStringLiteral("one"))}));
+}
+
+TEST_F(FolderLibraryTest, theProgramsEndWaitsForWhatIsToBeSaved)
+{
+    HeldSettings settings;
+    QCoreApplication *application = QCoreApplication::instance();
+    const auto release = QObject::connect(application, &QCoreApplication::aboutToQuit, application,
+                                          [&settings] { settings.letGo(); });
+    // Anew, so that the library hears of the end after the settings can be written.
+    qorManager = std::make_unique<QorManage>();
+    qorManager->addToFavorites({one, std::nullopt});
+
+    ASSERT_TRUE(QMetaObject::invokeMethod(application, "aboutToQuit", Qt::DirectConnection));
+
+    EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("favoriteFolders")),
+              QList<QByteArray>{bookmark(QStringLiteral("one"))});
+    QObject::disconnect(release);
+}
+
+TEST_F(FolderLibraryTest, aFirstFolderIsPublishedThenStoredThenSelectedThenPrepared)
+{
+    QStringList steps;
+    const auto stored = [] {
+        return UserDefaults::standard()
+            .dataArray(QStringLiteral("libraryFolders"))
+            .value_or(QList<QByteArray>())
+            .size();
+    };
+    QObject::connect(qorManager.get(), &QorManage::libraryFoldersChanged, qorManager.get(),
+                     [&] { steps.append(QStringLiteral("published %1").arg(rootNames().size())); });
+    QObject::connect(qorManager.get(), &QorManage::selectedFolderChanged, qorManager.get(),
+                     [&] { steps.append(QStringLiteral("selected, stored %1").arg(stored())); });
+    QObject::connect(qorManager.get(), &QorManage::isLoadingChanged, qorManager.get(), [&] {
+        if (qorManager->isLoading())
+            steps.append(QStringLiteral("loading"));
+    });
+    QObject::connect(qorManager.get(), &QorManage::folderProcessingStatusChanged, qorManager.get(), [&] {
+        if (qorManager->folderProcessingStatus().value(one.path(), State::idle) == State::thumbnails)
+            steps.append(QStringLiteral("prepared"));
+    });
+    addRoot(one);
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("published 1"), QStringLiteral("selected, stored 1"),
+                                  QStringLiteral("loading"), QStringLiteral("prepared")}));
+}
+
+TEST_F(FolderLibraryTest, loadedRootsArePublishedAndStoredBeforeTheLoadCallsBack)
+{
+    addRoot(one);
+    addRoot(two);
+    DetachedTask::waitUntilIdle();
+    settle();
+    QDir(one.path()).removeRecursively();
+    QStringList steps;
+    QObject::connect(qorManager.get(), &QorManage::libraryFoldersChanged, qorManager.get(),
+                     [&] { steps.append(QStringLiteral("published ") + rootNames().join(u' ')); });
+    qorManager->loadBookmarks([&] {
+        const auto roots = UserDefaults::standard().dataArray(QStringLiteral("libraryFolders"));
+        steps.append(
+            QStringLiteral("called back, stored %1").arg(roots.value_or(QList<QByteArray>()).size()));
+    });
+    ASSERT_TRUE(waitUntil([&] { return steps.size() == 2; }));
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("published two"), QStringLiteral("called back, stored 1")}));
 }

@@ -1,5 +1,6 @@
 #include "library/LibraryHome.h"
 
+#include "library/DeferredWrites.h"
 #include "media/ThumbnailPaths.h"
 #include "platform/DetachedTask.h"
 #include "platform/FileAttributes.h"
@@ -91,6 +92,7 @@ void settle()
     // is published) needs fewer rounds than these.
     constexpr int rounds = 6;
     for (int i = 0; i < rounds; ++i) {
+        DeferredWrites::waitUntilIdle();
         GlobalQueue::waitUntilIdle();
         drainMainQueue();
     }

@@ -42,8 +42,8 @@ TEST_F(QorManageTest, favouritesOfAnEarlierRunAreForgottenAtTheStart)
     UserDefaults::standard().setDataArray(key, {home.path().toUtf8()});
     UserDefaults::standard().setDataArray(QStringLiteral("libraryFolders"), {home.path().toUtf8()});
     const QorManage library(nullptr, {0.01, 0.01, 0.01, 0.01});
-    EXPECT_EQ(UserDefaults::standard().dataArray(key), QList<QByteArray>());
     ASSERT_TRUE(waitUntil([&] { return home.log().contains(syncLine); }));
+    EXPECT_EQ(UserDefaults::standard().dataArray(key), QList<QByteArray>());
     EXPECT_EQ(library.libraryFolders().size(), 1);
     EXPECT_TRUE(library.favoriteFolders().isEmpty());
 }
