@@ -12,6 +12,8 @@
 #include <magick/MagickCore.h>
 #endif
 
+#include <QSemaphore>
+
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -36,6 +38,11 @@ struct DestroyImages
 using Info = std::unique_ptr<::ImageInfo, DestroyInfo>;
 using Exception = std::unique_ptr<::ExceptionInfo, DestroyException>;
 using Images = std::unique_ptr<::Image, DestroyImages>;
+
+// Three colours and an alpha, each as wide as this build of ImageMagick has them.
+constexpr qint64 bytesPerPixel = 4 * sizeof(Quantum);
+// Larger files of these formats are nothing that could be decoded within the limits.
+constexpr qint64 maximumFileSize = DecodeLimits::maximumMemory / 4;
 
 MagickBooleanType stopWhenLate(const char *, const MagickOffsetType, const MagickSizeType, void *deadline)
 {
@@ -150,16 +157,57 @@ QImage withOriginOfTga(const QImage &image, ::OrientationType origin)
     return image.mirrored(isMirrored, isUpsideDown);
 }
 
-/// The sizes by the header alone.
-bool isAdmitted(const ::ImageInfo *info, const QByteArray &data, ::ExceptionInfo *exception, QString &reason)
+/// ImageMagick's limit of memory counts for the whole process. What one picture is expected to take of it is
+/// set aside here, so that two large ones decode one after the other instead of failing together.
+class MemoryShare
+{
+public:
+    MemoryShare(qint64 bytes, const QDeadlineTimer &deadline)
+        : m_units(int(qMin(qint64(allUnits), allUnits * bytes / memoryLimit() + 1)))
+        , m_isHeld(units().tryAcquire(m_units, int(deadline.remainingTime())))
+    {
+    }
+    ~MemoryShare()
+    {
+        if (m_isHeld)
+            units().release(m_units);
+    }
+    MemoryShare(const MemoryShare &) = delete;
+    MemoryShare &operator=(const MemoryShare &) = delete;
+
+    bool isHeld() const { return m_isHeld; }
+    static qint64 memoryLimit()
+    {
+        const MagickSizeType limit = ::GetMagickResourceLimit(MemoryResource);
+        return qint64(qBound(MagickSizeType(1), limit, MagickSizeType(DecodeLimits::maximumMemory)));
+    }
+
+private:
+    static constexpr int allUnits = 1024;
+    static QSemaphore &units()
+    {
+        static QSemaphore semaphore(allUnits);
+        return semaphore;
+    }
+
+    int m_units;
+    bool m_isHeld;
+};
+
+/// The size by the header alone; nothing when there is none or it is too large.
+std::optional<QSize> admittedSize(const ::ImageInfo *info, const QByteArray &data, ::ExceptionInfo *exception,
+                                  QString &reason)
 {
     const Images header(::PingBlob(info, data.constData(), size_t(data.size()), exception));
     if (!header) {
         reason = reasonOf(exception);
-        return false;
+        return std::nullopt;
     }
-    return DecodeLimits::admits(qint64(header->columns), qint64(header->rows),
-                                DecodeLimits::maximumPixelsUnstoppable, reason);
+    const qint64 pixels =
+        qMin(DecodeLimits::maximumPixelsUnstoppable, MemoryShare::memoryLimit() / bytesPerPixel);
+    if (!DecodeLimits::admits(qint64(header->columns), qint64(header->rows), pixels, reason))
+        return std::nullopt;
+    return QSize(int(header->columns), int(header->rows));
 }
 
 } // namespace
@@ -168,15 +216,23 @@ std::optional<QImage> decodeWithMagick(const ByteSource &bytes, const char *code
                                        const DecodeRequest &request, QString &reason)
 {
     MediaLibraries::ensureReady();
-    if (bytes.size() > DecodeLimits::maximumMemory) {
+    if (bytes.size() > maximumFileSize) {
         reason = QStringLiteral("the file is too large");
         return std::nullopt;
     }
     const Exception exception(::AcquireExceptionInfo());
     const Info info = makeInfo(coder, request);
     const QByteArray data = bytes.bytes(0, bytes.size());
-    if (!isAdmitted(info.get(), data, exception.get(), reason))
+    const std::optional<QSize> size = admittedSize(info.get(), data, exception.get(), reason);
+    if (!size)
         return std::nullopt;
+    // Some coders hold what they unpack beside the picture.
+    const qint64 expected = 2 * bytesPerPixel * size->width() * size->height();
+    const MemoryShare share(expected, request.deadline);
+    if (!share.isHeld()) {
+        reason = QStringLiteral("decoding took too long");
+        return std::nullopt;
+    }
     const Images images(::BlobToImage(info.get(), data.constData(), size_t(data.size()), exception.get()));
     if (!images) {
         reason = request.deadline.hasExpired() ? QStringLiteral("decoding took too long")

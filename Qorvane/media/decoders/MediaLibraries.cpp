@@ -53,15 +53,23 @@ void prepareVips()
     g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_INFO), ignoreMessage, nullptr);
 }
 
+// The formats left to ImageMagick count their sides in 16 bits.
+constexpr MagickSizeType maximumMagickSide = 65'535;
+
 void prepareMagick()
 {
     MagickCoreGenesis(nullptr, MagickFalse); // its signal handlers are not for a library
+    // A distribution's policy may set lower limits; these never raise them.
     SetMagickResourceLimit(MemoryResource, DecodeLimits::maximumMemory);
-    SetMagickResourceLimit(MapResource, DecodeLimits::maximumMemory);
-    // What a distribution's policy keeps out of memory goes to a temporary file, gone with the picture.
-    SetMagickResourceLimit(DiskResource, DecodeLimits::maximumMemory);
     SetMagickResourceLimit(AreaResource, DecodeLimits::maximumPixelsUnstoppable);
+    SetMagickResourceLimit(WidthResource, maximumMagickSide);
+    SetMagickResourceLimit(HeightResource, maximumMagickSide);
+    // What doesn't fit into memory would otherwise go to temporary files of gigabytes.
+    SetMagickResourceLimit(MapResource, 0);
+    SetMagickResourceLimit(DiskResource, 0);
     SetMagickResourceLimit(ThreadResource, 1);
+    // The time stays without a limit: ImageMagick counts it from the program's first picture on, and ends the
+    // program. A progress monitor stops each decode instead.
 }
 
 } // namespace
