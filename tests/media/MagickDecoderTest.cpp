@@ -2,6 +2,7 @@
 
 #include "media/PictureFiles.h"
 #include "media/decoders/ByteSource.h"
+#include "media/decoders/DecoderDispatch.h"
 #include "media/decoders/MediaLibraries.h"
 
 #include <QDir>
@@ -19,6 +20,21 @@
 using namespace Qorvane;
 
 namespace {
+
+/// The beginning of a PICT of the second version, with `instructions` and its end.
+QByteArray pict(const QByteArray &instructions)
+{
+    QByteArray bytes(512, '\0');
+    bytes.append(QByteArray("\0\0\0\0\0\0\0\x20\0\x30", 10)); // its size, and a frame of 48 x 32
+    bytes.append(QByteArray("\0\x11\x02\xff\x0c\0\xff\xff\xff\xff", 10));
+    bytes.append(QByteArray(20, '\0')); // the rest of the header
+    return bytes + instructions + QByteArray("\0\xff", 2);
+}
+
+std::optional<QImage> decodedPict(const QByteArray &bytes, QString &reason)
+{
+    return decodeContent(MemoryBytes(bytes), ContentType::pict, DecodeRequest(), reason);
+}
 
 /// What ImageMagick itself makes of a TGA, asked without our own look at its size.
 bool isDecodedByMagick(const QByteArray &tga, QByteArray &reason)
@@ -38,6 +54,31 @@ bool isDecodedByMagick(const QByteArray &tga, QByteArray &reason)
 }
 
 } // namespace
+
+TEST(MagickDecoderTest, APictThatOnlyDrawsIsRefused)
+{
+    QByteArray drawing;
+    drawing.append(QByteArray("\0\x01\0\x0a\0\0\0\0\0\x20\0\x30", 12));         // clip to all
+    drawing.append(QByteArray("\0\x07\0\x02\0\x02", 6));                        // a pen of two pixels
+    drawing.append(QByteArray("\0\x31\0\x04\0\x04\0\x10\0\x10", 10));           // a painted rectangle
+    drawing.append(QByteArray("\0\x39", 2));                                    // and again
+    drawing.append(QByteArray("\0\xa1\0\x64\0\x03xyz\0", 10));                  // a comment
+    drawing.append(QByteArray("\0\x28\0\x14\0\x05\x04text\0", 12));             // a text
+    drawing.append(QByteArray("\0\x71\0\x0e\0\0\0\0\0\x09\0\x09\0\0\0\0", 16)); // a polygon
+    QString reason;
+    EXPECT_FALSE(decodedPict(pict(drawing), reason));
+    EXPECT_EQ(reason, QStringLiteral("it holds a drawing and no bitmap, and drawings are not rendered"));
+}
+
+TEST(MagickDecoderTest, APictOfTheFirstVersionThatOnlyDrawsIsRefused)
+{
+    QByteArray bytes(512, '\0');
+    bytes.append(QByteArray("\0\0\0\0\0\0\0\x20\0\x30\x11\x01", 12));
+    bytes.append(QByteArray("\x31\0\x04\0\x04\0\x10\0\x10\xff", 10));
+    QString reason;
+    EXPECT_FALSE(decodedPict(bytes, reason));
+    EXPECT_EQ(reason, QStringLiteral("it holds a drawing and no bitmap, and drawings are not rendered"));
+}
 
 TEST(MagickDecoderTest, NoTemporaryFileTakesWhatDoesNotFitIntoMemory)
 {

@@ -5,6 +5,7 @@
 #include "media/decoders/Jpeg2000Decoder.h"
 #include "media/decoders/JpegDecoder.h"
 #include "media/decoders/MagickDecoder.h"
+#include "media/decoders/PictContent.h"
 #include "media/decoders/QtDecoder.h"
 #include "media/decoders/QuickTimeImage.h"
 #include "media/decoders/RawDecoder.h"
@@ -34,6 +35,16 @@ std::optional<QImage> decodeTiff(const ByteSource &bytes, const DecodeRequest &r
         return image;
     QString second;
     return decodeWithMagick(bytes, "TIFF", request, second);
+}
+
+/// ImageMagick passes over what is drawn and would show a drawing as a black rectangle.
+std::optional<QImage> decodePict(const ByteSource &bytes, const DecodeRequest &request, QString &reason)
+{
+    if (pictContent(bytes) == PictContent::drawingOnly) {
+        reason = QStringLiteral("it holds a drawing and no bitmap, and drawings are not rendered");
+        return std::nullopt;
+    }
+    return decodeWithMagick(bytes, "PICT", request, reason);
 }
 
 } // namespace
@@ -93,7 +104,7 @@ std::optional<QImage> decodeContent(const ByteSource &bytes, ContentType type, c
     case ContentType::psd:
         return decodeWithMagick(bytes, "PSD", request, reason);
     case ContentType::pict:
-        return decodeWithMagick(bytes, "PICT", request, reason);
+        return decodePict(bytes, request, reason);
     case ContentType::sgi:
         return decodeWithMagick(bytes, "SGI", request, reason);
     case ContentType::raw:
