@@ -6,6 +6,7 @@
 #include "media/decoders/JpegDecoder.h"
 #include "media/decoders/MagickDecoder.h"
 #include "media/decoders/PictContent.h"
+#include "media/decoders/PsdDecoder.h"
 #include "media/decoders/QtDecoder.h"
 #include "media/decoders/QuickTimeImage.h"
 #include "media/decoders/RawDecoder.h"
@@ -102,7 +103,7 @@ std::optional<QImage> decodeContent(const ByteSource &bytes, ContentType type, c
     case ContentType::icns:
         return decodeWithQt(bytes, "icns", request, reason);
     case ContentType::psd:
-        return decodeWithMagick(bytes, "PSD", request, reason);
+        return decodePsd(bytes, request, reason);
     case ContentType::pict:
         return decodePict(bytes, request, reason);
     case ContentType::sgi:
