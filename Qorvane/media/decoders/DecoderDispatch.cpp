@@ -38,6 +38,17 @@ std::optional<QImage> decodeTiff(const ByteSource &bytes, const DecodeRequest &r
     return decodeWithMagick(bytes, "TIFF", request, second);
 }
 
+/// libvips stumbles over a comment behind another one and then takes its words for numbers.
+std::optional<QImage> decodePnm(const ByteSource &bytes, const DecodeRequest &request, QString &reason)
+{
+    constexpr qint64 headerSize = 512;
+    if (bytes.bytes(0, headerSize).contains('#')) {
+        if (const auto image = decodeWithQt(bytes, "ppm", request, reason))
+            return image;
+    }
+    return decodeWithVips(bytes, ContentType::pnm, request, reason);
+}
+
 /// ImageMagick passes over what is drawn and would show a drawing as a black rectangle.
 std::optional<QImage> decodePict(const ByteSource &bytes, const DecodeRequest &request, QString &reason)
 {
@@ -73,9 +84,10 @@ std::optional<QImage> decodeContent(const ByteSource &bytes, ContentType type, c
     case ContentType::png:
     case ContentType::gif:
     case ContentType::webp:
-    case ContentType::pnm:
     case ContentType::radianceHdr:
         return decodeWithVips(bytes, type, request, reason);
+    case ContentType::pnm:
+        return decodePnm(bytes, request, reason);
     case ContentType::jpeg2000:
         return decodeJpeg2000(bytes, request, reason);
     case ContentType::tiff:
