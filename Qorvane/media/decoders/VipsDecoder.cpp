@@ -141,6 +141,16 @@ VipsImageHandle asColours(VipsImageHandle image)
     return VipsImageHandle(named);
 }
 
+/// Signed bytes reach from black at -128 to white at 127; libvips would cut off the half below zero.
+VipsImageHandle asUnsigned(VipsImageHandle image)
+{
+    if (!image || image->BandFmt != VIPS_FORMAT_CHAR)
+        return image;
+    VipsImage *raised = nullptr;
+    vips_linear1(image.get(), &raised, 1, 128, "uchar", TRUE, nullptr);
+    return VipsImageHandle(raised);
+}
+
 /// Whether the samples have no fixed white, so that an exposure must be found for them.
 bool isSceneReferred(const VipsImage *image)
 {
@@ -308,7 +318,7 @@ std::optional<QImage> decode(const ByteSource &source, ContentType type, const D
         return std::nullopt;
     }
     const QSize box = request.boundedSize(size);
-    image = asColours(reload(std::move(image), bytes, type, box, damage));
+    image = asUnsigned(asColours(reload(std::move(image), bytes, type, box, damage)));
     std::optional<QImage> result;
     if (image)
         result = isSceneReferred(image.get()) ? sceneReferred(std::move(image), box, request)
