@@ -3,6 +3,7 @@
 #include "media/decoders/ByteSource.h"
 #include "media/decoders/ColorTransform.h"
 #include "media/decoders/MediaLibraries.h"
+#include "media/decoders/OneColour.h"
 #include "media/decoders/PixelScaler.h"
 
 #if __has_include(<MagickCore/MagickCore.h>)
@@ -241,6 +242,11 @@ std::optional<QImage> decodeWithMagick(const ByteSource &bytes, const char *code
     }
     QImage image = toQImage(images.get(), exception.get());
     if (image.isNull()) {
+        reason = reasonOf(exception.get());
+        return std::nullopt;
+    }
+    // Some coders go on where the data end. What is left is then worth showing, unless it is nothing.
+    if (exception->severity >= ErrorException && isOneColour(image)) {
         reason = reasonOf(exception.get());
         return std::nullopt;
     }

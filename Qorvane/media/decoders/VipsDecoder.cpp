@@ -2,13 +2,13 @@
 
 #include "media/decoders/ColorTransform.h"
 #include "media/decoders/MediaLibraries.h"
+#include "media/decoders/OneColour.h"
 #include "media/decoders/ToneMapping.h"
 #include "media/decoders/VipsHandles.h"
 
 #include <QColorSpace>
 #include <QStringList>
 
-#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -326,17 +326,6 @@ std::optional<QImage> decode(const ByteSource &source, ContentType type, const D
     if (!result)
         reason = request.deadline.hasExpired() ? QStringLiteral("decoding took too long") : takeVipsReason();
     return result;
-}
-
-bool isOneColour(const QImage &image)
-{
-    const QRgb first = image.pixel(0, 0);
-    for (int y = 0; y < image.height(); ++y) {
-        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-        if (!std::all_of(row, row + image.width(), [first](QRgb pixel) { return pixel == first; }))
-            return false;
-    }
-    return true;
 }
 
 } // namespace
