@@ -24,7 +24,7 @@ void visitRows(Statement &statement, const ImageVectorRecords::Visitor &visitor)
         const auto path = statement.utf8(0);
         const auto blob = statement.blob(1);
         if (path && blob)
-            visitor({*path, *blob, statement.integer(2)});
+            visitor({*path, *blob, statement});
     }
 }
 

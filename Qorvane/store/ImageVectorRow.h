@@ -3,7 +3,6 @@
 #include <QString>
 
 #include <cstddef>
-#include <cstring>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -20,26 +19,20 @@ struct ImageVectorRow
     friend bool operator==(const ImageVectorRow &, const ImageVectorRow &) = default;
 };
 
+class Statement;
+
 /// The same row in place, inside the database's own memory: good until the visitor that was given it returns.
 struct ImageVectorView
 {
     std::string_view path;           ///< UTF-8
     std::span<const std::byte> blob; ///< 32-bit floats in the machine's order, perhaps not aligned
-    int dim = 0;
+    const Statement &statement;      ///< stands at the row
 
+    /// Read on demand: SQLite takes a lock for every value of a row, and a scan doesn't need this one.
+    int dim() const;
     /// The number of whole floats in the blob; up to three bytes left over don't count.
     std::size_t floatCount() const { return blob.size() / sizeof(float); }
-
-    ImageVectorRow copy() const
-    {
-        ImageVectorRow row;
-        row.path = QString::fromUtf8(path.data(), qsizetype(path.size()));
-        row.vector.resize(floatCount());
-        if (!row.vector.empty())
-            std::memcpy(row.vector.data(), blob.data(), row.vector.size() * sizeof(float));
-        row.dim = dim;
-        return row;
-    }
+    ImageVectorRow copy() const;
 };
 
 } // namespace Qorvane
