@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace Qorvane {
@@ -34,14 +35,6 @@ std::string_view rowBeginning(CandidateOrigin origin)
     Q_UNREACHABLE();
 }
 
-// As FileUrl::lastPathComponent, on the bytes.
-std::string_view lastPathComponent(std::string_view path)
-{
-    if (path.size() <= 1)
-        return path;
-    return path.substr(path.rfind('/') + 1);
-}
-
 char *write(char *target, std::string_view text)
 {
     std::memcpy(target, text.data(), text.size());
@@ -54,12 +47,45 @@ char *write(char *target, std::int64_t number)
     return std::to_chars(target, target + longestInteger, number).ptr;
 }
 
+} // namespace
+
+template <int decimals>
+char *writeFixed(char *target, float value)
+{
+    // A 32-bit float has 24 significant bits and 10000 is 625 times a power of two, so the product below is
+    // exact in a double, and rounding it to an integer (halves to even) is the one rounding that printf does.
+    constexpr std::uint32_t scale = decimals == 4 ? 10000 : 1000;
+    const double scaled = std::fabs(double(value)) * scale;
+    constexpr double largest = std::numeric_limits<std::uint32_t>::max();
+    if (!(scaled < largest))
+        return std::to_chars(target, target + longestFixedText, value, std::chars_format::fixed, decimals)
+            .ptr;
+    *target = '-';
+    target += std::signbit(value);
+    // Doubles of this size lie 1 apart: the addition rounds, without a call into the mathematical library.
+    constexpr double roundingTerm = 4503599627370496; // 2^52
+    const auto rounded = std::uint32_t((scaled + roundingTerm) - roundingTerm);
+    target = write(target, rounded / scale);
+    *target++ = '.';
+    std::uint32_t fraction = rounded % scale;
+    for (int i = decimals - 1; i >= 0; --i) {
+        target[i] = char('0' + fraction % 10);
+        fraction /= 10;
+    }
+    return target + decimals;
+}
+
+template char *writeFixed<3>(char *, float);
+template char *writeFixed<4>(char *, float);
+
+namespace {
+
 // What a row shows of its candidate.
 struct Row
 {
     float similarity;
     float share;
-    std::string_view path;
+    std::string_view name;
 };
 
 // Gathers rows into a block of text and hands it to the log when it is full. A block stays within the
@@ -69,44 +95,50 @@ class RowWriter
 public:
     explicit RowWriter(CandidateOrigin origin)
         : m_beginning(rowBeginning(origin))
+        , m_text(blockSize, Qt::Uninitialized)
+        , m_end(write(m_text.data(), heading))
     {
-        m_text.reserve(blockSize);
-        m_text.append(heading.data(), qsizetype(heading.size()));
     }
 
     void add(std::int64_t rank, const Row &row)
     {
-        const std::string_view name = lastPathComponent(row.path);
-        const qsizetype room = qsizetype(m_beginning.size() + longestNumbers + name.size());
-        if (m_text.size() + room > blockSize)
-            flush();
-        const qsizetype before = m_text.size();
-        m_text.resize(before + room);
-        char *end = write(m_text.data() + before, m_beginning);
+        makeRoom(qsizetype(m_beginning.size() + longestNumbers + row.name.size()));
+        char *end = write(m_end, m_beginning);
         end = write(end, rank);
         end = write(end, " sim="sv);
-        end = writeFixed(end, row.similarity, 4);
+        end = writeFixed<4>(end, row.similarity);
         end = write(end, " ("sv);
         end = write(end, truncatedPercentage(row.similarity));
         end = write(end, "%) p="sv);
-        end = writeFixed(end, row.share, 3);
+        end = writeFixed<3>(end, row.share);
         end = write(end, " -> "sv);
-        end = write(end, name);
-        end = write(end, "\n"sv);
-        m_text.resize(end - m_text.constData());
+        end = write(end, row.name);
+        m_end = write(end, "\n"sv);
     }
 
     void flush()
     {
-        Log::lines(m_text);
-        m_text.resize(0);
+        Log::lines(QByteArray::fromRawData(m_text.constData(), m_end - m_text.constData()));
+        m_end = m_text.data();
     }
 
 private:
     static constexpr qsizetype blockSize = 128 * 1024;
 
+    void makeRoom(qsizetype size)
+    {
+        if (size <= m_text.constData() + m_text.size() - m_end)
+            return;
+        flush();
+        if (size <= m_text.size())
+            return;
+        m_text.resize(size);
+        m_end = m_text.data();
+    }
+
     std::string_view m_beginning;
     QByteArray m_text;
+    char *m_end; ///< of what is written into m_text
 };
 
 // Rows are fetched this many at a time: their data lie scattered in the order of the ranking, and the
@@ -118,42 +150,16 @@ std::span<const Row> fetchRows(const SearchCandidates &candidates, std::span<con
 {
     const std::size_t count = std::min(order.size(), rowsAtATime);
     for (std::size_t i = 0; i < count; ++i)
-        rows[i] = {candidates.similarity(order[i]), shares[order[i]], candidates.path(order[i])};
-    // The name stands at the end of the path, often across two lines of the cache.
-    constexpr std::size_t likelyNameLength = 16;
+        rows[i] = {candidates.similarity(order[i]), shares[order[i]], candidates.name(order[i])};
+    // A name often lies across two lines of the cache.
     for (const Row &row : rows.first(count)) {
-        const char *end = row.path.data() + row.path.size();
-        __builtin_prefetch(end - 1);
-        __builtin_prefetch(end - std::min(row.path.size(), likelyNameLength));
+        __builtin_prefetch(row.name.data());
+        __builtin_prefetch(row.name.data() + row.name.size());
     }
     return rows.first(count);
 }
 
 } // namespace
-
-char *writeFixed(char *target, float value, int decimals)
-{
-    // A 32-bit float has 24 significant bits and 10000 is 625 times a power of two, so the product below is
-    // exact in a double, and rounding it to an integer (halves to even) is the one rounding that printf does.
-    const double scale = decimals == 4 ? 10000 : 1000;
-    const double scaled = std::fabs(double(value)) * scale;
-    constexpr double exactIntegers = 9007199254740992; // 2^53
-    if (!(scaled < exactIntegers))
-        return std::to_chars(target, target + longestFixedText, value, std::chars_format::fixed, decimals)
-            .ptr;
-    if (std::signbit(value))
-        *target++ = '-';
-    const auto rounded = std::int64_t(std::nearbyint(scaled));
-    const auto divisor = std::int64_t(scale);
-    target = std::to_chars(target, target + longestFixedText, rounded / divisor).ptr;
-    *target++ = '.';
-    std::int64_t fraction = rounded % divisor;
-    for (int i = decimals - 1; i >= 0; --i) {
-        target[i] = char('0' + fraction % 10);
-        fraction /= 10;
-    }
-    return target + decimals;
-}
 
 bool hasPercentage(float similarity)
 {

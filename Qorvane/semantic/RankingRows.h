@@ -17,7 +17,8 @@ void logRankingRows(const SearchCandidates &candidates, std::span<const std::uin
 
 /// Writes `value` with exactly `decimals` (3 or 4) digits behind the ".", as printf does, and gives the end
 /// of what was written: at most `longestFixedText` bytes.
-char *writeFixed(char *target, float value, int decimals);
+template <int decimals>
+char *writeFixed(char *target, float value);
 
 /// A sign, the 39 digits of the largest 32-bit float, the point and four decimals.
 inline constexpr std::size_t longestFixedText = 45;

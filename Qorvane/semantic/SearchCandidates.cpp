@@ -2,10 +2,29 @@
 
 namespace Qorvane {
 
+namespace {
+
+// The root's path is its own name.
+std::size_t nameStart(std::string_view path)
+{
+    if (path.size() <= 1)
+        return 0;
+    return path.rfind('/') + 1;
+}
+
+} // namespace
+
 void SearchCandidates::append(std::string_view path, float similarity)
 {
-    m_paths.insert(m_paths.end(), path.begin(), path.end());
-    m_pathEnds.push_back(m_paths.size());
+    if (!isInLatestFolder(path))
+        m_folders.emplace_back(path.substr(0, nameStart(path)));
+    const std::size_t index = size() % portionSize;
+    if (index == 0)
+        m_portions.emplace_back();
+    Portion &portion = m_portions.back();
+    portion.names.append(path.substr(m_folders.back().size()));
+    portion.nameEnds[index] = portion.names.size();
+    portion.folders[index] = std::uint32_t(m_folders.size() - 1);
     m_similarities.push_back(similarity);
 }
 
@@ -17,8 +36,19 @@ void SearchCandidates::append(const FileUrl &url, float similarity)
 
 FileUrl SearchCandidates::url(std::size_t index) const
 {
-    const std::string_view bytes = path(index);
-    return FileUrl::file(QString::fromUtf8(bytes.data(), qsizetype(bytes.size())));
+    const Portion &portion = m_portions[index / portionSize];
+    const std::string path =
+        m_folders[portion.folders[index % portionSize]] + std::string(portion.name(index % portionSize));
+    return FileUrl::file(QString::fromStdString(path));
+}
+
+bool SearchCandidates::isInLatestFolder(std::string_view path) const
+{
+    if (m_folders.empty())
+        return false;
+    const std::string &folder = m_folders.back();
+    return !folder.empty() && path.size() > 1 && path.starts_with(folder) &&
+           path.find('/', folder.size()) == std::string_view::npos;
 }
 
 } // namespace Qorvane

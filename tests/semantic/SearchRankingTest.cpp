@@ -36,10 +36,11 @@ QStringList names(const SearchRanking &ranking)
     return found;
 }
 
-std::string fixedText(float value, int decimals)
+template <int decimals>
+std::string fixedText(float value)
 {
     char text[longestFixedText];
-    return {text, writeFixed(text, value, decimals)};
+    return {text, writeFixed<decimals>(text, value)};
 }
 
 std::string printedText(float value, int decimals)
@@ -152,6 +153,26 @@ TEST_F(SearchRankingTest, rowsOfTheMemorySearchBeginOtherwise)
               QStringList({heading, QStringLiteral("🧮 #1 sim=0.5000 (50%) p=1.000 -> 0.jpg")}));
 }
 
+TEST_F(SearchRankingTest, rowsWithNamesOfAnyLengthAreWhole)
+{
+    // The rows are gathered into blocks of text; these fill them to all lengths, and some are longer.
+    SearchCandidates candidates;
+    QStringList expected{heading};
+    for (int i = 0; i < 60; ++i) {
+        const QString name(i % 20 == 7 ? 200'000 + i : 5'000 + 37 * i, QChar(u'a' + i % 26));
+        candidates.append(FileUrl::file(QStringLiteral("/p/") + name), 1 - float(i) / 64);
+        expected.append(QStringLiteral("-> ") + name);
+    }
+    rankCandidates(candidates, 1, CandidateOrigin::database);
+    const QStringList lines = log.lines();
+    ASSERT_EQ(lines.size(), expected.size());
+    EXPECT_EQ(lines[0], heading);
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        EXPECT_TRUE(lines[i].startsWith(QStringLiteral("🧮[DB] #%1 sim=").arg(i)));
+        EXPECT_TRUE(lines[i].endsWith(expected[i])) << "row " << i;
+    }
+}
+
 TEST_F(SearchRankingTest, withoutCandidatesOnlyTheHeadingIsLogged)
 {
     EXPECT_EQ(rankCandidates({}, 20, CandidateOrigin::database), SearchRanking());
@@ -221,19 +242,21 @@ TEST(SoftmaxShares, areZeroWhenTheWeightsAddUpToNothing)
 
 TEST(RankingRows, fixedNumbersAreThoseOfPrintf)
 {
-    std::vector<float> values{0.0F,      -0.0F,
-                              1.0F,      -1.0F,
-                              0.15F,     0.1499F,
-                              0.2599F,   0.99995F,
-                              0.999949F, 9.9995F,
-                              0.00005F,  -0.00005F,
-                              0.00004F,  -0.00004F,
-                              1e-30F,    -1e-45F,
-                              123.456F,  8192.5F,
-                              1e6F,      1.5e9F,
-                              9e11F,     1e15F,
-                              1e20F,     3.4e38F,
-                              -3.4e38F,  std::numeric_limits<float>::denorm_min()};
+    std::vector<float> values{0.0F,       -0.0F,
+                              1.0F,       -1.0F,
+                              0.15F,      0.1499F,
+                              0.2599F,    0.99995F,
+                              0.999949F,  9.9995F,
+                              0.00005F,   -0.00005F,
+                              0.00004F,   -0.00004F,
+                              1e-30F,     -1e-45F,
+                              123.456F,   8192.5F,
+                              1e6F,       1.5e9F,
+                              9e11F,      1e15F,
+                              1e20F,      3.4e38F,
+                              -3.4e38F,   std::numeric_limits<float>::denorm_min(),
+                              429496.7F,  429496.75F,
+                              4294967.0F, 4294967.5F};
     // Numbers that lie exactly between two results: odd multiples of 1/32 and 1/16, up to both rounding
     // directions.
     for (int i = -4096; i <= 4096; ++i) {
@@ -252,8 +275,8 @@ TEST(RankingRows, fixedNumbersAreThoseOfPrintf)
             values.push_back(any);
     }
     for (const float value : values) {
-        ASSERT_EQ(fixedText(value, 4), printedText(value, 4)) << value;
-        ASSERT_EQ(fixedText(value, 3), printedText(value, 3)) << value;
+        ASSERT_EQ(fixedText<4>(value), printedText(value, 4)) << value;
+        ASSERT_EQ(fixedText<3>(value), printedText(value, 3)) << value;
     }
 }
 

@@ -37,7 +37,7 @@ TEST(VectorScorer, givesEveryRowItsCosineInTheOrderAdded)
         const SearchCandidates candidates = scorer.finish();
         ASSERT_EQ(candidates.size(), rowCount);
         for (std::size_t row = 0; row < rowCount; ++row) {
-            EXPECT_EQ(candidates.path(row), "/p/" + std::to_string(row));
+            EXPECT_EQ(candidates.name(row), std::to_string(row));
             EXPECT_EQ(candidates.similarity(row), expected[row]);
         }
     }
@@ -54,6 +54,36 @@ TEST(VectorScorer, passesOverRowsOfAnotherLength)
     const SearchCandidates candidates = scorer.finish();
     ASSERT_EQ(candidates.size(), 1U);
     EXPECT_EQ(candidates.url(0), FileUrl::file(QStringLiteral("/b")));
+}
+
+TEST(VectorScorer, rowsOfAnotherLengthInsideABlockLeaveItsOtherRowsAlone)
+{
+    std::mt19937 random(9);
+    const std::vector<float> query = randomVector(random, 512);
+    constexpr std::size_t added = 3 * CosineBlock::rowCount;
+    // At the beginning of a block, in its middle, at its end, and where the block would be full with it.
+    for (const std::size_t strange : {std::size_t(0), CosineBlock::rowCount / 2, CosineBlock::rowCount - 1,
+                                      CosineBlock::rowCount, added - 1}) {
+        for (const std::size_t length : {0U, 511U, 513U, 1024U}) {
+            VectorScorer scorer(query);
+            std::vector<float> expected;
+            std::vector<std::string> names;
+            for (std::size_t row = 0; row < added; ++row) {
+                const std::vector<float> vector = randomVector(random, row == strange ? length : 512);
+                scorer.add("/p/" + std::to_string(row), std::as_bytes(std::span(vector)));
+                if (row == strange)
+                    continue;
+                expected.push_back(cosineSimilarity(vector, query));
+                names.push_back(std::to_string(row));
+            }
+            const SearchCandidates candidates = scorer.finish();
+            ASSERT_EQ(candidates.size(), added - 1);
+            for (std::size_t i = 0; i < candidates.size(); ++i) {
+                EXPECT_EQ(candidates.name(i), names[i]);
+                EXPECT_EQ(candidates.similarity(i), expected[i]);
+            }
+        }
+    }
 }
 
 TEST(VectorScorer, countsWholeFloatsOnly)
