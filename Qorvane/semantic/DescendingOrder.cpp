@@ -60,14 +60,15 @@ std::vector<std::uint32_t> descendingOrder(std::span<const float> values)
             ++starts[std::size_t(place)][digit(items[i].key, place)];
     }
     turnIntoStarts(starts);
-    for (int place = 0; place < digitCount; ++place) {
+    for (int place = 0; place + 1 < digitCount; ++place) {
         for (const Item &item : items)
             sorted[starts[std::size_t(place)][digit(item.key, place)]++] = item;
         items.swap(sorted);
     }
     std::vector<std::uint32_t> order(items.size());
-    for (std::size_t i = 0; i < items.size(); ++i)
-        order[i] = items[i].index;
+    constexpr int lastPlace = digitCount - 1;
+    for (const Item &item : items)
+        order[starts[lastPlace][digit(item.key, lastPlace)]++] = item.index;
     return order;
 }
 

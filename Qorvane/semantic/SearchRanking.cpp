@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace Qorvane {
 
@@ -19,9 +20,8 @@ static_assert(std::bit_cast<std::uint32_t>(defaultLogitScale) == 0x42C80184);
 
 std::vector<float> softmaxShares(std::span<const float> similarities, float logitScale)
 {
-    std::vector<float> shares(similarities.size(), 0.0F);
     if (similarities.empty())
-        return shares;
+        return {};
     std::vector<float> logits(similarities.size());
     std::transform(similarities.begin(), similarities.end(), logits.begin(),
                    [logitScale](float similarity) { return similarity * logitScale; });
@@ -32,9 +32,9 @@ std::vector<float> softmaxShares(std::span<const float> similarities, float logi
         weights[i] = std::exp(double(logits[i] - largest));
         sum += weights[i];
     }
-    if (sum > 0)
-        std::transform(weights.begin(), weights.end(), shares.begin(),
-                       [sum](double weight) { return float(weight / sum); });
+    std::vector<float> shares = std::move(logits);
+    std::transform(weights.begin(), weights.end(), shares.begin(),
+                   [sum](double weight) { return sum > 0 ? float(weight / sum) : 0.0F; });
     return shares;
 }
 
