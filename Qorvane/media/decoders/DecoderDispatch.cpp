@@ -14,6 +14,8 @@
 #include "media/decoders/VipsDecoder.h"
 #include "media/decoders/X3fDecoder.h"
 
+#include <cctype>
+
 namespace Qorvane {
 
 namespace {
@@ -38,11 +40,31 @@ std::optional<QImage> decodeTiff(const ByteSource &bytes, const DecodeRequest &r
     return decodeWithMagick(bytes, "TIFF", request, second);
 }
 
-/// libvips stumbles over a comment behind another one and then takes its words for numbers.
+/// Whether a comment follows another one before the picture's size and range are told.
+bool hasStackedComments(const QByteArray &head)
+{
+    constexpr int numbersOfHeader = 3;
+    bool isBehindComment = false;
+    int numbers = 0;
+    for (qsizetype i = 2; i < head.size() && numbers < numbersOfHeader; ++i) {
+        if (std::isspace(uchar(head[i])))
+            continue;
+        const bool isComment = head[i] == '#';
+        if (isComment && isBehindComment)
+            return true;
+        isBehindComment = isComment;
+        numbers += isComment ? 0 : 1;
+        while (i < head.size() && !(isComment ? head[i] == '\n' : std::isspace(uchar(head[i])) != 0))
+            ++i;
+    }
+    return false;
+}
+
+/// libvips takes the words of a second comment for numbers.
 std::optional<QImage> decodePnm(const ByteSource &bytes, const DecodeRequest &request, QString &reason)
 {
-    constexpr qint64 headerSize = 512;
-    if (bytes.bytes(0, headerSize).contains('#')) {
+    constexpr qint64 headerSize = 1024;
+    if (hasStackedComments(bytes.bytes(0, headerSize))) {
         if (const auto image = decodeWithQt(bytes, "ppm", request, reason))
             return image;
     }
