@@ -2,8 +2,11 @@
 
 #include "media/CountedBytes.h"
 #include "media/PictureFiles.h"
+#include "media/decoders/DecoderDispatch.h"
+#include "media/decoders/HeifDecoder.h"
 #include "media/decoders/Jpeg2000Decoder.h"
 #include "media/decoders/JpegDecoder.h"
+#include "media/decoders/QtDecoder.h"
 #include "media/decoders/SoftimagePic.h"
 #include "media/decoders/X3fDecoder.h"
 
@@ -129,6 +132,56 @@ TEST(DecodeLimits, aSoftimagePictureLeavesMemoryForItsReduction)
     QString reason;
     EXPECT_FALSE(decodeSoftimagePic(MemoryBytes(pic), DecodeRequest(), reason));
     EXPECT_EQ(reason, QStringLiteral("16000 x 16000 pixels are too many"));
+}
+
+TEST(DecodeLimits, decodersThatCannotBeStoppedGetNothingMoreToReadAfterTheDeadline)
+{
+    const QImage picture = PictureFiles::testPicture(300, 300);
+    QString reason;
+    const CountedBytes bmp(PictureFiles::qtFile(picture, "bmp"));
+    EXPECT_FALSE(decodeWithQt(bmp, "bmp", lateRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("decoding took too long"));
+    EXPECT_EQ(bmp.readCount(), 0);
+    const CountedBytes heif(PictureFiles::vipsFile(picture, ".avif"));
+    EXPECT_FALSE(decodeHeif(heif, lateRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("decoding took too long"));
+    EXPECT_EQ(heif.readCount(), 0);
+    const CountedBytes jp2(PictureFiles::vipsFile(picture, ".jp2"));
+    EXPECT_FALSE(decodeJpeg2000(jp2, lateRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("decoding took too long"));
+    EXPECT_LE(jp2.readCount(), 1); // which of the two containers it is
+}
+
+TEST(DecodeLimits, aGifCountsAsOftenAsItsCanvasIsHeld)
+{
+    QByteArray gif = PictureFiles::vipsFile(PictureFiles::testPicture(300, 300), ".gif");
+    QString reason;
+    ASSERT_TRUE(decodeContent(MemoryBytes(gif), ContentType::gif, DecodeRequest(), reason));
+    const qsizetype frame = gif.indexOf(QByteArray(",\0\0\0\0\x2c\x01\x2c\x01", 9));
+    ASSERT_GT(frame, 0);
+    const QByteArray side = QByteArray("\x10\x27\x10\x27", 4); // 10 000 each way
+    gif.replace(6, 4, side);
+    gif.replace(frame + 5, 4, side);
+    EXPECT_FALSE(decodeContent(MemoryBytes(gif), ContentType::gif, DecodeRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("its pixels take too much memory"));
+}
+
+TEST(DecodeLimits, aWebPCountsWithWhatItsDecoderHolds)
+{
+    QByteArray webP = PictureFiles::vipsFile(PictureFiles::testPicture(300, 300), ".webp[lossless]");
+    QString reason;
+    ASSERT_TRUE(decodeContent(MemoryBytes(webP), ContentType::webp, DecodeRequest(), reason));
+    // 16 000 each way: three bytes each for the canvas, 14 bits each behind the mark of a lossless picture.
+    constexpr quint32 side = 15'999;
+    const qsizetype canvas = webP.indexOf("VP8X") + 12;
+    const qsizetype frame = webP.indexOf("VP8L") + 9;
+    ASSERT_EQ(webP[frame - 1], '\x2f');
+    ASSERT_EQ(canvas, 24);
+    webP.replace(canvas, 6, QByteArray("\x7f\x3e\0\x7f\x3e\0", 6));
+    const quint32 bits = qFromLittleEndian<quint32>(webP.constData() + frame);
+    qToLittleEndian<quint32>((bits & 0xf0000000) | side << 14 | side, webP.data() + frame);
+    EXPECT_FALSE(decodeContent(MemoryBytes(webP), ContentType::webp, DecodeRequest(), reason));
+    EXPECT_EQ(reason, QStringLiteral("its pixels take too much memory"));
 }
 
 } // namespace Qorvane

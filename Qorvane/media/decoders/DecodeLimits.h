@@ -17,8 +17,8 @@ constexpr qint64 maximumMemory = qint64(1) << 30;
 /// Pixels for decoders that hold the whole picture, at four bytes each.
 constexpr qint64 maximumPixelsInMemory = maximumMemory / 4;
 
-/// Pixels for decoders that can't be stopped half-way. The slowest of them makes some 5 million a second, so
-/// that this many still end in time.
+/// Pixels for decoders that can't be stopped at every point. The slowest of them makes some 5 million a
+/// second, so that this many still end in time.
 constexpr qint64 maximumPixelsUnstoppable = 100'000'000;
 
 /// No side of a picture is longer in any of the formats that matter; it keeps products of two sides and a

@@ -39,14 +39,17 @@ constexpr int maximumHeifSide = 32768;
 // off.
 constexpr double shapeTolerance = 0.05;
 
-/// libheif's view of a ByteSource: a file that is there as a whole.
+/// libheif's view of a ByteSource: a file that is there as a whole, until the deadline. It reads the tiles of
+/// a picture one by one, so that releases that can't be stopped otherwise give up between two of them.
 struct Input
 {
-    explicit Input(const ByteSource &source)
+    Input(const ByteSource &source, const QDeadlineTimer &limit)
         : bytes(source)
+        , deadline(limit)
     {
     }
     const ByteSource &bytes;
+    const QDeadlineTimer &deadline;
     int64_t position = 0;
 };
 
@@ -58,7 +61,8 @@ const heif_reader &inputReader()
         result.get_position = [](void *input) { return static_cast<Input *>(input)->position; };
         result.read = [](void *buffer, size_t size, void *data) {
             auto *input = static_cast<Input *>(data);
-            const bool isRead = input->bytes.readAt(input->position, buffer, qint64(size)) == qint64(size);
+            const bool isRead = !input->deadline.hasExpired() &&
+                                input->bytes.readAt(input->position, buffer, qint64(size)) == qint64(size);
             input->position += int64_t(size);
             return isRead ? 0 : 1;
         };
@@ -74,6 +78,30 @@ const heif_reader &inputReader()
         return result;
     }();
     return reader;
+}
+
+/// Has `options` stop the decode when the deadline has passed, where the release can.
+template <typename DecodingOptions>
+void stopWhenLate(DecodingOptions &options, const QDeadlineTimer &deadline)
+{
+    if constexpr (requires { options.cancel_decoding; }) {
+        constexpr int firstVersionThatStops = 6;
+        if (options.version < firstVersionThatStops)
+            return;
+        options.progress_user_data = const_cast<QDeadlineTimer *>(&deadline);
+        options.cancel_decoding = [](void *limit) {
+            return static_cast<const QDeadlineTimer *>(limit)->hasExpired() ? 1 : 0;
+        };
+    }
+}
+
+/// What a pixel takes in all: the decoder's planes, libheif's copy of them, the colours made of them (first
+/// in their own depth), and the picture.
+qint64 bytesPerPixel(const heif_image_handle *handle)
+{
+    constexpr qint64 eightBits = 3 + 3 + 4 + 4;
+    constexpr qint64 moreBits = 6 + 6 + 8 + 4;
+    return heif_image_handle_get_luma_bits_per_pixel(handle) > 8 ? moreBits : eightBits;
 }
 
 QSize sizeOf(const heif_image_handle *handle)
@@ -109,10 +137,13 @@ std::optional<QImage> decodeHandle(const heif_image_handle *handle, const Decode
                                    QString &reason)
 {
     const QSize size = sizeOf(handle);
-    if (!DecodeLimits::admits(size.width(), size.height(), DecodeLimits::maximumPixelsUnstoppable, reason))
+    const qint64 pixels =
+        qMin(DecodeLimits::maximumPixelsUnstoppable, DecodeLimits::maximumMemory / bytesPerPixel(handle));
+    if (!DecodeLimits::admits(size.width(), size.height(), pixels, reason))
         return std::nullopt;
     const Options options(heif_decoding_options_alloc());
     options->convert_hdr_to_8bit = 1;
+    stopWhenLate(*options, request.deadline);
     const bool hasAlpha = heif_image_handle_has_alpha_channel(handle);
     heif_image *decoded = nullptr;
     const heif_error error = heif_decode_image(
@@ -120,7 +151,8 @@ std::optional<QImage> decodeHandle(const heif_image_handle *handle, const Decode
         hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB, options.get());
     const Picture picture(decoded);
     if (error.code != heif_error_Ok || !picture) {
-        reason = QString::fromUtf8(error.message);
+        reason = request.deadline.hasExpired() ? QStringLiteral("decoding took too long")
+                                               : QString::fromUtf8(error.message);
         return std::nullopt;
     }
     const QImage image = toQImage(picture.get(), hasAlpha, heif_image_handle_is_premultiplied_alpha(handle));
@@ -162,12 +194,13 @@ std::optional<QImage> decodeThumbnail(const heif_image_handle *main, const Decod
 
 std::optional<QImage> decodeHeif(const ByteSource &bytes, const DecodeRequest &request, QString &reason)
 {
-    Input input(bytes);
+    Input input(bytes, request.deadline);
     const Context context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), maximumHeifSide);
     const heif_error opening = heif_context_read_from_reader(context.get(), &inputReader(), &input, nullptr);
     if (opening.code != heif_error_Ok) {
-        reason = QString::fromUtf8(opening.message);
+        reason = request.deadline.hasExpired() ? QStringLiteral("decoding took too long")
+                                               : QString::fromUtf8(opening.message);
         return std::nullopt;
     }
     heif_image_handle *found = nullptr;

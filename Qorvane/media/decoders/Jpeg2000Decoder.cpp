@@ -41,9 +41,11 @@ constexpr qint64 minimumSamples = 4;
 constexpr int maximumHalvings = 32;
 constexpr char codestreamMark = '\xff';
 
+/// The file ends with the deadline: OpenJPEG reads tile after tile and can be stopped in no other way.
 struct Input
 {
     const ByteSource &bytes;
+    const QDeadlineTimer &deadline;
     qint64 position = 0;
 };
 
@@ -54,6 +56,8 @@ Stream makeStream(Input &input)
     opj_stream_set_user_data_length(stream.get(), OPJ_UINT64(input.bytes.size()));
     opj_stream_set_read_function(stream.get(), [](void *buffer, OPJ_SIZE_T count, void *data) {
         auto *from = static_cast<Input *>(data);
+        if (from->deadline.hasExpired())
+            return OPJ_SIZE_T(-1);
         const qint64 done = from->bytes.readAt(from->position, buffer, qint64(count));
         from->position += done;
         return done > 0 ? OPJ_SIZE_T(done) : OPJ_SIZE_T(-1);
@@ -179,7 +183,7 @@ QImage toQImage(const opj_image_t &picture)
 /// Reads the header and, unless that asks for too much, the pixels after `halvings`; -1 for as many as fit.
 Picture decode(const ByteSource &bytes, const DecodeRequest &request, int halvings, QString &reason)
 {
-    Input input{bytes};
+    Input input{bytes, request.deadline};
     const Stream stream = makeStream(input);
     const bool isCodestream = bytes.bytes(0, 1) == QByteArray(1, codestreamMark);
     const Codec codec(opj_create_decompress(isCodestream ? OPJ_CODEC_J2K : OPJ_CODEC_JP2));
@@ -225,7 +229,9 @@ std::optional<QImage> decodeJpeg2000(const ByteSource &bytes, const DecodeReques
     if (!picture && request.maxPixelSize > 0 && !request.deadline.hasExpired())
         picture = decode(bytes, request, 0, reason);
     if (!picture) {
-        if (reason.isEmpty())
+        if (request.deadline.hasExpired())
+            reason = QStringLiteral("decoding took too long");
+        else if (reason.isEmpty())
             reason = QStringLiteral("its data is damaged");
         return std::nullopt;
     }

@@ -15,6 +15,7 @@
 
 #include <QSemaphore>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -204,8 +205,10 @@ std::optional<QSize> admittedSize(const ::ImageInfo *info, const QByteArray &dat
         reason = reasonOf(exception);
         return std::nullopt;
     }
+    constexpr qint64 bytesOfResult = 4;
     const qint64 pixels =
-        qMin(DecodeLimits::maximumPixelsUnstoppable, MemoryShare::memoryLimit() / bytesPerPixel);
+        std::min({DecodeLimits::maximumPixelsUnstoppable, MemoryShare::memoryLimit() / bytesPerPixel,
+                  DecodeLimits::maximumMemory / (bytesPerPixel + bytesOfResult)});
     if (!DecodeLimits::admits(qint64(header->columns), qint64(header->rows), pixels, reason))
         return std::nullopt;
     return QSize(int(header->columns), int(header->rows));

@@ -8,28 +8,41 @@
 #include <QIODevice>
 #include <QImageReader>
 
+#include <algorithm>
+
 namespace Qorvane {
 
 namespace {
 
-/// A ByteSource as Qt's readers want it.
+/// A ByteSource as Qt's readers want it. It ends with the deadline, since a reader at work can be stopped in
+/// no other way.
 class SourceDevice : public QIODevice
 {
 public:
-    explicit SourceDevice(const ByteSource &bytes)
+    SourceDevice(const ByteSource &bytes, const QDeadlineTimer &deadline)
         : m_bytes(bytes)
+        , m_deadline(deadline)
     {
         open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     }
     qint64 size() const override { return m_bytes.size(); }
 
 protected:
-    qint64 readData(char *data, qint64 count) override { return m_bytes.readAt(pos(), data, count); }
+    qint64 readData(char *data, qint64 count) override
+    {
+        return m_deadline.hasExpired() ? -1 : m_bytes.readAt(pos(), data, count);
+    }
     qint64 writeData(const char *, qint64) override { return -1; }
 
 private:
     const ByteSource &m_bytes;
+    const QDeadlineTimer &m_deadline;
 };
+
+// As read, of 16 bits a channel at worst, and as converted.
+constexpr qint64 bytesPerPixel = 12;
+constexpr qint64 maximumPixels =
+    std::min(DecodeLimits::maximumPixelsUnstoppable, DecodeLimits::maximumMemory / bytesPerPixel);
 
 // No icon has more sizes; a forged directory may claim 65535.
 constexpr int maximumPictures = 256;
@@ -60,18 +73,18 @@ std::optional<QImage> decodeWithQt(const ByteSource &bytes, const QByteArray &fo
                                    const DecodeRequest &request, QString &reason)
 {
     MediaLibraries::ensureReady();
-    SourceDevice device(bytes);
+    SourceDevice device(bytes, request.deadline);
     QImageReader reader(&device, format);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(false);
     jumpToLargest(reader);
     const QSize size = reader.size();
-    if (size.isValid() &&
-        !DecodeLimits::admits(size.width(), size.height(), DecodeLimits::maximumPixelsUnstoppable, reason))
+    if (size.isValid() && !DecodeLimits::admits(size.width(), size.height(), maximumPixels, reason))
         return std::nullopt;
     QImage image = reader.read();
     if (image.isNull()) {
-        reason = reader.errorString();
+        reason =
+            request.deadline.hasExpired() ? QStringLiteral("decoding took too long") : reader.errorString();
         return std::nullopt;
     }
     image.convertTo(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);

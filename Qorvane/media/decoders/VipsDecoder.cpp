@@ -165,6 +165,27 @@ bool isSceneReferred(const VipsImage *image)
     }
 }
 
+/// What the loader keeps of each pixel of the whole picture, though it is asked for strips.
+qint64 heldBytesPerPixel(const VipsImage *image, ContentType type)
+{
+    constexpr qint64 canvas = 4;
+    if (type == ContentType::gif)
+        return canvas * 3; // as drawn, as it was before the last frame, and the frame handed on
+    if (type == ContentType::webp)
+        return canvas * 2; // as decoded, and the frame handed on
+    const bool isInterlaced = vips_image_get_typeof(image, "interlaced") != 0;
+    return isInterlaced ? qint64(VIPS_IMAGE_SIZEOF_PEL(image)) : 0;
+}
+
+/// All that is held at once on the way from `image` to a picture that fills `box`.
+qint64 expectedMemory(const VipsImage *image, ContentType type, QSize box)
+{
+    // Samples and picture; with light to be mapped three floats twice and the picture.
+    const qint64 resultBytesPerPixel = isSceneReferred(image) ? 28 : 8;
+    return heldBytesPerPixel(image, type) * image->Xsize * image->Ysize +
+           resultBytesPerPixel * box.width() * box.height();
+}
+
 void stopWhenLate(VipsImage *image, VipsProgress *, const QDeadlineTimer *deadline)
 {
     if (deadline->hasExpired())
@@ -313,12 +334,14 @@ std::optional<QImage> decode(const ByteSource &source, ContentType type, const D
     const QSize size = sizeOf(image.get());
     if (!DecodeLimits::admits(size.width(), size.height(), DecodeLimits::maximumPixelsInMemory, reason))
         return std::nullopt;
-    if (qint64(VIPS_IMAGE_SIZEOF_IMAGE(image.get())) > DecodeLimits::maximumMemory) {
+    const QSize box = request.boundedSize(size);
+    image = reload(std::move(image), bytes, type, box, damage);
+    if (qint64(VIPS_IMAGE_SIZEOF_IMAGE(image.get())) > DecodeLimits::maximumMemory ||
+        expectedMemory(image.get(), type, box) > DecodeLimits::maximumMemory) {
         reason = QStringLiteral("its pixels take too much memory");
         return std::nullopt;
     }
-    const QSize box = request.boundedSize(size);
-    image = asUnsigned(asColours(reload(std::move(image), bytes, type, box, damage)));
+    image = asUnsigned(asColours(std::move(image)));
     std::optional<QImage> result;
     if (image)
         result = isSceneReferred(image.get()) ? sceneReferred(std::move(image), box, request)
