@@ -2,12 +2,15 @@
 
 #include "clip/ClipTest.h"
 #include "media/EmbeddingMessages.h"
+#include "platform/Log.h"
 #include "support/Waiting.h"
 
 #include <QColor>
+#include <QThread>
 
 #include <gmock/gmock.h>
 
+#include <latch>
 #include <memory>
 #include <thread>
 
@@ -160,11 +163,21 @@ TEST_F(EmbeddingResponderTest, forgetsWhatWaitsForALoadWhenItGoes)
 {
     ChineseClipService service;
     auto responder = std::make_unique<EmbeddingResponder>(service);
-    // Told of the load's beginning, before its thread is started: so this is queued before the load's end.
+    // At the first line that the load writes it waits: its thread may be faster than this one.
+    const auto isGone = std::make_shared<std::latch>(1);
+    Log::setSink([isGone, thisThread = QThread::currentThread()](const QString &) {
+        if (QThread::currentThread() != thisThread)
+            isGone->wait();
+    });
     QObject::connect(&service, &ChineseClipService::isLoadingModelsChanged, &service, [&] {
         if (service.isLoadingModels())
             QMetaObject::invokeMethod(
-                &service, [&] { responder.reset(); }, Qt::QueuedConnection);
+                &service,
+                [&] {
+                    responder.reset();
+                    isGone->count_down();
+                },
+                Qt::QueuedConnection);
     });
     post(request(QStringLiteral("late"), plainPicture(Qt::red)));
     ASSERT_TRUE(waitUntil([&service] { return service.modelsLoaded() && !service.isLoadingModels(); }));
