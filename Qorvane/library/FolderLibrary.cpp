@@ -200,32 +200,48 @@ void FolderLibrary::saveFavoriteBookmarks()
 
 void FolderLibrary::loadBookmarks(Change completion)
 {
-    const auto publish = [self = QPointer(this),
-                          completion = std::move(completion)](const QList<Folder> &roots) {
-        if (!self)
-            return;
-        self->m_state.publishLibraryFolders(roots);
-        // What couldn't be reached at this start is thereby forgotten, by design.
+    // In its turn, since it replaces the list: a folder added while it reads would be lost again.
+    m_rootChanges.perform([this, completion = std::move(completion)] {
+        m_rootChanges.hold();
+        const auto stored = std::make_shared<std::optional<QList<QByteArray>>>();
+        const auto read = [stored] { *stored = FolderBookmarks::library().stored(); };
+        // Read behind the saves that were asked for before, but not resolved there: that may take long.
+        m_surroundings.bookmarkWrites->perform(read, this, [this, stored, completion] {
+            if (*stored)
+                resolve(**stored, completion);
+            else
+                m_rootChanges.release();
+        });
+    });
+}
+
+void FolderLibrary::resolve(const QList<QByteArray> &bookmarks, const Change &completion)
+{
+    GlobalQueue::async(
+        QualityOfService::userInitiated,
+        [self = QPointer(this), weak = std::weak_ptr(m_surroundings.snapshot), bookmarks, completion] {
+            if (weak.expired())
+                return;
+            QList<Folder> roots;
+            for (const QByteArray &bookmark : bookmarks) {
+                if (const auto url = FolderBookmarks::library().resolve(bookmark))
+                    roots.append(FolderTree::buildFolderHierarchy(*url));
+            }
+            MainQueue::async([self, roots, completion] {
+                if (self)
+                    self->publishLoaded(roots, completion);
+            });
+        });
+}
+
+void FolderLibrary::publishLoaded(const QList<Folder> &roots, const Change &completion)
+{
+    m_state.publishLibraryFolders(roots);
+    // What couldn't be reached at this start is thereby forgotten, by design.
+    saveBookmarks([this, completion] {
         if (completion)
-            self->saveBookmarks(completion);
-        else
-            self->saveBookmarks();
-    };
-    const auto resolve = [publish,
-                          weak = std::weak_ptr(m_surroundings.snapshot)](const QList<QByteArray> &bookmarks) {
-        if (weak.expired())
-            return;
-        QList<Folder> roots;
-        for (const QByteArray &bookmark : bookmarks) {
-            if (const auto url = FolderBookmarks::library().resolve(bookmark))
-                roots.append(FolderTree::buildFolderHierarchy(*url));
-        }
-        MainQueue::async([publish, roots] { publish(roots); });
-    };
-    // Read behind the saves that were asked for before, but not resolved there: that may take long.
-    m_surroundings.bookmarkWrites->perform([resolve] {
-        if (const std::optional<QList<QByteArray>> stored = FolderBookmarks::library().stored())
-            GlobalQueue::async(QualityOfService::userInitiated, [resolve, stored] { resolve(*stored); });
+            completion();
+        m_rootChanges.release();
     });
 }
 

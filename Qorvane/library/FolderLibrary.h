@@ -55,6 +55,8 @@ public:
 private:
     using Change = ChangeLine::Change;
 
+    void resolve(const QList<QByteArray> &bookmarks, const Change &completion);
+    void publishLoaded(const QList<Folder> &roots, const Change &completion);
     void readTree(const FileUrl &url);
     void adopt(const Folder &folder);
     void finishAdoption(const Folder &folder, bool isFirst);

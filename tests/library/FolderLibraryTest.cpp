@@ -230,6 +230,20 @@ TEST_F(FolderLibraryTest, rootsComeBackAtTheNextStartWithoutThoseThatAreGone)
     EXPECT_EQ(qorManager->selectedFolder(), std::nullopt);
 }
 
+TEST_F(FolderLibraryTest, aFolderAddedWhileTheStoredOnesAreReadComesAfterThem)
+{
+    UserDefaults::standard().setDataArray(
+        QStringLiteral("libraryFolders"),
+        {bookmark(QStringLiteral("two")), bookmark(QStringLiteral("three"))});
+    qorManager = std::make_unique<QorManage>(nullptr, LibraryTimings{0.01, 0.01, 0.01, 0.01});
+    qorManager->addFolder(one);
+    ASSERT_TRUE(waitUntil([&] { return qorManager->libraryFolders().size() == 3; }));
+    settle();
+    EXPECT_EQ(rootNames(),
+              (QStringList{QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("one")}));
+    EXPECT_EQ(qorManager->selectedFolder(), std::nullopt);
+}
+
 TEST_F(FolderLibraryTest, loadingCallsBackOnlyWhenAListWasEverStored)
 {
     int calls = 0;
