@@ -27,6 +27,11 @@ TaskHandle DetachedTask::start(QualityOfService quality, Body body)
     return handle;
 }
 
+bool DetachedTask::isIdle()
+{
+    return pools().isIdle();
+}
+
 void DetachedTask::waitUntilIdle()
 {
     pools().waitUntilIdle();

@@ -38,6 +38,9 @@ public:
     /// Starts `body` at `quality`; the handle it is given is the one returned. Any thread.
     static TaskHandle start(QualityOfService quality, Body body);
 
+    /// Whether no detached task is running at this moment. Any thread.
+    static bool isIdle();
+
     /// Waits until no detached task is running. For an orderly end of tests and tools.
     static void waitUntilIdle();
 };

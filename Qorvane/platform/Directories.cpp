@@ -3,6 +3,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace Qorvane::Directories {
 
 namespace {
@@ -17,6 +20,15 @@ std::optional<QString> baseDirectory(const char *variable, QLatin1String belowHo
     if (home.startsWith(u'/'))
         return QDir::cleanPath(home + u'/' + belowHome);
     return std::nullopt;
+}
+
+// Whoever may write there could stand in for us. Not through a link, which another may have laid.
+bool isOnlyOurs(const QString &folder)
+{
+    struct stat found = {};
+    return ::lstat(QFile::encodeName(folder).constData(), &found) == 0 && S_ISDIR(found.st_mode) &&
+           found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0 &&
+           ::access(QFile::encodeName(folder).constData(), W_OK) == 0;
 }
 
 } // namespace
@@ -34,6 +46,17 @@ std::optional<QString> caches()
 std::optional<QString> configuration()
 {
     return baseDirectory("XDG_CONFIG_HOME", QLatin1String(".config"));
+}
+
+std::optional<QString> runtime()
+{
+    // Someone else's after a change of user that kept the environment.
+    const QString given = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
+    if (given.startsWith(u'/') && isOnlyOurs(QDir::cleanPath(given)))
+        return QDir::cleanPath(given);
+    const QString own = QStringLiteral("%1/qorvane-%2").arg(QDir::tempPath()).arg(::geteuid());
+    ::mkdir(QFile::encodeName(own).constData(), S_IRWXU);
+    return isOnlyOurs(own) ? std::optional(own) : std::nullopt;
 }
 
 bool create(const QString &path)

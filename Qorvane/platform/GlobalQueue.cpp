@@ -31,6 +31,11 @@ void GlobalQueue::async(QualityOfService quality, Block block)
     pools().start(quality, std::move(block));
 }
 
+bool GlobalQueue::isIdle()
+{
+    return pools().isIdle();
+}
+
 void GlobalQueue::waitUntilIdle()
 {
     pools().waitUntilIdle();

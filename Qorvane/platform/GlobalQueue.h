@@ -16,6 +16,9 @@ public:
     /// Queues `block` on the pool of `quality` and returns at once. Any thread.
     static void async(QualityOfService quality, Block block);
 
+    /// Whether no block runs or waits at this moment. Any thread.
+    static bool isIdle();
+
     /// Waits until every pool is idle. For an orderly end of tests and tools; not from a pool's own block.
     static void waitUntilIdle();
 };

@@ -1,5 +1,6 @@
 #include "platform/WorkerPools.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -22,6 +23,13 @@ void WorkerPools::start(QualityOfService quality, std::function<void()> block)
             block();
         });
     });
+}
+
+bool WorkerPools::isIdle() const
+{
+    // What is queued has a thread at work before it.
+    return std::ranges::all_of(m_pools,
+                               [](const QThreadPool &pool) { return pool.activeThreadCount() == 0; });
 }
 
 void WorkerPools::waitUntilIdle()

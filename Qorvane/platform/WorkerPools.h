@@ -20,6 +20,9 @@ public:
     /// Queues `block` on the pool of `quality` and returns at once. Any thread.
     void start(QualityOfService quality, std::function<void()> block);
 
+    /// Whether nothing runs and nothing is queued at this moment. Any thread.
+    bool isIdle() const;
+
     /// Waits until every pool is idle. Not from a pool's own block.
     void waitUntilIdle();
 

@@ -38,6 +38,18 @@ TEST(DetachedTask, aTaskThatWaitsKeepsNoOtherFromStarting)
     EXPECT_EQ(ended, count);
 }
 
+TEST(DetachedTask, isIdleWhenNoTaskRuns)
+{
+    DetachedTask::waitUntilIdle();
+    EXPECT_TRUE(DetachedTask::isIdle());
+    std::binary_semaphore mayEnd(0);
+    DetachedTask::start(QualityOfService::background, [&mayEnd](const TaskHandle &) { mayEnd.acquire(); });
+    EXPECT_FALSE(DetachedTask::isIdle());
+    mayEnd.release();
+    DetachedTask::waitUntilIdle();
+    EXPECT_TRUE(DetachedTask::isIdle());
+}
+
 TEST(DetachedTask, aCancelIsSeenByTheTaskAndByEveryCopyOfTheHandle)
 {
     std::binary_semaphore isCancelled(0);

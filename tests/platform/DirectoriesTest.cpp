@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -22,12 +23,17 @@ protected:
     }
     ~DirectoriesTest() override
     {
-        for (std::size_t i = 0; i < names.size(); ++i)
-            qputenv(names[i], m_before[i]);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (m_before[i].isNull())
+                qunsetenv(names[i]);
+            else
+                qputenv(names[i], m_before[i]);
+        }
     }
 
-    static constexpr std::array names{"HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME"};
-    std::array<QByteArray, 4> m_before;
+    static constexpr std::array names{
+        "HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR", "TMPDIR"};
+    std::array<QByteArray, names.size()> m_before;
 };
 
 TEST_F(DirectoriesTest, areWhereTheEnvironmentSays)
@@ -72,6 +78,45 @@ TEST_F(DirectoriesTest, areNotCreatedByAsking)
     qputenv("XDG_DATA_HOME", QFile::encodeName(path));
     EXPECT_EQ(Directories::applicationSupport(), path);
     EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(DirectoriesTest, theRuntimeFolderIsTheSessions)
+{
+    EXPECT_EQ(Directories::runtime(), qEnvironmentVariable("XDG_RUNTIME_DIR"));
+}
+
+TEST_F(DirectoriesTest, withoutASessionTheRuntimeFolderIsOneOfOurOwn)
+{
+    const QTemporaryDir temporary;
+    qputenv("TMPDIR", QFile::encodeName(temporary.path()));
+    for (const char *useless : {"", "relative", "/nowhere/at/all"}) {
+        qputenv("XDG_RUNTIME_DIR", useless);
+        const std::optional<QString> folder = Directories::runtime();
+        ASSERT_TRUE(folder);
+        EXPECT_TRUE(folder->startsWith(temporary.path()));
+        EXPECT_EQ(QFileInfo(*folder).permissions() & (QFile::ReadGroup | QFile::ReadOther), 0);
+        EXPECT_TRUE(QFileInfo(*folder).isDir());
+    }
+}
+
+TEST_F(DirectoriesTest, aFolderThatOthersMayWriteToIsNoRuntimeFolder)
+{
+    const QTemporaryDir temporary;
+    qputenv("TMPDIR", QFile::encodeName(temporary.path()));
+    const QString open = temporary.filePath(QStringLiteral("open"));
+    ASSERT_TRUE(QDir().mkpath(open));
+    ASSERT_TRUE(QFile::setPermissions(open, QFile::Permissions(0x7777)));
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(open));
+    EXPECT_NE(Directories::runtime(), open);
+
+    qunsetenv("XDG_RUNTIME_DIR");
+    const std::optional<QString> own = Directories::runtime();
+    ASSERT_TRUE(own);
+    ASSERT_TRUE(QFile::setPermissions(*own, QFile::Permissions(0x7777)));
+    EXPECT_FALSE(Directories::runtime());
+    ASSERT_TRUE(QDir().rmdir(*own));
+    ASSERT_TRUE(QFile::link(open, *own));
+    EXPECT_FALSE(Directories::runtime());
 }
 
 TEST_F(DirectoriesTest, createMakesEveryFolderOnTheWayAndMayBeRepeated)

@@ -52,6 +52,19 @@ TEST(GlobalQueue, aFullPoolOfBackgroundWorkDoesNotHoldUpUrgentBlocks)
     EXPECT_TRUE(urgentIsDone.try_wait());
 }
 
+TEST(GlobalQueue, isIdleWhenNoBlockRunsOrWaits)
+{
+    GlobalQueue::waitUntilIdle();
+    EXPECT_TRUE(GlobalQueue::isIdle());
+    std::latch mayEnd(1);
+    for (int i = 0; i < 100; ++i)
+        GlobalQueue::async(QualityOfService::background, [&mayEnd] { mayEnd.wait(); });
+    EXPECT_FALSE(GlobalQueue::isIdle());
+    mayEnd.count_down();
+    GlobalQueue::waitUntilIdle();
+    EXPECT_TRUE(GlobalQueue::isIdle());
+}
+
 TEST(GlobalQueue, aBlockMayQueueAnother)
 {
     std::atomic_bool hasRun = false;
