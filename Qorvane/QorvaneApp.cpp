@@ -1,7 +1,10 @@
 #include "QorvaneApp.h"
 
 #include "library/QorManage.h"
+#include "platform/DetachedTask.h"
 #include "platform/Directories.h"
+#include "platform/GlobalQueue.h"
+#include "platform/InstanceMessage.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationPermission.h"
@@ -9,11 +12,30 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace Qorvane {
 
-QorvaneApp::QorvaneApp(QObject *parent)
-    : QObject(parent)
+namespace {
+
+// Nobody waits for the end of a process without a window, and the records of a folder that was removed just
+// before it was closed go a second later.
+constexpr auto betweenLooks = std::chrono::seconds(1);
+
+// All work of the library runs there, also what a run begins with: the walk through its folder.
+bool isWorking()
 {
+    return !DetachedTask::isIdle() || !GlobalQueue::isIdle();
+}
+
+} // namespace
+
+QorvaneApp::QorvaneApp(QObject *parent, const LibraryTimings &timings)
+    : QObject(parent)
+    , m_timings(timings)
+    , m_idleWatch(isWorking, betweenLooks)
+{
+    connect(&m_idleWatch, &IdleWatch::idle, this, &QorvaneApp::finished);
 }
 
 QorvaneApp::~QorvaneApp() = default;
@@ -21,12 +43,13 @@ QorvaneApp::~QorvaneApp() = default;
 QorManage &QorvaneApp::qorManager()
 {
     if (!m_qorManager)
-        m_qorManager = std::make_unique<QorManage>();
+        m_qorManager = std::make_unique<QorManage>(nullptr, m_timings);
     return *m_qorManager;
 }
 
 bool QorvaneApp::openMainWindow()
 {
+    m_idleWatch.stop();
     if (!m_contentView) {
         m_contentView = std::make_unique<ContentView>(qorManager());
         connect(m_contentView.get(), &ContentView::appeared, this, &QorvaneApp::appear);
@@ -35,15 +58,43 @@ bool QorvaneApp::openMainWindow()
         connect(m_contentView.get(), &ContentView::closed, this, [this] {
             MainQueue::async([self = QPointer(this)] {
                 if (self)
-                    self->m_contentView.reset();
+                    self->dropClosedWindow();
             });
         });
     }
-    return m_contentView->show();
+    const bool isShown = m_contentView->show();
+    if (!isShown)
+        m_idleWatch.start();
+    return isShown;
+}
+
+void QorvaneApp::dropClosedWindow()
+{
+    // It may have been shown again since.
+    if (!m_contentView || m_contentView->isShown())
+        return;
+    m_contentView.reset();
+    m_idleWatch.start();
+}
+
+void QorvaneApp::obey(const QStringList &message)
+{
+    if (const std::optional<QByteArray> token = InstanceMessage::shownWith(message)) {
+        // Where the toolkit looks for it when a window asks for the focus.
+        if (!token->isEmpty())
+            qputenv("XDG_ACTIVATION_TOKEN", *token);
+        openMainWindow();
+    } else if (const std::optional<QStringList> paths = InstanceMessage::added(message)) {
+        for (const QString &path : *paths)
+            qorManager().addFolder(FileUrl::directory(path));
+    }
 }
 
 void QorvaneApp::appear()
 {
+    // A window that is opened again finds the program started.
+    if (std::exchange(m_hasAppeared, true))
+        return;
     NotificationPermission::request();
     logLocations();
 }

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "IdleWatch.h"
+#include "library/LibraryTimings.h"
+
 #include <QObject>
+#include <QStringList>
 
 #include <memory>
 
@@ -16,21 +20,33 @@ class QorvaneApp : public QObject
     Q_OBJECT
 
 public:
-    explicit QorvaneApp(QObject *parent = nullptr);
+    explicit QorvaneApp(QObject *parent = nullptr, const LibraryTimings &timings = {});
     ~QorvaneApp() override;
 
     /// The library; built on first use, never rebuilt.
     QorManage &qorManager();
 
-    /// Shows the main window; false, with the reason on the console, when it can't be made.
+    /// Shows the main window, or brings it to the front; false, with the reason on the console, when it can't
+    /// be made.
     bool openMainWindow();
     /// Nothing while the main window is closed.
     ContentView *contentView() const { return m_contentView.get(); }
 
+    /// Does what another process of this program asks for, in the words of `InstanceMessage`.
+    void obey(const QStringList &message);
+
+Q_SIGNALS:
+    /// The main window is closed and what it left in work is done: nothing holds the process any more.
+    void finished();
+
 private:
+    void dropClosedWindow();
     void appear();
     static void logLocations();
 
+    const LibraryTimings m_timings;
+    IdleWatch m_idleWatch;
+    bool m_hasAppeared = false;
     std::unique_ptr<QorManage> m_qorManager;
     std::unique_ptr<ContentView> m_contentView; // after what it shows
 };

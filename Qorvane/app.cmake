@@ -1,6 +1,7 @@
 # The application: its object, which the tests link, and the program around it.
 qorvane_add_library(QorvaneApp
     SOURCES
+        IdleWatch.cpp IdleWatch.h
         QorvaneApp.cpp QorvaneApp.h
     PUBLIC QorvaneLibrary QorvaneViews
 )

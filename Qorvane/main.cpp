@@ -1,11 +1,25 @@
 #include "QorvaneApp.h"
+#include "platform/InstanceMessage.h"
 #include "platform/Localization.h"
+#include "platform/SingleInstance.h"
+#include "platform/TerminationSignals.h"
 
 #include <QGuiApplication>
 #include <QIcon>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+
+using namespace Qorvane;
+
+namespace {
+
+// The headless driver may be putting a folder into the library just now, and a start of the application on a
+// busy machine takes a while until it listens.
+constexpr auto longestWaitForOther = std::chrono::seconds(10);
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -18,12 +32,36 @@ int main(int argc, char **argv)
     QGuiApplication::setApplicationVersion(QStringLiteral(QORVANE_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.qorvane.Qorvane"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.qorvane.Qorvane.svg")));
-    Qorvane::Localization::install();
+    // The last window's closing isn't the end: runs in work go on.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    Localization::install();
 
-    Qorvane::QorvaneApp app;
+    // Before anything touches the library.
+    SingleInstance instance(SingleInstance::libraryPlace());
+    switch (instance.claim(InstanceMessage::show(), longestWaitForOther)) {
+    case SingleInstance::Claim::first:
+        break;
+    case SingleInstance::Claim::handedOver:
+        return EXIT_SUCCESS;
+    case SingleInstance::Claim::refused:
+        std::fputs("qorvane: another process works on the library and doesn't answer\n", stderr);
+        return EXIT_FAILURE;
+    }
+
+    QorvaneApp app;
+    QObject::connect(&instance, &SingleInstance::messageReceived, &app, &QorvaneApp::obey);
+    instance.listen();
+    const TerminationSignals signals;
+    QObject::connect(&signals, &TerminationSignals::received, &application, [] { QCoreApplication::exit(); });
+    QObject::connect(&app, &QorvaneApp::finished, &instance, [&instance] {
+        // Whoever comes now has to wait for our end and start anew.
+        instance.close();
+        QCoreApplication::exit();
+    });
     if (!app.openMainWindow())
         return EXIT_FAILURE;
     const int code = QGuiApplication::exec();
+    instance.close();
     // There is no orderly stop: a run in work dies with the process, and the next one does what is missing.
     // Taking things down in order would keep the user waiting for files in work, or pull objects from under
     // them.

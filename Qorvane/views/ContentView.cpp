@@ -5,6 +5,7 @@
 #include "views/ThumbnailProvider.h"
 #include "views/ThumbnailQueue.h"
 
+#include <QCoreApplication>
 #include <QQuickWindow>
 #include <QThread>
 
@@ -40,6 +41,8 @@ ContentView::ContentView(QorManage &qorManager, QObject *parent)
           m_thumbnails)
 {
     setUpEngine(m_engine, std::make_unique<ThumbnailProvider>(m_thumbnails, loadThumbnail));
+    connect(&m_engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit,
+            Qt::QueuedConnection);
 }
 
 ContentView::~ContentView() = default;
@@ -57,8 +60,16 @@ bool ContentView::show()
                 Q_EMIT closed();
         });
     }
-    m_window->show();
+    m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized);
+    m_window->setVisible(true);
+    // Raises it too, where the desktop lets a program do that.
+    m_window->requestActivate();
     return true;
+}
+
+bool ContentView::isShown() const
+{
+    return m_window && m_window->isVisible();
 }
 
 void ContentView::appear()

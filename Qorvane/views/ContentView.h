@@ -27,8 +27,11 @@ public:
     explicit ContentView(QorManage &qorManager, QObject *parent = nullptr);
     ~ContentView() override;
 
-    /// Shows the window; false, with the reason on the console, when it can't be made.
+    /// Shows the window and brings it to the front; false, with the reason on the console, when it can't be
+    /// made.
     bool show();
+    /// Whether the window is open, minimised or covered too.
+    bool isShown() const;
 
     /// Nothing before the first `show`.
     QQuickWindow *window() const { return m_window.get(); }

@@ -53,6 +53,13 @@ T.ApplicationWindow {
         viewState: window.viewState
     }
 
+    // Ends the program with what it has in work, where closing the window only ends the window.
+    Shortcut {
+        sequence: "Ctrl+Q"
+        context: Qt.ApplicationShortcut
+        onActivated: Qt.quit()
+    }
+
     Shortcut {
         sequence: "Ctrl+F"
         onActivated: toolbar.focusSearch()

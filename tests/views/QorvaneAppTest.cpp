@@ -1,11 +1,22 @@
 #include "QorvaneApp.h"
 
+#include "library/DeferredWrites.h"
 #include "library/QorManage.h"
+#include "platform/GlobalQueue.h"
+#include "platform/InstanceMessage.h"
+#include "platform/MainQueue.h"
+#include "platform/UserDefaults.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
 
+#include <QDir>
+#include <QGuiApplication>
+#include <QImage>
 #include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -13,14 +24,59 @@ using namespace Qorvane;
 
 namespace {
 
-bool hasAppeared(const LogCapture &log)
+const QString libraryFolders = QStringLiteral("libraryFolders");
+const QString syncLine = QStringLiteral("🔄 启动时检查文件夹同步状态...");
+
+/// The whole application on a library that is empty at each start.
+class QorvaneAppTest : public testing::Test
 {
-    return !log.linesStartingWith(QStringLiteral("🖼️ 缩略图目录: ")).isEmpty();
-}
+protected:
+    // Without a window every embedding runs into its time-out.
+    static constexpr LibraryTimings quick{0.01, 0.01, 0.01, 0.01};
+
+    QorvaneAppTest() { UserDefaults::standard().remove(libraryFolders); }
+    ~QorvaneAppTest() override { UserDefaults::standard().remove(libraryFolders); }
+
+    static bool hasAppeared(const LogCapture &log) { return appearances(log) > 0; }
+    static qsizetype appearances(const LogCapture &log)
+    {
+        return log.linesStartingWith(QStringLiteral("🖼️ 缩略图目录: ")).size();
+    }
+
+    // Past everything that a start can set going: the steps that it queues, and the wait before the line.
+    static void passTheStart()
+    {
+        constexpr int moreStepsThanAStartHas = 10;
+        for (int i = 0; i < moreStepsThanAStartHas; ++i) {
+            DeferredWrites::waitUntilIdle();
+            GlobalQueue::waitUntilIdle();
+            drainMainQueue();
+        }
+        bool isPast = false;
+        MainQueue::after(2 * quick.untilStartupSync, [&isPast] { isPast = true; });
+        ASSERT_TRUE(waitUntil([&isPast] { return isPast; }));
+    }
+
+    QString makePictures(int count) const
+    {
+        const QString folder = m_place.filePath(QStringLiteral("Photos"));
+        EXPECT_TRUE(QDir().mkpath(folder));
+        QImage picture(1200, 900, QImage::Format_RGB32);
+        for (int i = 0; i < count; ++i) {
+            picture.fill(QColor::fromHsv(i * 40 % 360, 200, 220));
+            EXPECT_TRUE(picture.save(QStringLiteral("%1/%2.jpg").arg(folder).arg(i)));
+        }
+        return folder;
+    }
+
+    static void close(const QorvaneApp &app) { app.contentView()->window()->close(); }
+
+    const QTemporaryDir m_place{QDir::temp().filePath(QStringLiteral("QorvaneAppXXXXXX"))};
+};
 
 } // namespace
 
-TEST(QorvaneApp, logsItsLocationsWhenTheMainWindowAppears)
+TEST_F(QorvaneAppTest, logsItsLocationsWhenTheMainWindowAppears)
 {
     const LogCapture log;
     QorvaneApp app;
@@ -43,24 +99,37 @@ TEST(QorvaneApp, logsItsLocationsWhenTheMainWindowAppears)
     EXPECT_EQ(logged, expected);
 }
 
-TEST(QorvaneApp, aFirstStartHasAnEmptyLibraryAndSynchronisesNothing)
+TEST_F(QorvaneAppTest, aFirstStartHasAnEmptyLibraryAndSynchronisesNothing)
 {
     const LogCapture log;
-    QorvaneApp app;
+    QorvaneApp app(nullptr, quick);
     ASSERT_TRUE(app.openMainWindow());
     ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
+    passTheStart();
     EXPECT_TRUE(app.qorManager().libraryFolders().isEmpty());
     EXPECT_FALSE(app.qorManager().selectedFolder());
-    EXPECT_TRUE(log.linesStartingWith(QStringLiteral("🔄 启动时检查文件夹同步状态...")).isEmpty());
+    EXPECT_FALSE(log.contains(syncLine));
 }
 
-TEST(QorvaneApp, buildsTheLibraryOnce)
+// What keeps the test before this one from being content with a wait that is too short.
+TEST_F(QorvaneAppTest, aLaterStartSynchronises)
+{
+    UserDefaults::standard().setDataArray(libraryFolders, {m_place.path().toUtf8()});
+    const LogCapture log;
+    QorvaneApp app(nullptr, quick);
+    ASSERT_TRUE(app.openMainWindow());
+    passTheStart();
+    EXPECT_EQ(app.qorManager().libraryFolders().size(), 1);
+    EXPECT_TRUE(log.contains(syncLine));
+}
+
+TEST_F(QorvaneAppTest, buildsTheLibraryOnce)
 {
     QorvaneApp app;
     EXPECT_EQ(&app.qorManager(), &app.qorManager());
 }
 
-TEST(QorvaneApp, closingTheMainWindowLeavesTheLibrary)
+TEST_F(QorvaneAppTest, closingTheMainWindowLeavesTheLibrary)
 {
     const LogCapture log;
     QorvaneApp app;
@@ -70,4 +139,112 @@ TEST(QorvaneApp, closingTheMainWindowLeavesTheLibrary)
     app.contentView()->window()->close();
     ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
     EXPECT_EQ(&app.qorManager(), library);
+}
+
+TEST_F(QorvaneAppTest, withNothingInWorkAClosedWindowEndsTheApplication)
+{
+    const LogCapture log;
+    QorvaneApp app;
+    QSignalSpy ends(&app, &QorvaneApp::finished);
+    ASSERT_TRUE(app.openMainWindow());
+    ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
+    close(app);
+    EXPECT_TRUE(waitUntil([&] { return ends.count() == 1; }));
+    EXPECT_EQ(app.contentView(), nullptr);
+}
+
+TEST_F(QorvaneAppTest, aRunInWorkGoesOnWithoutTheWindowAndThenTheApplicationEnds)
+{
+    const LogCapture log;
+    QorvaneApp app(nullptr, quick);
+    const QString folder = makePictures(40);
+    const QString completed = QStringLiteral("✅ 状态更新为完成: ") + folder;
+    ASSERT_TRUE(app.openMainWindow());
+    ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
+    app.qorManager().addFolder(FileUrl::directory(folder));
+    ASSERT_TRUE(
+        waitUntil([&] { return !log.linesStartingWith(QStringLiteral("✅ 缩略图生成完成: ")).isEmpty(); }));
+
+    bool wasCompletedAtTheEnd = false;
+    QSignalSpy ends(&app, &QorvaneApp::finished);
+    QObject::connect(&app, &QorvaneApp::finished, [&] { wasCompletedAtTheEnd = log.contains(completed); });
+    close(app);
+    ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
+    ASSERT_FALSE(log.contains(completed)) << "the run was over before the window was closed";
+    ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
+    EXPECT_TRUE(wasCompletedAtTheEnd);
+}
+
+TEST_F(QorvaneAppTest, reopenedWhileARunIsInWorkTheWindowShowsWhatItShowed)
+{
+    const LogCapture log;
+    QorvaneApp app(nullptr, quick);
+    const QString folder = makePictures(8);
+    ASSERT_TRUE(app.openMainWindow());
+    app.qorManager().addFolder(FileUrl::directory(folder));
+    ASSERT_TRUE(waitUntil([&] { return app.qorManager().imageURLs().size() == 8; }));
+    close(app);
+    ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
+
+    QSignalSpy ends(&app, &QorvaneApp::finished);
+    app.obey(InstanceMessage::show());
+    ASSERT_NE(app.contentView(), nullptr);
+    EXPECT_TRUE(app.contentView()->isShown());
+    EXPECT_EQ(app.contentView()->state().title(), QStringLiteral("Photos"));
+    EXPECT_EQ(app.contentView()->state().photos()->count(), 8);
+    EXPECT_EQ(app.contentView()->state().folders()->count(), 1);
+    // Its closing begins the wait anew: the end came from this one, not from the first.
+    EXPECT_EQ(ends.count(), 0);
+    close(app);
+    EXPECT_TRUE(waitUntil([&] { return ends.count() == 1; }));
+    EXPECT_EQ(appearances(log), 1);
+}
+
+TEST_F(QorvaneAppTest, aWindowShownAgainBeforeItIsDroppedStays)
+{
+    QorvaneApp app;
+    ASSERT_TRUE(app.openMainWindow());
+    ContentView *const view = app.contentView();
+    close(app);
+    ASSERT_TRUE(app.openMainWindow());
+    drainMainQueue();
+    ASSERT_EQ(app.contentView(), view);
+    EXPECT_TRUE(view->isShown());
+}
+
+TEST_F(QorvaneAppTest, controlQEndsTheProgram)
+{
+    QorvaneApp app;
+    ASSERT_TRUE(app.openMainWindow());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(app.contentView()->window()));
+    MainQueue::async(
+        [&app] { QTest::keyPress(app.contentView()->window(), Qt::Key_Q, Qt::ControlModifier); });
+    constexpr int neverAsked = 1;
+    MainQueue::after(60, [] { QCoreApplication::exit(neverAsked); });
+    EXPECT_EQ(QGuiApplication::exec(), 0);
+}
+
+TEST_F(QorvaneAppTest, aMinimisedWindowComesBack)
+{
+    QorvaneApp app;
+    ASSERT_TRUE(app.openMainWindow());
+    app.contentView()->window()->showMinimized();
+    EXPECT_TRUE(app.contentView()->isShown());
+    app.obey(InstanceMessage::show());
+    EXPECT_FALSE(app.contentView()->window()->windowStates() & Qt::WindowMinimized);
+}
+
+TEST_F(QorvaneAppTest, foldersHandedOverAtTheVeryStartJoinThoseOfEarlierRuns)
+{
+    const QString earlier = m_place.filePath(QStringLiteral("earlier"));
+    const QString added = m_place.filePath(QStringLiteral("added"));
+    ASSERT_TRUE(QDir().mkpath(earlier) && QDir().mkpath(added));
+    UserDefaults::standard().setDataArray(libraryFolders, {earlier.toUtf8()});
+    QorvaneApp app;
+    app.obey(InstanceMessage::add({added}));
+    ASSERT_TRUE(waitUntil([&] { return app.qorManager().libraryFolders().size() == 2; }));
+    EXPECT_EQ(app.qorManager().libraryFolders().constFirst().url, FileUrl::directory(earlier));
+    EXPECT_EQ(app.contentView(), nullptr); // a folder is no reason to come to the front
+    const QList<QByteArray> both{earlier.toUtf8(), added.toUtf8()};
+    EXPECT_TRUE(waitUntil([&both] { return UserDefaults::standard().dataArray(libraryFolders) == both; }));
 }
