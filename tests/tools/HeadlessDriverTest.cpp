@@ -1,6 +1,10 @@
 #include "encoders/TestEncoders.h"
+#include "platform/InstanceMessage.h"
+#include "platform/SingleInstance.h"
+#include "support/Waiting.h"
 #include "tools/DriverHome.h"
 
+#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -24,6 +28,16 @@ protected:
     QString photographs() const { return m_home.photographs(); }
     QString photograph(const char *name) const { return photographs() + u'/' + QString::fromLatin1(name); }
     DriverOutcome run(const QStringList &arguments) const { return m_home.run(arguments); }
+
+    // Where the driver looks for others that work on the library of this home.
+    QString instancePlace() const
+    {
+        const QByteArray before = qgetenv("XDG_DATA_HOME");
+        qputenv("XDG_DATA_HOME", m_home.path("data").toLocal8Bit());
+        const QString place = SingleInstance::libraryPlace();
+        qputenv("XDG_DATA_HOME", before);
+        return place;
+    }
 
     DriverHome m_home;
 };
@@ -90,6 +104,34 @@ TEST_F(HeadlessDriverTest, AddsAFolderOnceAndTellsOfIt)
     EXPECT_TRUE(status.output.contains(photographs())) << qPrintable(status.output);
     EXPECT_TRUE(status.output.contains(QStringLiteral("3 media files"))) << qPrintable(status.output);
     EXPECT_TRUE(status.output.contains(QStringLiteral("encoders: none"))) << qPrintable(status.output);
+}
+
+TEST_F(HeadlessDriverTest, HandsFoldersToTheRunningApplication)
+{
+    SingleInstance application(instancePlace());
+    ASSERT_EQ(application.claim(std::nullopt, std::chrono::seconds(0)), SingleInstance::Claim::first);
+    ASSERT_TRUE(application.listen());
+    QStringList received;
+    QObject::connect(&application, &SingleInstance::messageReceived,
+                     [&received](const QStringList &message) { received = message; });
+
+    const auto driver = m_home.start({QStringLiteral("add"), photographs()});
+    ASSERT_TRUE(waitUntil([&driver] { return driver->state() == QProcess::NotRunning; }));
+    EXPECT_EQ(driver->exitCode(), 0);
+    EXPECT_EQ(InstanceMessage::added(received), QStringList{photographs()});
+    EXPECT_TRUE(driver->readAllStandardOutput().startsWith("handed to the running application: "));
+    EXPECT_FALSE(QFile::exists(m_home.databasePath()));
+}
+
+TEST_F(HeadlessDriverTest, LeavesALibraryAloneThatAnotherProcessWorksOn)
+{
+    SingleInstance other(instancePlace());
+    ASSERT_EQ(other.claim(std::nullopt, std::chrono::seconds(0)), SingleInstance::Claim::first);
+    const DriverOutcome status = run({QStringLiteral("status")});
+    EXPECT_EQ(status.code, 1);
+    EXPECT_TRUE(status.errors.contains(QStringLiteral("another process works on the library")))
+        << qPrintable(status.errors);
+    EXPECT_FALSE(QFile::exists(m_home.databasePath()));
 }
 
 TEST_F(HeadlessDriverTest, RefusesWrongArgumentsWithAnExitCodeOfTheirOwn)
