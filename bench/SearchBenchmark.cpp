@@ -1,10 +1,10 @@
 // What a search over a whole library costs, against what SQLite takes to hand out the same rows: 100,000
-// images with vectors of 512 floats in a real database. All that is compared is measured in turns, in one
-// run.
+// images with vectors of 512 floats in a real database.
 
 #include "semantic/SearchRanking.h"
 #include "semantic/VectorScorer.h"
 #include "store/EmbeddingStore.h"
+#include "support/Costs.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -14,13 +14,9 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
-#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -188,69 +184,11 @@ void searchPlainly()
     rankCandidates(candidates, resultLimit, CandidateOrigin::database);
 }
 
-struct Cost
-{
-    double wall = 0;      ///< seconds
-    double processor = 0; ///< seconds of all threads of the process
-};
-
-Cost costOf(const std::function<void()> &work)
-{
-    const auto processorNow = [] {
-        timespec now{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-        return double(now.tv_sec) + double(now.tv_nsec) * 1e-9;
-    };
-    const double processor = processorNow();
-    const auto wall = std::chrono::steady_clock::now();
-    work();
-    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - wall).count(),
-            processorNow() - processor};
-}
-
-class Costs
-{
-public:
-    void add(const Cost &cost)
-    {
-        m_wall.push_back(cost.wall);
-        m_processor.push_back(cost.processor);
-    }
-    Cost median() { return {middle(m_wall), middle(m_processor)}; }
-    /// What is left when nothing else ran on the machine.
-    Cost least() const
-    {
-        return {*std::min_element(m_wall.begin(), m_wall.end()),
-                *std::min_element(m_processor.begin(), m_processor.end())};
-    }
-
-private:
-    static double middle(std::vector<double> &values)
-    {
-        std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(values.size() / 2), values.end());
-        return values[values.size() / 2];
-    }
-
-    std::vector<double> m_wall;
-    std::vector<double> m_processor;
-};
-
-void reportRatio(benchmark::State &state, const char *name, Costs &costs, Costs &read)
-{
-    const Cost median = costs.median();
-    const Cost floor = read.median();
-    state.counters[std::string(name) + "_ms"] = median.wall * 1e3;
-    state.counters[std::string(name) + "_cpu_ms"] = median.processor * 1e3;
-    state.counters[std::string(name) + "/read"] = median.wall / floor.wall;
-    state.counters[std::string(name) + "/read_cpu"] = median.processor / floor.processor;
-    state.counters[std::string(name) + "/read_least"] = costs.least().wall / read.least().wall;
-}
-
 void searchAgainstBareRead(benchmark::State &state)
 {
     Costs read;
     Costs scan;
-    Costs query;
+    Costs search;
     readBare();
     library().sendLogToFile();
     searchWhole();
@@ -258,15 +196,15 @@ void searchAgainstBareRead(benchmark::State &state)
         read.add(costOf(readBare));
         scan.add(costOf([] { benchmark::DoNotOptimize(scanAndScore()); }));
         library().sendLogToFile();
-        query.add(costOf(searchWhole));
+        search.add(costOf(searchWhole));
     }
     state.counters["log_MB"] = double(library().logBytes()) / 1e6;
     library().restoreOutput();
-    const Cost floor = read.median();
-    state.counters["read_ms"] = floor.wall * 1e3;
-    state.counters["read_cpu_ms"] = floor.processor * 1e3;
-    reportRatio(state, "scan", scan, read);
-    reportRatio(state, "query", query, read);
+    reportCost(state, "read", read);
+    reportCost(state, "scan", scan);
+    reportCost(state, "search", search);
+    reportRatio(state, "scan/read", scan, read);
+    reportRatio(state, "search/read", search, read);
 }
 BENCHMARK(searchAgainstBareRead)->Unit(benchmark::kMillisecond)->Iterations(25)->UseRealTime();
 
@@ -325,10 +263,9 @@ void scoringAgainstPlainLoop(benchmark::State &state)
         narrow.add(costOf([&] { scoreInBlocks(portable, rows); }));
         wide.add(costOf([&] { scoreInBlocks(fastest, rows); }));
     }
-    const double floor = plain.median().processor;
-    state.counters["plain_ns/row"] = floor / rowsInMemory * 1e9;
-    state.counters["portable_speedup"] = floor / narrow.median().processor;
-    state.counters["fastest_speedup"] = floor / wide.median().processor;
+    state.counters["plain_ns/row"] = plain.median().processor / rowsInMemory * 1e9;
+    reportRatio(state, "plain/portable", plain, narrow);
+    reportRatio(state, "plain/fastest", plain, wide);
 }
 BENCHMARK(scoringAgainstPlainLoop)->Unit(benchmark::kMillisecond)->Iterations(30);
 

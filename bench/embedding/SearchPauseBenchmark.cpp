@@ -8,11 +8,12 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <random>
+#include <vector>
 
 // A search over a large library through the service: how long until its results, and the longest time
 // meanwhile that the GUI thread's event loop didn't come round.
@@ -23,7 +24,6 @@ namespace {
 
 constexpr int rowCount = 100'000;
 constexpr int vectorLength = 16; // the text encoder's
-constexpr int searchCount = 5;
 
 /// Straight into the database and in one transaction: the store's own way takes a commit for each row.
 void fillStore()
@@ -66,7 +66,7 @@ std::unique_ptr<ChineseClipService> loadedService()
     return service;
 }
 
-void measure()
+void pauseOfTheGuiThread(benchmark::State &state)
 {
     fillStore();
     const auto service = loadedService();
@@ -76,21 +76,24 @@ void measure()
     QElapsedTimer sinceBeat;
     qint64 longestPause = 0;
     QTimer heart;
-    QObject::connect(&heart, &QTimer::timeout,
-                     [&] { longestPause = std::max(longestPause, sinceBeat.restart()); });
-    for (int index = 0; index < searchCount; ++index) {
+    QObject::connect(&heart, &QTimer::timeout, [&] {
+        longestPause = std::max(longestPause, sinceBeat.nsecsElapsed());
+        sinceBeat.start();
+    });
+    heart.start(1);
+    std::vector<double> pauses;
+    for ([[maybe_unused]] auto _ : state) {
         longestPause = 0;
         sinceBeat.start();
-        heart.start(1);
-        QElapsedTimer search;
-        search.start();
         const auto results = QCoro::waitFor(service->searchWithDatabase(QStringLiteral("red"), {}, 20));
-        std::printf("%d rows: %lld ms to %lld results, longest pause of the GUI thread %lld ms\n", rowCount,
-                    static_cast<long long>(search.elapsed()), static_cast<long long>(results.size()),
-                    static_cast<long long>(longestPause));
-        heart.stop();
+        longestPause = std::max(longestPause, sinceBeat.nsecsElapsed());
+        benchmark::DoNotOptimize(results.size());
+        pauses.push_back(double(longestPause) * 1e-6);
     }
+    state.counters["pause_ms"] = std::ranges::max(pauses);
+    state.counters["pause_ms_least"] = std::ranges::min(pauses);
 }
+BENCHMARK(pauseOfTheGuiThread)->Unit(benchmark::kMillisecond)->Iterations(15)->UseRealTime();
 
 } // namespace
 
@@ -104,6 +107,7 @@ int main(int argc, char **argv)
     qputenv("LC_ALL", "C.UTF-8");
     const QCoreApplication application(argc, argv);
     Qorvane::Log::setSink([](const QString &) {});
-    Qorvane::measure();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

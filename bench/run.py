@@ -1,0 +1,122 @@
+#!/usr/bin/python3
+"""Runs the benchmarks and prints a table of what they found.
+
+    run.py PROGRAMS_FOLDER [NAME...]
+
+PROGRAMS_FOLDER is the build's `bench` folder; NAME is a benchmark of the table below, all of them when none is given.
+What the programs report in full lies in PROGRAMS_FOLDER/results, a JSON file each. The exit code is 1 when a figure is
+missed.
+"""
+
+import dataclasses
+import json
+import os
+import pathlib
+import subprocess
+import sys
+
+WALL = ""
+PROCESSOR = "_cpu"
+
+
+@dataclasses.dataclass(frozen=True)
+class Figure:
+    """One number of a program's report; `asked` is what it has to stay below, where something is asked."""
+
+    says: str
+    counter: str
+    asked: float | None = None
+    unit: str = ""
+    clock: str = WALL
+
+
+# A frame of a display at 60 Hz.
+FRAME = 16.7
+# What lists of 30 times as many files may take beside the one file in work.
+SAME_MEMORY = 1.1
+
+PROGRAMS = {
+    "search": ("SearchBenchmark", [
+        Figure("search of 100,000 rows : bare read of them", "search/read", 1.5),
+        Figure("reading and scoring alone : bare read", "scan/read"),
+        Figure("plain loop : scoring in blocks", "plain/fastest", clock=PROCESSOR),
+        Figure("plain loop : scoring in blocks, portable", "plain/portable", clock=PROCESSOR),
+    ]),
+    "pause": ("embedding/SearchPauseBenchmark", [
+        Figure("longest pause of the GUI thread in a search", "pause_ms", FRAME, " ms"),
+    ]),
+    "decode": ("DecodeBenchmark", [
+        Figure("thumbnail of 24 MP, encoded : bare scaled decode", "thumbnail/decode"),
+        Figure("thumbnail of 24 MP, encoded : the same by libvips", "thumbnail/vips"),
+    ]),
+    "thumbnail": ("ThumbnailBenchmark", []),
+    "run": ("ProcessingRunBenchmark", [
+        Figure("run with nothing to do : its bare questions", "run/questions", clock=PROCESSOR),
+        Figure("memory of a run over 3,000 files : over 100", "many/few", SAME_MEMORY),
+    ]),
+    "embedding": ("embedding/EmbeddingBenchmark", [
+        Figure("embedding of a picture : bare run of the encoder", "extraction/run"),
+        Figure("the same through the service : bare run", "service/run"),
+    ]),
+}
+
+LAYOUT = "{:<52} {:>9} {:>9} {:>9} {:>9}  {}"
+
+
+def counters(folder, program):
+    results = folder / "results"
+    results.mkdir(exist_ok=True)
+    report = results / (pathlib.Path(program).name + ".json")
+    report.unlink(missing_ok=True)
+    run = subprocess.run([folder / program, f"--benchmark_out={report}", "--benchmark_out_format=json"],
+                         stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace", check=False)
+    if run.returncode != 0:
+        sys.exit(f"{program} failed:\n{run.stdout}")
+    found = {}
+    for benchmark in json.loads(report.read_text())["benchmarks"]:
+        found.update({name: value for name, value in benchmark.items() if isinstance(value, float)})
+        # Without ratios: the benchmark's own time.
+        found[benchmark["name"]] = f'{benchmark["real_time"]:.3g} {benchmark["time_unit"]}'
+    return found
+
+
+def shown(value, unit=""):
+    return "-" if value is None else f"{value:.2f}{unit}"
+
+
+def show(figure, found):
+    """Prints one row; false when the figure is missed."""
+    got = found[figure.counter + figure.clock]
+    isMissed = figure.asked is not None and not got < figure.asked
+    asked = "-" if figure.asked is None else f"< {figure.asked:g}{figure.unit}"
+    print(LAYOUT.format(figure.says, asked, shown(got, figure.unit), shown(found.get(figure.counter + PROCESSOR)),
+                        shown(found.get(figure.counter + "_least" + figure.clock), figure.unit), "missed" if isMissed else ""),
+          flush=True)
+    return not isMissed
+
+
+def load():
+    return f"{os.getloadavg()[0]:.1f}"
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    names = sys.argv[2:] or list(PROGRAMS)
+    print(f"load of the machine: {load()} on {os.cpu_count()} processors; figures count when it is idle")
+    print(LAYOUT.format("", "asked", "got", "by CPU", "quickest", ""))
+    isMet = True
+    for name in names:
+        program, figures = PROGRAMS[name]
+        found = counters(folder, program)
+        for figure in figures:
+            isMet &= show(figure, found)
+        if not figures:
+            for says, time in found.items():
+                if isinstance(time, str):
+                    print(LAYOUT.format(says, "-", time, "", "", ""), flush=True)
+    print(f"load at the end: {load()}; all that the programs report lies in {folder / 'results'}")
+    sys.exit(0 if isMet else 1)
+
+
+if __name__ == "__main__":
+    main()
