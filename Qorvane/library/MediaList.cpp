@@ -13,8 +13,8 @@
 #include "store/EmbeddingStore.h"
 
 #include <QHash>
-#include <QPointer>
 
+#include <semaphore>
 #include <utility>
 
 namespace Qorvane {
@@ -31,9 +31,9 @@ QList<FileUrl> existingFiles(const QStringList &paths)
     return urls;
 }
 
-QList<FileUrl> sorted(const QList<FileUrl> &urls, const SortSettings &settings)
+PendingLoads::List sorted(const QList<FileUrl> &urls, const SortSettings &settings)
 {
-    return SortingRules::sortURLs(urls, settings.criterion, settings.order);
+    return {SortingRules::sortURLs(urls, settings.criterion, settings.order), settings};
 }
 
 // As a list reads in the log: ["/a/1.jpg", "/a/2.jpg"].
@@ -46,7 +46,7 @@ QString firstThree(const QStringList &paths)
 }
 
 // Runs on a pool's thread.
-QList<FileUrl> filesOfTag(const QString &tag, const LibrarySnapshot &snapshot)
+PendingLoads::List filesOfTag(const QString &tag, const LibrarySnapshot &snapshot)
 {
     const QStringList paths = EmbeddingStore::shared().fetchPathsByTag(tag);
     Log::line(QStringLiteral("🏷️ Found ") + QString::number(paths.size()) +
@@ -87,6 +87,7 @@ MediaList::MediaList(LibraryState &state, const std::shared_ptr<LibrarySnapshot>
     , m_snapshot(snapshot)
     , m_edits(edits)
     , m_pipeline(pipeline)
+    , m_self(this)
 {
 }
 
@@ -115,60 +116,100 @@ void MediaList::loadImages()
 void MediaList::loadTag(const QString &tag)
 {
     Log::line(QStringLiteral("🏷️ Loading images for tag: ") + tag);
-    inBackground([self = QPointer(this), weak = m_snapshot, tag] {
-        const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
-        if (!snapshot)
-            return;
-        MainQueue::async([self, tag, urls = filesOfTag(tag, *snapshot)] {
-            if (!self || self->m_state.selectedTag() != tag)
-                return;
-            Log::line(QStringLiteral("🏷️ Setting imageURLs with ") + QString::number(urls.size()) +
-                      QStringLiteral(" images for tag '") + tag + u'\'');
-            self->publishLoaded(urls);
-            self->m_state.publishIsLoading(false);
-        });
-    });
+    load([tag](const LibrarySnapshot &snapshot) { return filesOfTag(tag, snapshot); },
+         [this, tag] { return m_state.selectedTag() == tag; },
+         [this, tag](const QList<FileUrl> &urls) {
+             Log::line(QStringLiteral("🏷️ Setting imageURLs with ") + QString::number(urls.size()) +
+                       QStringLiteral(" images for tag '") + tag + u'\'');
+             publishLoaded(urls);
+             m_state.publishIsLoading(false);
+         });
 }
 
 void MediaList::loadRating(int rating)
 {
     Log::line(QStringLiteral("⭐️ Loading images for rating: ") + QString::number(rating));
-    inBackground([self = QPointer(this), weak = m_snapshot, rating] {
-        const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
-        if (!snapshot)
-            return;
-        const QList<FileUrl> files = existingFiles(EmbeddingStore::shared().fetchPathsByRating(rating));
-        MainQueue::async([self, rating, urls = sorted(files, snapshot->sortSettings())] {
-            if (!self || self->m_state.selectedRating() != rating)
-                return;
-            self->publishLoaded(urls);
-            self->m_state.publishIsLoading(false);
+    load(
+        [rating](const LibrarySnapshot &snapshot) {
+            const QList<FileUrl> files = existingFiles(EmbeddingStore::shared().fetchPathsByRating(rating));
+            return sorted(files, snapshot.sortSettings());
+        },
+        [this, rating] { return m_state.selectedRating() == rating; },
+        [this](const QList<FileUrl> &urls) {
+            publishLoaded(urls);
+            m_state.publishIsLoading(false);
         });
-    });
 }
 
 void MediaList::loadFolder(const Folder &folder)
 {
-    inBackground(
-        [self = QPointer(this), weak = m_snapshot, url = folder.url, settings = m_state.sortSettings()] {
-            if (weak.expired())
-                return;
-            MainQueue::async([self, url, urls = sorted(MediaListing::collectMediaFiles(url), settings)] {
-                // A selected rating isn't asked for: while the folder stays selected its list is shown.
-                if (!self || self->m_state.selectedTag() || !self->m_state.selectedFolder() ||
-                    self->m_state.selectedFolder()->url != url)
-                    return;
-                self->publishLoaded(urls);
-                self->m_state.publishIsLoading(false);
-                self->m_pipeline.startProcessing(urls, url.path());
-            });
+    load([url = folder.url, settings = m_state.sortSettings()](
+             const LibrarySnapshot &) { return sorted(MediaListing::collectMediaFiles(url), settings); },
+         [this, url = folder.url] {
+             // A selected rating isn't asked for: while the folder stays selected its list is shown.
+             return !m_state.selectedTag() && m_state.selectedFolder() &&
+                    m_state.selectedFolder()->url == url;
+         },
+         [this, url = folder.url](const QList<FileUrl> &urls) {
+             publishLoaded(urls);
+             m_state.publishIsLoading(false);
+             m_pipeline.startProcessing(urls, url.path());
+         });
+}
+
+void MediaList::load(const Find &find, std::function<bool()> isWanted,
+                     std::function<void(const QList<FileUrl> &urls)> show)
+{
+    m_latestSettings = m_state.sortSettings();
+    const PendingLoads::Number number = m_loads.begin(std::move(isWanted), std::move(show));
+    inBackground([self = m_self, weak = m_snapshot, number, find] {
+        const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
+        if (!snapshot)
+            return;
+        MainQueue::async([self, number, list = find(*snapshot)] {
+            if (self)
+                self->finishLoad(number, list);
         });
+    });
+}
+
+void MediaList::finishLoad(PendingLoads::Number number, const PendingLoads::List &list)
+{
+    m_loads.finish(number, list);
+    while (std::optional<PendingLoads::Load> next = m_loads.takeNext()) {
+        if (isOutdated(next->list->settings) && !m_loads.isAnyWanted()) {
+            sortAgain(std::move(*next));
+            return;
+        }
+        next->show(next->list->urls);
+    }
+}
+
+// Settings that changed but weren't acted upon yet are no reason: the change sorts what is shown by then.
+bool MediaList::isOutdated(const SortSettings &settings) const
+{
+    return settings != m_latestSettings && settings != m_state.sortSettings();
+}
+
+// The list shown was sorted anew while this load, begun with the settings from before, was under way. With no
+// later load to put it right, its order would stay.
+void MediaList::sortAgain(PendingLoads::Load load)
+{
+    const QList<FileUrl> urls = load.list->urls;
+    const PendingLoads::Number number = load.number;
+    m_loads.reopen(std::move(load));
+    inBackground([self = m_self, number, urls, settings = m_state.sortSettings()] {
+        MainQueue::async([self, number, list = sorted(urls, settings)] {
+            if (self)
+                self->finishLoad(number, list);
+        });
+    });
 }
 
 void MediaList::processAllRoots()
 {
     m_state.publishIsLoading(false);
-    inBackground([self = QPointer(this), weak = m_snapshot] {
+    inBackground([self = m_self, weak = m_snapshot] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -216,11 +257,12 @@ void MediaList::resortImagesIfChanged()
     requestResort(Publication::ifChanged);
 }
 
-void MediaList::requestResort(Publication publication)
+void MediaList::requestResort(Publication publication, const Ticket &ticket)
 {
     if (m_state.imageURLs().isEmpty())
         return;
-    m_resorts.push_back({m_state.sortSettings(), publication});
+    m_latestSettings = m_state.sortSettings();
+    m_resorts.push_back({m_latestSettings, publication, ticket});
     startNextResort();
 }
 
@@ -231,8 +273,8 @@ void MediaList::startNextResort()
     m_isResorting = true;
     const Resort resort = m_resorts.front();
     m_resorts.pop_front();
-    inBackground([self = QPointer(this), resort, urls = m_state.imageURLs(), generation = m_generation] {
-        MainQueue::async([self, resort, generation, result = sorted(urls, resort.settings)] {
+    inBackground([self = m_self, resort, urls = m_state.imageURLs(), generation = m_generation] {
+        MainQueue::async([self, resort, generation, result = sorted(urls, resort.settings).urls] {
             if (self)
                 self->finishResort(result, generation, resort.publication);
         });
@@ -248,23 +290,16 @@ void MediaList::finishResort(const QList<FileUrl> &sorted, quint64 generation, P
     startNextResort();
 }
 
-void MediaList::resortFromBackground()
+// Takes its turn among the resorts that the GUI thread asked for, so that none with older settings comes
+// last. Touches nothing of this object but from the GUI thread, where that may have gone meanwhile.
+void MediaList::resortFromBackground() const
 {
-    QList<FileUrl> urls;
-    SortSettings settings;
-    quint64 generation = 0;
-    MainQueue::sync([&] {
-        urls = m_state.imageURLs();
-        settings = m_state.sortSettings();
-        generation = m_generation;
+    const auto isOver = std::make_shared<std::binary_semaphore>(0);
+    MainQueue::async([self = m_self, ticket = Ticket(nullptr, [isOver](void *) { isOver->release(); })] {
+        if (self)
+            self->requestResort(Publication::always, ticket);
     });
-    if (urls.isEmpty())
-        return;
-    const QList<FileUrl> result = sorted(urls, settings);
-    MainQueue::sync([&] {
-        if (generation == m_generation)
-            m_state.publishImageURLs(result);
-    });
+    isOver->acquire();
 }
 
 } // namespace Qorvane

@@ -293,7 +293,9 @@ void QorManage::startProcessing(const QList<FileUrl> &urls, const QString &folde
 
 std::optional<std::vector<float>> QorManage::computeImageEmbedding(const FileUrl &url) const
 {
-    return m_runSurroundings->computeImageEmbedding(url);
+    // A hold of its own: the wait for the answer may outlast the library.
+    const std::shared_ptr<const RunSurroundings> surroundings = m_runSurroundings;
+    return surroundings->computeImageEmbedding(url);
 }
 
 void QorManage::cancelFolderTasks(const QString &path)

@@ -1,5 +1,7 @@
+#include "library/BusyStore.h"
 #include "library/LibraryFixture.h"
 #include "platform/DetachedTask.h"
+#include "platform/GlobalQueue.h"
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
@@ -18,6 +20,19 @@ protected:
     {
         return waitUntil(
             [&] { return names(qorManager->imageURLs()) == expected && !qorManager->isLoading(); });
+    }
+
+    /// Lets the background, and the main queue after it, do as much as a load of the folder by names takes.
+    void giveBackgroundTimeFor(const QString &name)
+    {
+        std::atomic_bool isDone = false;
+        GlobalQueue::async(QualityOfService::userInitiated, [this, name, &isDone] {
+            QorManage::sortURLs(QorManage::collectMediaFiles(home.folder(name)), SortCriterion::filename,
+                                SortOrder::ascending);
+            isDone = true;
+        });
+        EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
+        drainMainQueue();
     }
 
     QStringList publishedLists;
@@ -335,4 +350,97 @@ TEST_F(MediaListTest, aResortIfChangedPublishesOnlyWhatCameOutDifferent)
     qorManager->resortImagesIfChanged();
     settle();
     EXPECT_EQ(publishedLists, QStringList{QStringLiteral("2.png 1.png")});
+}
+
+TEST_F(MediaListTest, aLoadBegunWithEarlierSettingsIsShownBeforeTheLaterOneWhicheverEndsFirst)
+{
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("a/1.png")).path(), 5);
+    home.writePicture(QStringLiteral("a/2.png"));
+    qorManager->setSortCriterion(SortCriterion::rating);
+    drainMainQueue();
+    BusyStore busy;
+    recordLists();
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a"))); // asks the store for ratings
+    qorManager->setSortCriterion(SortCriterion::filename);
+    qorManager->handleSortChange(); // nothing is shown yet, so this loads anew, and needs no store
+    giveBackgroundTimeFor(QStringLiteral("a"));
+    busy.end();
+    settle();
+    publishedLists.removeAll(QString());
+    EXPECT_EQ(publishedLists.value(0), QStringLiteral("2.png 1.png"));
+    EXPECT_EQ(publishedLists.value(1), QStringLiteral("1.png 2.png"));
+    EXPECT_EQ(names(qorManager->imageURLs()),
+              (QStringList{QStringLiteral("1.png"), QStringLiteral("2.png")}));
+}
+
+TEST_F(MediaListTest, aLoadThatEndsAfterTheListWasSortedAnewIsSortedAnewToo)
+{
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("a/1.png")).path(), 5);
+    home.writePicture(QStringLiteral("a/2.png"));
+    BusyStore busy;
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    qorManager->setSortCriterion(SortCriterion::rating);
+    qorManager->handleSortChange(); // nothing is shown yet: a second load, which has to wait for the store
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")})); // the first
+    qorManager->setSortCriterion(SortCriterion::filename);
+    recordLists();
+    drainMainQueue();
+    busy.end();
+    settle();
+    EXPECT_EQ(publishedLists.value(publishedLists.size() - 1), QStringLiteral("1.png 2.png"));
+}
+
+TEST_F(MediaListTest, aTagsListIsNotReplacedByThatOfARatingChosenBeforeIt)
+{
+    const FileUrl both = home.writePicture(QStringLiteral("both.png"));
+    const FileUrl tagged = home.writePicture(QStringLiteral("tagged.png"));
+    EmbeddingStore::shared().setRating(both.path(), 5);
+    EmbeddingStore::shared().addTag(tagged.path(), QStringLiteral("cat"));
+    for (int i = 0; i < 10; ++i) {
+        qorManager->setSelectedRating(5);
+        qorManager->setSelectedTag(QStringLiteral("cat"));
+        settle();
+        EXPECT_EQ(names(qorManager->imageURLs()), QStringList{QStringLiteral("tagged.png")});
+        qorManager->setSelectedTag(std::nullopt);
+        settle();
+    }
+}
+
+TEST_F(MediaListTest, aResortFromTheBackgroundTakesItsTurnAmongTheOthers)
+{
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("a/1.png")).path(), 5);
+    home.writePicture(QStringLiteral("a/2.png"));
+    qorManager->setSortCriterion(SortCriterion::rating);
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitForList({QStringLiteral("2.png"), QStringLiteral("1.png")}));
+    DetachedTask::waitUntilIdle();
+    settle();
+    BusyStore busy;
+    recordLists();
+    std::atomic_bool isDone = false;
+    std::thread resort([&] {
+        qorManager->resortImages(); // by ratings
+        isDone = true;
+    });
+    giveBackgroundTimeFor(QStringLiteral("a"));
+    qorManager->setSortCriterion(SortCriterion::filename);
+    drainMainQueue();
+    EXPECT_FALSE(isDone);
+    busy.end();
+    ASSERT_TRUE(waitUntil([&] { return isDone.load(); }));
+    resort.join();
+    settle();
+    EXPECT_EQ(names(qorManager->imageURLs()),
+              (QStringList{QStringLiteral("1.png"), QStringLiteral("2.png")}));
+}
+
+TEST_F(MediaListTest, aResortFromTheBackgroundOfAnEmptyListReturns)
+{
+    std::atomic_bool isDone = false;
+    std::thread resort([&] {
+        qorManager->resortImages();
+        isDone = true;
+    });
+    EXPECT_TRUE(waitUntil([&] { return isDone.load(); }));
+    resort.join();
 }

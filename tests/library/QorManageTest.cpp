@@ -108,6 +108,26 @@ TEST_F(QorManageTest, theVectorOfAFileComesFromItsThumbnail)
     EXPECT_EQ(encoder.filenames(), QStringList{QStringLiteral("1.png")});
 }
 
+TEST_F(QorManageTest, mayEndWhileAVectorIsWaitedFor)
+{
+    start({0.01, 0.01, 0.01, 60});
+    FakeEncoder encoder;
+    encoder.isHolding = true;
+    const FileUrl picture = home.writePicture(QStringLiteral("1.png"), Qt::white);
+    std::optional<std::vector<float>> vector;
+    std::atomic_bool isDone = false;
+    std::thread request([&] {
+        vector = qorManager->computeImageEmbedding(picture);
+        isDone = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return encoder.held().size() == 1; }));
+    qorManager.reset();
+    encoder.release();
+    ASSERT_TRUE(waitUntil([&] { return isDone.load(); }));
+    request.join();
+    EXPECT_EQ(vector, (std::vector<float>{1, 1, 1}));
+}
+
 TEST_F(QorManageTest, mayEndWhileEverythingIsAtWork)
 {
     for (int i = 0; i < 40; ++i)

@@ -1,9 +1,9 @@
+#include "library/BusyStore.h"
 #include "library/DeferredWrites.h"
 #include "library/LibraryFixture.h"
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
-#include <semaphore>
 #include <thread>
 
 using namespace Qorvane;
@@ -181,44 +181,6 @@ TEST_F(TagsAndRatingsTest, clearingARatingWhileOneIsShownReloads)
     qorManager->clearRating(picture);
     EXPECT_TRUE(waitForList({}));
 }
-
-namespace {
-
-/// Keeps the store at one operation, as a scan of all vectors does.
-class BusyStore
-{
-public:
-    BusyStore()
-    {
-        // A scan of nothing shows nothing to its visitor.
-        EmbeddingStore::shared().upsert(QStringLiteral("/busy.jpg"), std::nullopt, {1.0F}, 1, 0);
-        std::binary_semaphore isBusy(0);
-        m_scan = std::thread([this, &isBusy] {
-            EmbeddingStore::shared().scanVectors({QStringLiteral("/busy.jpg")}, [&](const ImageVectorView &) {
-                isBusy.release();
-                m_end.acquire();
-            });
-        });
-        isBusy.acquire();
-    }
-    ~BusyStore() { end(); }
-    BusyStore(const BusyStore &) = delete;
-    BusyStore &operator=(const BusyStore &) = delete;
-
-    void end()
-    {
-        if (!m_scan.joinable())
-            return;
-        m_end.release();
-        m_scan.join();
-    }
-
-private:
-    std::binary_semaphore m_end{0};
-    std::thread m_scan;
-};
-
-} // namespace
 
 TEST_F(TagsAndRatingsTest, aBusyStoreDoesNotKeepTheWindowWaiting)
 {
