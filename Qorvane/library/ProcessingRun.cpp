@@ -2,6 +2,7 @@
 
 #include "library/LibrarySnapshot.h"
 #include "library/ProcessingReports.h"
+#include "media/SupportedExtensions.h"
 #include "media/ThumbnailCache.h"
 #include "media/ThumbnailPaths.h"
 #include "platform/FileAttributes.h"
@@ -87,7 +88,10 @@ ProcessingRun::Outcome ProcessingRun::makeThumbnail(const FileUrl &file)
         return endIdle(QStringLiteral("⚠️ 文件夹已从库中移除，取消缩略图生成: "));
 
     // Made for the file on disk; a failure shows when the vector is wanted.
-    ThumbnailCache::getThumbnail(file);
+    const std::optional<FileAttributes> before = fileAttributes(file.path());
+    // A video is asked for again then: each of its failures has a line that is due.
+    if (!ThumbnailCache::getThumbnail(file) && before && !isVideoFile(file))
+        m_unreadable.insert(file.path(), *before);
     const std::optional<FileUrl> thumbnail = thumbnailURL(file);
     if (!thumbnail)
         return Outcome::goOn;
@@ -144,7 +148,9 @@ ProcessingRun::Outcome ProcessingRun::computeVector(const FileUrl &file)
 
 bool ProcessingRun::storeVector(const FileUrl &file, const QString &thumbnailPath, double mtime)
 {
-    const std::optional<std::vector<float>> vector = m_surroundings->computeImageEmbedding(file);
+    const std::optional<std::vector<float>> vector = isKnownToBeNoPicture(file, thumbnailPath)
+                                                         ? std::nullopt
+                                                         : m_surroundings->computeImageEmbedding(file);
     if (!vector || vector->empty()) {
         Log::line(QStringLiteral("❌ 向量生成失败: ") + file.lastPathComponent());
         return true;
@@ -158,6 +164,13 @@ bool ProcessingRun::storeVector(const FileUrl &file, const QString &thumbnailPat
     EmbeddingStore::shared().upsert(file.path(), thumbnailPath, *vector, int(vector->size()), mtime);
     Log::line(QStringLiteral("✅ 向量生成完成: ") + file.lastPathComponent());
     return true;
+}
+
+bool ProcessingRun::isKnownToBeNoPicture(const FileUrl &file, const QString &thumbnailPath) const
+{
+    const auto before = m_unreadable.constFind(file.path());
+    return before != m_unreadable.cend() && fileAttributes(file.path()) == *before &&
+           !fileExists(thumbnailPath);
 }
 
 // A superseded run, too, comes by here and writes idle over the state of the run that took its place; that

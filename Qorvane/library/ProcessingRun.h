@@ -3,6 +3,7 @@
 #include "library/EmbeddingRequest.h"
 #include "library/FolderProcessingState.h"
 #include "platform/DetachedTask.h"
+#include "platform/FileAttributes.h"
 #include "platform/FileUrl.h"
 
 #include <QHash>
@@ -53,6 +54,9 @@ private:
     Outcome computeVector(const FileUrl &file);
     /// False when the file vanished meanwhile, which leaves it uncounted.
     bool storeVector(const FileUrl &file, const QString &thumbnailPath, double mtime);
+    /// Whether the first stage found that there is no picture in the file as it is now, and nobody has made
+    /// its thumbnail since.
+    bool isKnownToBeNoPicture(const FileUrl &file, const QString &thumbnailPath) const;
     Outcome endIdle(const QString &line) const;
     void report(FolderProcessingState state, double progress, const QString &detail) const;
 
@@ -64,6 +68,8 @@ private:
     QHash<QString, QString> m_thumbnailPaths;
     /// The files that went through the first stage, in order.
     QList<FileUrl> m_processed;
+    /// The pictures that couldn't be read, as they were before the attempt.
+    QHash<QString, FileAttributes> m_unreadable;
     qsizetype m_embedded = 0;
 };
 

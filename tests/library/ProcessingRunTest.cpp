@@ -232,6 +232,45 @@ TEST_F(ProcessingRunTest, aFileThatIsNoPictureCountsInBothStagesAndAsksNobody)
     EXPECT_TRUE(encoder.filenames().isEmpty());
 }
 
+TEST_F(ProcessingRunTest, aPictureThatCannotBeReadSaysSoOnceARun)
+{
+    const QList<FileUrl> files{home.writeFile(QStringLiteral("broken.jpg"))};
+    const QString line = QStringLiteral("❌ 缩略图生成失败: broken.jpg: ");
+    run(stage, files);
+    EXPECT_EQ(home.log().linesStartingWith(line).size(), 1);
+    run(stage, files);
+    EXPECT_EQ(home.log().linesStartingWith(line).size(), 2);
+}
+
+TEST_F(ProcessingRunTest, aVideoThatCannotBeReadSaysSoWheneverItIsAsked)
+{
+    run(stage, {home.writeFile(QStringLiteral("broken.mp4"))});
+    EXPECT_EQ(home.log()
+                  .linesStartingWith(QStringLiteral("Failed to generate video thumbnail for broken.mp4: "))
+                  .size(),
+              2);
+}
+
+TEST_F(ProcessingRunTest, aPictureThatBecomesReadableBetweenTheStagesGetsItsVector)
+{
+    const FileUrl file = home.writeFile(QStringLiteral("1.png")); // still being copied, say
+    const SteppedLog log(QStringLiteral("✅ 缩略图生成完成: 1.png"),
+                         [&] { home.writePicture(QStringLiteral("1.png")); });
+    run(stage, {file});
+    EXPECT_EQ(encoder.filenames(), QStringList{QStringLiteral("1.png")});
+    EXPECT_EQ(rows().size(), 1u);
+}
+
+TEST_F(ProcessingRunTest, aThumbnailThatAnotherRunMadeBetweenTheStagesIsUsed)
+{
+    const FileUrl file = home.writeFile(QStringLiteral("1.png"));
+    const FileUrl picture = home.writePicture(QStringLiteral("other.png"));
+    const SteppedLog log(QStringLiteral("✅ 缩略图生成完成: 1.png"),
+                         [&] { QFile::copy(picture.path(), thumbnailURL(file)->path()); });
+    run(stage, {file});
+    EXPECT_EQ(encoder.filenames(), QStringList{QStringLiteral("1.png")});
+}
+
 TEST_F(ProcessingRunTest, aBrokenCacheFileGivesNoVectorAndIsNotMadeAnew)
 {
     const QList<FileUrl> files = pictures(1);
