@@ -4,6 +4,7 @@
 #include "media/ThumbnailCache.h"
 #include "platform/GlobalQueue.h"
 #include "platform/MainQueue.h"
+#include "platform/QualityOfService.h"
 
 #include <QPromise>
 
@@ -47,10 +48,13 @@ QFuture<std::optional<Image>> ThumbnailRequests::request(Maker maker, const File
 {
     const auto promise = std::make_shared<QPromise<std::optional<Image>>>();
     promise->start();
-    m_pool.start([promise, maker, file] {
-        if (!promise->isCanceled())
-            promise->addResult(maker(file));
-        promise->finish();
+    // Somebody is looking at the place where the picture belongs, whichever thread asks for it.
+    withFullWeight([&] {
+        m_pool.start([promise, maker, file] {
+            if (!promise->isCanceled())
+                promise->addResult(maker(file));
+            promise->finish();
+        });
     });
     return promise->future();
 }

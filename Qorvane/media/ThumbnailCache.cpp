@@ -10,6 +10,7 @@
 #include "platform/FileAttributes.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
+#include "platform/QualityOfService.h"
 
 #include <QSemaphore>
 #include <QThread>
@@ -25,20 +26,27 @@ constexpr double thumbnailQuality = 0.9;
 /// One of as many places as there are cores, held while a file is decoded, but not while the result is
 /// written. Every run of the pipeline and every visible cell may ask at once; without this their decodes
 /// would pile up in memory and finish no sooner.
+///
+/// Weakened threads have places of their own: one of them holds its place for as long as the scheduler lets
+/// it, and on a busy machine a visible cell would wait for that.
 class DecodingPlace
 {
 public:
-    DecodingPlace() { places().acquire(); }
-    ~DecodingPlace() { places().release(); }
+    DecodingPlace() { m_places.acquire(); }
+    ~DecodingPlace() { m_places.release(); }
     DecodingPlace(const DecodingPlace &) = delete;
     DecodingPlace &operator=(const DecodingPlace &) = delete;
 
 private:
     static QSemaphore &places()
     {
-        static QSemaphore semaphore(std::max(1, QThread::idealThreadCount()));
-        return semaphore;
+        static const int count = std::max(1, QThread::idealThreadCount());
+        static QSemaphore urgent(count);
+        static QSemaphore weakened(count);
+        return qualityOfCurrentThread() == QualityOfService::userInitiated ? urgent : weakened;
     }
+
+    QSemaphore &m_places = places();
 };
 
 // What can't be encoded or written is let go without a word: the caller sees whether the file is there.

@@ -15,7 +15,7 @@ namespace Qorvane {
 
 namespace {
 
-thread_local bool isWeakened = false;
+thread_local QualityOfService currentQuality = QualityOfService::userInitiated;
 
 // Niceness per class: 0 is the window's own; 19 is the weakest there is and yields almost the whole
 // processor to anything else that wants it; 5 leaves utility work behind the window but well before that.
@@ -94,14 +94,19 @@ void applyToCurrentThread(QualityOfService quality)
         return;
     // On Linux niceness belongs to the thread when it is addressed by its own id.
     setpriority(PRIO_PROCESS, static_cast<id_t>(::syscall(SYS_gettid)), value);
-    isWeakened = true;
+    currentQuality = quality;
+}
+
+QualityOfService qualityOfCurrentThread()
+{
+    return currentQuality;
 }
 
 void withFullWeight(const std::function<void()> &block)
 {
     // Made before any thread of ours can have been weakened, since each of those is started through here.
     FullWeightThread &lender = fullWeightThread();
-    if (isWeakened)
+    if (currentQuality != QualityOfService::userInitiated)
         lender.sync(block);
     else
         block();

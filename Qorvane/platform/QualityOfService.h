@@ -12,6 +12,9 @@ enum class QualityOfService { userInitiated, utility, background };
 /// privileges a thread only gets weaker, so one thread serves one quality for its whole life.
 void applyToCurrentThread(QualityOfService quality);
 
+/// What the calling thread was given; `userInitiated` when it was given nothing.
+QualityOfService qualityOfCurrentThread();
+
 /// Runs `block`, which starts threads, on a thread of full weight, and waits for it. A new thread inherits
 /// the weight of the one that starts it, and could not shed it: whoever starts threads does it in here. Any
 /// thread.

@@ -1,10 +1,21 @@
 #include "library/LibraryFixture.h"
 #include "media/Image.h"
+#include "media/ThumbnailCache.h"
 #include "media/ThumbnailPaths.h"
+#include "platform/DetachedTask.h"
 #include "platform/FileAttributes.h"
+#include "platform/Log.h"
 #include "support/Waiting.h"
 
 #include <QDir>
+#include <QThread>
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <semaphore>
 
 using namespace Qorvane;
 
@@ -86,4 +97,46 @@ TEST_F(ThumbnailRequestsTest, aCacheThatCannotBeClearedKeepsItsSize)
     settle();
     EXPECT_EQ(measured, 0);
     EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("Error clearing cache: ")).size(), 1);
+}
+
+namespace {
+
+int currentNiceness()
+{
+    return getpriority(PRIO_PROCESS, static_cast<id_t>(::syscall(SYS_gettid)));
+}
+
+/// Runs `step` on the thread that logs a failed thumbnail, while that stands still.
+class AtFailedThumbnail
+{
+public:
+    explicit AtFailedThumbnail(std::function<void()> step)
+    {
+        Log::setSink([step = std::move(step)](const QString &line) {
+            if (line.startsWith(QStringLiteral("❌ 缩略图生成失败: ")))
+                step();
+        });
+    }
+    ~AtFailedThumbnail() { Log::setSink({}); }
+    AtFailedThumbnail(const AtFailedThumbnail &) = delete;
+    AtFailedThumbnail &operator=(const AtFailedThumbnail &) = delete;
+};
+
+} // namespace
+
+TEST_F(ThumbnailRequestsTest, visibleCellsAreServedAtFullWeightWhoeverAsks)
+{
+    std::atomic_int niceness = -1;
+    const AtFailedThumbnail failure([&] { niceness = currentNiceness(); });
+    const FileUrl broken = home.writeFile(QStringLiteral("1.png"));
+    QFuture<std::optional<Image>> future;
+    std::atomic_bool isAsked = false;
+    DetachedTask::start(QualityOfService::background, [&](const TaskHandle &) {
+        ASSERT_EQ(currentNiceness(), 19);
+        future = qorManager->getThumbnail(broken); // the first, so its thread is started here
+        isAsked = true;
+    });
+    ASSERT_TRUE(waitUntil([&] { return isAsked.load(); }));
+    EXPECT_FALSE(result(future));
+    EXPECT_EQ(niceness, currentNiceness());
 }

@@ -3,6 +3,7 @@
 #include "media/OffMainThread.h"
 #include "media/TestVideo.h"
 #include "media/ThumbnailPaths.h"
+#include "platform/QualityOfService.h"
 #include "support/LogCapture.h"
 
 #include <QBuffer>
@@ -234,6 +235,46 @@ TEST_F(ThumbnailCacheTest, refusesVideosOnTheGuiThreadWithoutWaitingForAPlace)
         thread.join();
     std::sort(calls.begin(), calls.end());
     EXPECT_LT(calls[calls.size() / 2], perDecode / 10);
+}
+
+TEST_F(ThumbnailCacheTest, whatIsLookedAtWaitsForNoPlaceOfBackgroundWork)
+{
+    const FileUrl large = written("a.jpg", jpegOf(plainPicture({6000, 6000}, Qt::red)));
+    const FileUrl small = written("b.jpg", jpegOf(plainPicture({40, 30}, Qt::red)));
+    std::atomic_bool isOver = false;
+    std::atomic_int decodedCount = 0;
+    std::vector<std::thread> threads;
+    // More than there are places, so that one that gets free is taken again at once.
+    for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
+        threads.emplace_back([&] {
+            applyToCurrentThread(QualityOfService::background);
+            while (!isOver) {
+                ThumbnailCache::makeThumbnail(large);
+                ++decodedCount;
+            }
+        });
+    }
+    std::vector<qint64> calls;
+    QElapsedTimer decodes;
+    decodes.start();
+    std::thread cell([&] {
+        for (int i = 0; i < 15; ++i) {
+            for (const int before = decodedCount; decodedCount == before;)
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            QElapsedTimer call;
+            call.start();
+            EXPECT_TRUE(ThumbnailCache::makeThumbnail(small));
+            calls.push_back(call.nsecsElapsed());
+        }
+    });
+    cell.join();
+    const qint64 perDecode = decodes.nsecsElapsed() / decodedCount;
+    isOver = true;
+    for (std::thread &thread : threads)
+        thread.join();
+    std::sort(calls.begin(), calls.end());
+    // As above: a wait for a place is about as long as a decode.
+    EXPECT_LT(calls[calls.size() / 2], perDecode / 3);
 }
 
 TEST_F(ThumbnailCacheTest, givesNoPictureForABrokenCacheFileForEver)
