@@ -245,16 +245,18 @@ void FolderLibrary::publishLoaded(const QList<Folder> &roots, const Change &comp
     });
 }
 
-void FolderLibrary::loadFavoriteBookmarks()
+void FolderLibrary::loadFavoriteBookmarks(Change completion)
 {
-    m_favoriteChanges.perform([this] {
+    m_favoriteChanges.perform([this, completion = std::move(completion)] {
         m_favoriteChanges.hold();
         const auto urls = std::make_shared<std::optional<QList<FileUrl>>>();
         const auto read = [urls] { *urls = FolderBookmarks::favorites().resolveStored(); };
-        m_surroundings.bookmarkWrites->perform(read, this, [this, urls] {
+        m_surroundings.bookmarkWrites->perform(read, this, [this, urls, completion] {
             if (*urls)
                 publishLoadedFavorites(**urls);
             m_favoriteChanges.release();
+            if (completion)
+                completion();
         });
     });
 }

@@ -48,7 +48,8 @@ public:
     void saveBookmarks();
     void saveFavoriteBookmarks();
     void loadBookmarks(std::function<void()> completion);
-    void loadFavoriteBookmarks();
+    /// Calls `completion` in any case.
+    void loadFavoriteBookmarks(std::function<void()> completion);
     std::optional<Folder> folderForSidebarSelection(const std::optional<QString> &selection) const;
     std::optional<Folder> folderWithAbsoluteString(const QString &text) const;
 

@@ -65,10 +65,11 @@ QorManage::~QorManage() = default;
 
 void QorManage::finishStart()
 {
-    loadFavoriteBookmarks();
-    MainQueue::after(m_timings.untilStartupSync, [self = QPointer(this)] {
-        if (self)
-            Log::line(QStringLiteral("🔄 启动时检查文件夹同步状态..."));
+    m_folders->loadFavoriteBookmarks([this] {
+        MainQueue::after(m_timings.untilStartupSync, [self = QPointer(this)] {
+            if (self)
+                Log::line(QStringLiteral("🔄 启动时检查文件夹同步状态..."));
+        });
     });
 }
 
@@ -233,7 +234,7 @@ void QorManage::loadBookmarks(std::function<void()> completion)
 
 void QorManage::loadFavoriteBookmarks()
 {
-    m_folders->loadFavoriteBookmarks();
+    m_folders->loadFavoriteBookmarks({});
 }
 
 Folder QorManage::buildFolderHierarchy(const FileUrl &url)

@@ -48,6 +48,22 @@ TEST_F(QorManageTest, favouritesOfAnEarlierRunAreForgottenAtTheStart)
     EXPECT_TRUE(library.favoriteFolders().isEmpty());
 }
 
+TEST_F(QorManageTest, aStartPublishesTheRootsThenTheFavouritesAndThenChecks)
+{
+    UserDefaults::standard().setDataArray(QStringLiteral("libraryFolders"), {home.path().toUtf8()});
+    QorManage library(nullptr, {0.01, 0.01, 0.01, 0.01});
+    QStringList steps;
+    QObject::connect(&library, &QorManage::libraryFoldersChanged, &library,
+                     [&] { steps.append(QStringLiteral("roots %1").arg(library.libraryFolders().size())); });
+    QObject::connect(&library, &QorManage::favoriteFoldersChanged, &library, [&] {
+        steps.append(QStringLiteral("favourites %1").arg(library.favoriteFolders().size()));
+        if (home.log().contains(syncLine))
+            steps.append(QStringLiteral("too late"));
+    });
+    ASSERT_TRUE(waitUntil([&] { return home.log().contains(syncLine); }));
+    EXPECT_EQ(steps, (QStringList{QStringLiteral("roots 1"), QStringLiteral("favourites 0")}));
+}
+
 TEST_F(QorManageTest, aFirstStartChecksNothing)
 {
     UserDefaults::standard().remove(QStringLiteral("libraryFolders"));
