@@ -60,6 +60,47 @@ TEST_F(MediaListTest, aFolderShowsItsFilesOfEveryDepthSortedAndStartsItsRun)
     EXPECT_FALSE(made.isEmpty());
 }
 
+TEST_F(MediaListTest, aLoadPublishesItsStatesInTheirOrder)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    qorManager->setSelectedRating(5);
+    settle();
+    QStringList steps;
+    const QorManage *library = qorManager.get();
+    QObject::connect(library, &QorManage::selectedFolderChanged, library,
+                     [&] { steps.append(QStringLiteral("folder")); });
+    QObject::connect(library, &QorManage::selectedRatingChanged, library,
+                     [&] { steps.append(QStringLiteral("rating")); });
+    QObject::connect(library, &QorManage::imageURLsChanged, library,
+                     [&] { steps.append(QStringLiteral("list of %1").arg(library->imageURLs().size())); });
+    QObject::connect(library, &QorManage::isLoadingChanged, library, [&] {
+        steps.append(library->isLoading() ? QStringLiteral("loading") : QStringLiteral("loaded"));
+    });
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    settle();
+    // The folder takes the rating's place, which loads too; both loads are this folder's.
+    EXPECT_EQ(steps.mid(0, 6), (QStringList{QStringLiteral("folder"), QStringLiteral("rating"),
+                                            QStringLiteral("list of 0"), QStringLiteral("loading"),
+                                            QStringLiteral("list of 0"), QStringLiteral("loading")}));
+    EXPECT_EQ(steps.mid(6), (QStringList{QStringLiteral("list of 1"), QStringLiteral("loaded"),
+                                         QStringLiteral("list of 1"), QStringLiteral("loaded")}));
+}
+
+TEST_F(MediaListTest, aRunStartsAfterTheListItIsFor)
+{
+    home.writePicture(QStringLiteral("a/1.png"));
+    const QorManage *library = qorManager.get();
+    const QString path = home.path(QStringLiteral("a"));
+    QString seen;
+    QObject::connect(library, &QorManage::folderProcessingStatusChanged, library, [&] {
+        if (seen.isEmpty())
+            seen = QStringLiteral("%1 shown, %2").arg(library->imageURLs().size()).arg(library->isLoading());
+    });
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitUntil([&] { return library->folderProcessingStatus().contains(path); }));
+    EXPECT_EQ(seen, QStringLiteral("1 shown, 0"));
+}
+
 TEST_F(MediaListTest, withATagAndAFolderSetTheTagsFilesAreListedAndNoRunStarts)
 {
     const FileUrl tagged = home.writePicture(QStringLiteral("other/t.png"));

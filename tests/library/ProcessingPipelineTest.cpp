@@ -210,6 +210,50 @@ TEST_F(ProcessingPipelineTest, itsEndCancelsTheRunInWorkAndWaitsForNone)
     EXPECT_TRUE(waitForLine(QStringLiteral("🔄 向量生成任务已取消: ") + a));
 }
 
+TEST_F(ProcessingPipelineTest, onlyACancelEndsTheRunOfARemovedRootWhosePathAnotherRootBegins)
+{
+    const FileUrl ab = home.makeFolder(QStringLiteral("a/b"));
+    const FileUrl ab2 = home.makeFolder(QStringLiteral("a/b2"));
+    QList<FileUrl> files;
+    for (int i = 1; i <= 4; ++i)
+        files.append(home.writePicture(QStringLiteral("a/b2/%1.png").arg(i)));
+    const QList<Folder> both{{ab, std::nullopt}, {ab2, std::nullopt}};
+    stage.state.publishLibraryFolders(both);
+
+    // Taken out with its first vector, and not cancelled: it goes on to its end.
+    encoder.onRequest = [&](const QString &) { stage.state.publishLibraryFolders({both.first()}); };
+    stage.pipeline.startProcessing(files, ab2.path());
+    ASSERT_TRUE(waitForEnd(ab2.path()));
+    EXPECT_EQ(EmbeddingStore::shared().getImageCount(), 4);
+
+    // The same and cancelled: the file in work is the last.
+    EmbeddingStore::shared().deleteFolder(ab2.path());
+    home.log().clear();
+    encoder.onRequest = [&](const QString &) {
+        stage.pipeline.cancelFolderTasks(ab2.path());
+        EXPECT_TRUE(waitForLine(QStringLiteral("🔄 已取消文件夹的后台任务: ") + ab2.path()));
+    };
+    stage.pipeline.startProcessing(files, ab2.path());
+    ASSERT_TRUE(waitForLine(QStringLiteral("🔄 向量生成任务已取消: ") + ab2.path()));
+    EXPECT_EQ(EmbeddingStore::shared().getImageCount(), 1);
+    EXPECT_TRUE(home.log().linesStartingWith(QStringLiteral("⚠️ 文件夹已从库中移除")).isEmpty());
+}
+
+TEST_F(ProcessingPipelineTest, theRunOfARemovedRootThatNoOtherBeginsEndsByItself)
+{
+    const FileUrl ab = home.makeFolder(QStringLiteral("a/b"));
+    const FileUrl other = home.makeFolder(QStringLiteral("a/c"));
+    QList<FileUrl> files;
+    for (int i = 1; i <= 3; ++i)
+        files.append(home.writePicture(QStringLiteral("a/c/%1.png").arg(i)));
+    stage.state.publishLibraryFolders({{ab, std::nullopt}, {other, std::nullopt}});
+    encoder.onRequest = [&](const QString &) { stage.state.publishLibraryFolders({{ab, std::nullopt}}); };
+    stage.pipeline.startProcessing(files, other.path());
+    ASSERT_TRUE(waitForLine(QStringLiteral("⚠️ 文件夹已从库中移除，取消向量生成: ") +
+                            other.path()));
+    EXPECT_EQ(EmbeddingStore::shared().getImageCount(), 1);
+}
+
 TEST(LibrarySnapshot, aRootStillCountsInTheFilesOfARemovedOneThatItsPathBegins)
 {
     LibrarySnapshot snapshot;
