@@ -52,7 +52,8 @@ struct Files
 Files filesBelow(const QString &folder, bool isEveryExtension)
 {
     Files files;
-    QDirIterator iterator(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    QDirIterator iterator(QDir(folder).absolutePath(), QDir::Files | QDir::Hidden,
+                          QDirIterator::Subdirectories);
     while (iterator.hasNext()) {
         const QString path = iterator.next();
         if (isEveryExtension || Qorvane::isMediaFile(Qorvane::FileUrl::file(path)))
