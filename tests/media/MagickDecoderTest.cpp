@@ -4,8 +4,10 @@
 #include "media/decoders/ByteSource.h"
 #include "media/decoders/DecoderDispatch.h"
 #include "media/decoders/MediaLibraries.h"
+#include "media/decoders/TiffDirectory.h"
 
 #include <QDir>
+#include <QtEndian>
 
 #include <gtest/gtest.h>
 #if __has_include(<MagickCore/MagickCore.h>)
@@ -78,6 +80,21 @@ TEST(MagickDecoderTest, APictOfTheFirstVersionThatOnlyDrawsIsRefused)
     QString reason;
     EXPECT_FALSE(decodedPict(bytes, reason));
     EXPECT_EQ(reason, QStringLiteral("it holds a drawing and no bitmap, and drawings are not rendered"));
+}
+
+TEST(MagickDecoderTest, ATiffHoldsItsDataOrNot)
+{
+    for (const char *kind : {".tif", ".tif[tile,tile_width=16,tile_height=16]"}) {
+        QByteArray tiff = PictureFiles::vipsFile(PictureFiles::testPicture(64, 48), kind);
+        EXPECT_TRUE(TiffDirectory::holdsItsData(MemoryBytes(tiff)));
+        // The directory moves to the front of a file that has lost its end.
+        const quint32 directory = qFromLittleEndian<quint32>(tiff.constData() + 4);
+        const QByteArray entries = tiff.mid(directory, 2 + 12 * uchar(tiff[directory]) + 4);
+        QByteArray cut = tiff.left(100);
+        qToLittleEndian<quint32>(100, cut.data() + 4);
+        EXPECT_FALSE(TiffDirectory::holdsItsData(MemoryBytes(cut + entries)));
+    }
+    EXPECT_FALSE(TiffDirectory::holdsItsData(MemoryBytes(QByteArray("II*\0\x08\0\0\0\0\0", 10))));
 }
 
 TEST(MagickDecoderTest, NoTemporaryFileTakesWhatDoesNotFitIntoMemory)

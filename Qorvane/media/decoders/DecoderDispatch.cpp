@@ -11,6 +11,7 @@
 #include "media/decoders/QuickTimeImage.h"
 #include "media/decoders/RawDecoder.h"
 #include "media/decoders/SoftimagePic.h"
+#include "media/decoders/TiffDirectory.h"
 #include "media/decoders/VipsDecoder.h"
 #include "media/decoders/X3fDecoder.h"
 
@@ -36,8 +37,10 @@ std::optional<QImage> decodeTiff(const ByteSource &bytes, const DecodeRequest &r
 {
     if (const auto image = decodeWithVips(bytes, ContentType::tiff, request, reason))
         return image;
+    // Where data are missing it would show what happened to stand in memory.
     QString second;
-    return decodeWithMagick(bytes, "TIFF", request, second);
+    return TiffDirectory::holdsItsData(bytes) ? decodeWithMagick(bytes, "TIFF", request, second)
+                                              : std::nullopt;
 }
 
 /// Whether a comment follows another one before the picture's size and range are told.

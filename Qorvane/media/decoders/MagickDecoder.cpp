@@ -248,8 +248,10 @@ std::optional<QImage> decodeWithMagick(const ByteSource &bytes, const char *code
         reason = reasonOf(exception.get());
         return std::nullopt;
     }
-    // Some coders go on where the data end. What is left is then worth showing, unless it is nothing.
-    if (exception->severity >= ErrorException && isOneColour(image)) {
+    // Some coders go on where the data end. What is left is then worth showing, unless it is nothing; or, of
+    // a TIFF, whatever stood in the memory that was to take the data.
+    const bool isDamaged = exception->severity >= ErrorException;
+    if (isDamaged && (std::strcmp(coder, "TIFF") == 0 || isOneColour(image))) {
         reason = reasonOf(exception.get());
         return std::nullopt;
     }

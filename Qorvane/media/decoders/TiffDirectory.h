@@ -9,4 +9,8 @@ namespace Qorvane::TiffDirectory {
 /// reduced preview of sub-pictures count too. Reads the first directory only.
 bool describesRawFile(const ByteSource &bytes);
 
+/// Whether all strips and tiles that the first directory names lie within the file. True for a BigTIFF, which
+/// isn't looked at.
+bool holdsItsData(const ByteSource &bytes);
+
 } // namespace Qorvane::TiffDirectory
