@@ -5,6 +5,7 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
+#include <QElapsedTimer>
 #include <QMetaProperty>
 
 #include <thread>
@@ -62,6 +63,19 @@ TEST_F(QorManageTest, aStartPublishesTheRootsThenTheFavouritesAndThenChecks)
     });
     ASSERT_TRUE(waitUntil([&] { return home.log().contains(syncLine); }));
     EXPECT_EQ(steps, (QStringList{QStringLiteral("roots 1"), QStringLiteral("favourites 0")}));
+}
+
+TEST_F(QorManageTest, theCheckAtTheStartComesASecondAfterTheFolders)
+{
+    UserDefaults::standard().setDataArray(QStringLiteral("libraryFolders"), {home.path().toUtf8()});
+    const QorManage library;
+    QElapsedTimer sincePublished;
+    QObject::connect(&library, &QorManage::libraryFoldersChanged, [&] { sincePublished.start(); });
+    ASSERT_TRUE(waitUntil([&] { return home.log().contains(syncLine); }));
+    ASSERT_TRUE(sincePublished.isValid());
+    EXPECT_GE(sincePublished.elapsed(), 1000);
+    // A busy machine may take longer, so the other side is held by the number itself.
+    EXPECT_EQ(LibraryTimings().untilStartupSync, 1.0);
 }
 
 TEST_F(QorManageTest, aFirstStartChecksNothing)

@@ -14,6 +14,7 @@
 
 #include <map>
 #include <memory>
+#include <semaphore>
 
 using namespace Qorvane;
 
@@ -68,10 +69,11 @@ protected:
     QStringList taggedPaths;
     std::map<QString, Running> running;
     LogCapture log;
-    SearchController controller{{[this] { return settings; }, [this](const QString &) { return taggedPaths; },
-                                 [this](const QString &text, const QList<FileUrl> &scope, int limit) {
-                                     return begin(text, scope, limit);
-                                 }}};
+    const SearchSources sources{[this] { return settings; }, [this](const QString &) { return taggedPaths; },
+                                [this](const QString &text, const QList<FileUrl> &scope, int limit) {
+                                    return begin(text, scope, limit);
+                                }};
+    SearchController controller{sources};
 };
 
 } // namespace
@@ -177,4 +179,51 @@ TEST_F(SearchControllerTest, deletedFilesLeaveTheResultsInOrder)
     drainMainQueue();
     EXPECT_EQ(controller.results(),
               (QList<SearchResult>{hit(QStringLiteral("a.jpg")), hit(QStringLiteral("c.jpg"))}));
+}
+
+TEST_F(SearchControllerTest, mayGoWhileItsSearchRuns)
+{
+    auto brief = std::make_unique<SearchController>(sources);
+    QSignalSpy results(brief.get(), &SearchController::resultsChanged);
+    brief->setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    const QFuture<QList<SearchResult>> search = running[QStringLiteral("dog")].promise->future();
+    brief.reset();
+    running[QStringLiteral("dog")].promise->addResult(QList<SearchResult>{hit(QStringLiteral("dog.jpg"))});
+    running[QStringLiteral("dog")].promise->finish();
+    drainMainQueue();
+    EXPECT_TRUE(search.isFinished());
+    EXPECT_EQ(results.count(), 0);
+}
+
+TEST_F(SearchControllerTest, mayGoBeforeItsSearchBegins)
+{
+    auto brief = std::make_unique<SearchController>(sources);
+    brief->setText(QStringLiteral("dog"));
+    brief.reset();
+    drainMainQueue();
+    EXPECT_TRUE(running.empty());
+}
+
+TEST_F(SearchControllerTest, searchesNothingWhenItGoesWhileTheFilesOfATagAreRead)
+{
+    settings.selectedTag = QStringLiteral("Beach");
+    std::binary_semaphore isReading(0);
+    std::binary_semaphore mayGoOn(0);
+    SearchSources slow = sources;
+    slow.pathsOfTag = [&](const QString &) {
+        isReading.release();
+        mayGoOn.acquire();
+        return QStringList{QDir::tempPath()};
+    };
+    auto brief = std::make_unique<SearchController>(slow);
+    brief->setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitUntil([&isReading] { return isReading.try_acquire(); }));
+    brief.reset();
+    mayGoOn.release();
+    // The line is written when the files are known, just before the search would begin.
+    ASSERT_TRUE(
+        waitUntil([this] { return log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 1 张照片中搜索")); }));
+    drainMainQueue();
+    EXPECT_TRUE(running.empty());
 }
