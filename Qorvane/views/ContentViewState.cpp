@@ -45,7 +45,7 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
         connect(model, &MediaListModel::visiblePathsChanged, this,
                 [thumbnails](const QSet<QString> &paths) { thumbnails->setVisiblePaths(paths); });
     }
-    connect(&m_folderPanel, &FolderPanel::chosen, this, &ContentViewState::addFolderUrls);
+    connect(&m_folderPanel, &FolderPanel::chosen, this, &ContentViewState::addFolders);
     connect(&m_folderPanel, &FolderPanel::unavailable, this, &ContentViewState::folderPanelUnavailable);
     followLibrary();
     followSearch();
@@ -125,16 +125,12 @@ void ContentViewState::addFolders(const QList<QUrl> &urls)
                 folders.append(FileUrl::directory(url.toLocalFile()));
         }
         MainQueue::async([self, folders] {
-            if (self)
-                self->addFolderUrls(folders);
+            if (!self)
+                return;
+            for (const FileUrl &folder : folders)
+                self->m_qorManager.addFolder(folder);
         });
     });
-}
-
-void ContentViewState::addFolderUrls(const QList<FileUrl> &folders)
-{
-    for (const FileUrl &folder : folders)
-        m_qorManager.addFolder(folder);
 }
 
 void ContentViewState::selectSidebarItem(const QString &id)

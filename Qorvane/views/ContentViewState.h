@@ -52,7 +52,8 @@ public:
 
     /// Opens the desktop's panel for folders to add.
     Q_INVOKABLE void chooseFolders();
-    /// Adds the folders among `urls` to the library, in their order; other files are passed over.
+    /// Adds the folders among `urls` to the library, in their order; other files, and what isn't
+    /// on this machine, are passed over.
     Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
     /// A click on the sidebar row with this id.
     Q_INVOKABLE void selectSidebarItem(const QString &id);
@@ -68,7 +69,6 @@ private:
     void followSearch();
     void markSelectedFolder();
     void updatePage();
-    void addFolderUrls(const QList<FileUrl> &folders);
     FolderProgress progressOf(const FileUrl &folder) const;
 
     QorManage &m_qorManager;

@@ -7,7 +7,6 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QUrl>
 #include <QUuid>
 
 namespace Qorvane {
@@ -67,11 +66,11 @@ void FolderPanel::open(const QString &title, const QString &parentWindow)
 void FolderPanel::onResponse(uint response, const QVariantMap &results)
 {
     finish();
-    QList<FileUrl> folders;
+    QList<QUrl> folders;
     // 0 is the answer "OK"; dismissing the panel and a failure of it both choose nothing.
     if (response == 0) {
         for (const QString &uri : results.value(QStringLiteral("uris")).toStringList())
-            folders.append(FileUrl::directory(QUrl(uri).toLocalFile()));
+            folders.append(QUrl(uri));
     }
     Q_EMIT chosen(folders);
 }

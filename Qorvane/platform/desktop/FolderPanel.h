@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/FileUrl.h"
-
+#include <QList>
 #include <QObject>
+#include <QUrl>
 #include <QVariantMap>
 
 namespace Qorvane {
@@ -21,8 +21,9 @@ public:
     void open(const QString &title, const QString &parentWindow = {});
 
 Q_SIGNALS:
-    /// The user's answer, in the panel's order; empty when the panel was dismissed.
-    void chosen(const QList<Qorvane::FileUrl> &folders);
+    /// The user's answer, in the panel's order; empty when the panel was dismissed. A panel may show other
+    /// machines too: not every address need be a file's.
+    void chosen(const QList<QUrl> &folders);
     /// This desktop has no such panel: the program has to show one of its own.
     void unavailable();
 
