@@ -11,9 +11,14 @@
 
 #include <QPointer>
 
+#include <chrono>
+
 namespace Qorvane {
 
 namespace {
+
+// A run reports every file, and skips thousands in a second; nobody sees more than a frame's worth of them.
+constexpr auto frame = std::chrono::milliseconds(16);
 
 bool isVideo(const FileUrl &url)
 {
@@ -58,7 +63,14 @@ void ContentViewState::followLibrary()
         m_photos.setUrls(m_qorManager.imageURLs());
         updatePage();
     };
-    const auto refreshProgress = [this] { m_folders.refreshProgress(); };
+    // From the first report on, not from the last: a flood of them must not hold the refresh back.
+    m_progressRefresh.setSingleShot(true);
+    m_progressRefresh.setInterval(frame);
+    connect(&m_progressRefresh, &QTimer::timeout, &m_folders, &FolderListModel::refreshProgress);
+    const auto refreshProgress = [this] {
+        if (!m_progressRefresh.isActive())
+            m_progressRefresh.start();
+    };
     connect(&m_qorManager, &QorManage::libraryFoldersChanged, this, takeFolders);
     connect(&m_qorManager, &QorManage::imageURLsChanged, this, takeImages);
     connect(&m_qorManager, &QorManage::isLoadingChanged, this, &ContentViewState::updatePage);

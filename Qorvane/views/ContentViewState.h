@@ -8,6 +8,7 @@
 #include "views/SearchController.h"
 
 #include <QObject>
+#include <QTimer>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
@@ -78,6 +79,7 @@ private:
     MediaListModel m_photos;
     MediaListModel m_results;
     SearchController m_search;
+    QTimer m_progressRefresh;
     std::optional<QString> m_sidebarSelection;
     GridPage::Page m_page = GridPage::NothingSelected;
 };

@@ -7,9 +7,15 @@
 #include "views/ThumbnailQueue.h"
 
 #include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
 
 using namespace Qorvane;
 
@@ -38,7 +44,60 @@ protected:
                              std::make_shared<ThumbnailQueue>(1)};
 };
 
+// 60 times a second is as often as anybody can see it.
+constexpr int frame = 16;
+
 } // namespace
+
+TEST_F(ContentViewStateTest, aFloodOfReportsRefreshesTheRowsOnceAFrame)
+{
+    constexpr int reports = 100'000;
+    m_state.addFolders({url(QStringLiteral("one"))});
+    ASSERT_TRUE(waitUntil([this] { return m_state.folders()->count() == 1; }));
+    const QModelIndex row = m_state.folders()->index(0);
+    ASSERT_TRUE(waitUntil(
+        [&row] { return row.data(FolderListModel::StateRole).toInt() == FolderListModel::Completed; }));
+
+    QSignalSpy refreshes(m_state.folders(), &QAbstractItemModel::dataChanged);
+    QElapsedTimer timer;
+    timer.start();
+    const QString path = m_place.filePath(QStringLiteral("one"));
+    std::thread run([this, &path] {
+        for (int i = 1; i <= reports; ++i)
+            m_library.setProcessing(path, FolderProcessingState::thumbnails, double(i) / reports,
+                                    QString::number(i));
+    });
+    const bool isThrough = waitUntil(
+        [&row] { return row.data(FolderListModel::DetailRole).toString() == QString::number(reports); });
+    run.join();
+    ASSERT_TRUE(isThrough);
+    EXPECT_LE(refreshes.count(), timer.elapsed() / frame + 1);
+    EXPECT_EQ(row.data(FolderListModel::ProgressRole).toDouble(), 1.0);
+    RecordProperty("milliseconds", int(timer.elapsed()));
+    RecordProperty("refreshes", int(refreshes.count()));
+}
+
+TEST_F(ContentViewStateTest, theRowsFollowWhileAFloodOfReportsGoesOn)
+{
+    constexpr int moreThanAnyRunReports = 1'000'000;
+    m_state.addFolders({url(QStringLiteral("one"))});
+    ASSERT_TRUE(waitUntil([this] { return m_state.folders()->count() == 1; }));
+    const QModelIndex row = m_state.folders()->index(0);
+    const QString path = m_place.filePath(QStringLiteral("one"));
+    std::atomic_bool isSeen = false;
+    bool hasWaited = false;
+    std::thread run([&] {
+        int i = 0;
+        while (!isSeen && ++i < moreThanAnyRunReports)
+            m_library.setProcessing(path, FolderProcessingState::thumbnails, 0.5, QStringLiteral("half"));
+        hasWaited = i == moreThanAnyRunReports;
+    });
+    isSeen = waitUntil([&row] { return row.data(FolderListModel::ProgressRole).toDouble() == 0.5; });
+    run.join();
+    EXPECT_TRUE(isSeen);
+    EXPECT_FALSE(hasWaited) << "nothing moved until the reports were over";
+    drainMainQueue();
+}
 
 TEST_F(ContentViewStateTest, onlyFoldersOfThisMachineAreAdded)
 {
