@@ -1,14 +1,145 @@
-import QtQml
-import QtQuick.Dialogs
+import QtQuick
+import QtQuick.Templates as T
+import QorvaneStyle
 import QorvaneViews
 
-/// The toolkit's own dialog for a folder, for desktops without a panel; opens as soon as it is made.
-FolderDialog {
+/// Chooses folders to add, several at a time, for desktops without a panel of their own.
+T.Popup {
     id: dialog
 
     required property ContentViewState viewState
+    readonly property bool isEmpty: browser.state === FolderBrowser.Listed && browser.count === 0
+    readonly property bool isUnreadable: browser.state === FolderBrowser.Unreadable
 
-    title: qsTranslate("Qorvane", "Add Folder")
-    onAccepted: viewState.addFolders([selectedFolder])
-    Component.onCompleted: open()
+    function accept() {
+        if (browser.chosen.length > 0) {
+            dialog.viewState.addFolders(browser.chosen);
+            close();
+        }
+    }
+
+    objectName: "folderDialog"
+    parent: T.Overlay.overlay
+    anchors.centerIn: parent
+    width: 560
+    height: 480
+    padding: Theme.contentPadding
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape
+    onOpened: list.forceActiveFocus()
+    onAboutToShow: browser.open(browser.path)
+
+    T.Overlay.modal: Rectangle {
+        color: "#66000000"
+    }
+    background: Rectangle {
+        color: Theme.popup
+        radius: Theme.cardRadius
+        border.color: Theme.hairline
+    }
+
+    FolderBrowser {
+        id: browser
+    }
+
+    Item {
+        anchors.fill: parent
+        Accessible.role: Accessible.Dialog
+        Accessible.name: title.text
+
+        Label {
+            id: title
+
+            text: qsTranslate("Qorvane", "Add Folder")
+            font.pixelSize: Theme.title3Size
+            font.weight: Font.DemiBold
+        }
+
+        ToolButton {
+            id: parentButton
+
+            objectName: "parentFolderButton"
+            anchors.top: title.bottom
+            anchors.topMargin: Theme.unit
+            text: qsTranslate("Qorvane", "Enclosing Folder")
+            iconName: "chevron.left"
+            enabled: browser.hasParent
+            onClicked: browser.openParent()
+        }
+
+        Label {
+            objectName: "folderDialogPath"
+            anchors.left: parentButton.right
+            anchors.leftMargin: Theme.unit
+            anchors.right: parent.right
+            anchors.verticalCenter: parentButton.verticalCenter
+            text: browser.path
+            color: Theme.secondaryText
+            elide: Text.ElideLeft
+        }
+
+        Rectangle {
+            id: frame
+
+            anchors.top: parentButton.bottom
+            anchors.topMargin: Theme.unit
+            anchors.bottom: hint.top
+            anchors.bottomMargin: Theme.unit
+            width: parent.width
+            color: Theme.window
+            radius: Theme.fieldRadius
+            border.width: list.activeFocus ? 2 : 1
+            border.color: list.activeFocus ? Theme.accent : Theme.hairline
+
+            FolderBrowserList {
+                id: list
+
+                anchors.fill: parent
+                anchors.margins: 4
+                browser: browser
+                onAccepted: dialog.accept()
+            }
+
+            MessagePage {
+                anchors.fill: parent
+                visible: dialog.isEmpty || dialog.isUnreadable
+                message: dialog.isUnreadable ? qsTranslate("Qorvane", "This folder can't be read.")
+                                             : qsTranslate("Qorvane", "There are no folders in this folder.")
+                messageSize: Theme.bodySize
+            }
+        }
+
+        Label {
+            id: hint
+
+            anchors.bottom: addButton.top
+            anchors.bottomMargin: Theme.unit
+            width: parent.width
+            text: qsTranslate("Qorvane", "Hold Control or Shift to select several folders; double-click to open one.")
+            font.pixelSize: Theme.captionSize
+            color: Theme.secondaryText
+        }
+
+        Button {
+            anchors.right: addButton.left
+            anchors.rightMargin: Theme.unit
+            anchors.bottom: parent.bottom
+            text: qsTranslate("Qorvane", "Cancel")
+            onClicked: dialog.close()
+        }
+
+        Button {
+            id: addButton
+
+            objectName: "addChosenFoldersButton"
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            isProminent: true
+            enabled: browser.chosen.length > 0
+            text: browser.selectionCount < 2 ? qsTranslate("Qorvane", "Add Folder")
+                                             : qsTranslate("Qorvane", "Add %1 Folders").arg(browser.selectionCount)
+            onClicked: dialog.accept()
+        }
+    }
 }

@@ -1,8 +1,7 @@
 import QtQuick
 import QorvaneViews
 
-/// Makes a dialog for folders where the desktop has none. Only then is its module looked for: the window does
-/// without.
+/// Makes a dialog for folders where the desktop has none, when it is first asked for.
 Loader {
     id: host
 
@@ -12,8 +11,9 @@ Loader {
         target: host.viewState
 
         function onFolderPanelUnavailable() {
-            host.source = "";
-            host.setSource("FallbackFolderDialog.qml", { viewState: host.viewState });
+            if (!host.item)
+                host.setSource("FallbackFolderDialog.qml", { viewState: host.viewState });
+            (host.item as FallbackFolderDialog).open();
         }
     }
 }

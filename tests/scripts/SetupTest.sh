@@ -40,7 +40,7 @@ fi
 
 # Every QML module that the window imports is installed by ./run alone.
 imported=$(grep -rhoP --include='*.qml' '^import \KQt[\w.]*' Qorvane | sort -u)
-[[ $imported == *QtQuick.Dialogs* ]] || { printf 'FAILED: the imports were not found\n' && failures=$((failures + 1)); }
+[[ $imported == *QtQuick.Templates* ]] || { printf 'FAILED: the imports were not found\n' && failures=$((failures + 1)); }
 for module in $imported; do
     package=qml6-module-$(tr '[:upper:].' '[:lower:]-' <<<"$module")
     if ! dependencies scripts/packages-run.txt | grep -qx "$package"; then

@@ -113,6 +113,20 @@ protected:
         return window->findChild<QQuickItem *>(QString::fromLatin1(name));
     }
 
+    // What is in a popup lies under the window's overlay.
+    QQuickItem *popupItem(const char *name) const { return itemBelow(window->contentItem(), name); }
+
+    static QQuickItem *itemBelow(QQuickItem *top, const char *name)
+    {
+        if (top->objectName() == QLatin1String(name) && top->isVisible())
+            return top;
+        for (QQuickItem *const child : top->childItems()) {
+            if (QQuickItem *const found = itemBelow(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+
     QQuickItem *cell(const char *grid, int index) const
     {
         QQuickItem *delegate = nullptr;
@@ -174,16 +188,52 @@ TEST_F(ContentViewTest, anEmptyLibraryLeadsToItsFirstFolder)
     EXPECT_TRUE(item("firstFolderButton")->isVisible());
 }
 
-TEST_F(ContentViewTest, withoutAPanelOfTheDesktopTheToolkitsOwnDialogOpens)
+TEST_F(ContentViewTest, withoutAPanelOfTheDesktopItsOwnDialogAddsSeveralFolders)
 {
-    const auto opensDialog = [](const QObject *object) {
-        return object->inherits("QQuickFolderDialog") && object->property("visible").toBool();
+    for (const char *name : {"One", "Two", "Three"})
+        makeFolder(QString::fromLatin1(name), 0);
+    qputenv("HOME", home.path().toLocal8Bit());
+    click(item("firstFolderButton"));
+    ASSERT_TRUE(waitUntil([&] { return popupItem("folderBrowserList") != nullptr; }));
+    QQuickItem *const list = popupItem("folderBrowserList");
+    ASSERT_TRUE(waitUntil([&] { return list->property("count").toInt() == 3; }));
+    const auto row = [&](int index) {
+        QQuickItem *delegate = nullptr;
+        QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
+                                  Q_ARG(int, index));
+        return delegate;
     };
-    Q_EMIT state.folderPanelUnavailable();
-    EXPECT_TRUE(
-        waitUntil([&] { return std::ranges::any_of(window->findChildren<QObject *>(), opensDialog); }));
-    // What it draws comes from modules of their own, which may be missing where the dialog's isn't.
+    ASSERT_TRUE(waitUntil([&] { return row(2) != nullptr; }));
     waitForFrame();
+    click(row(0));                      // One
+    click(row(2), Qt::ControlModifier); // Two
+    waitForFrame();
+    EXPECT_EQ(popupItem("addChosenFoldersButton")->property("text").toString(),
+              QStringLiteral("Add 2 Folders"));
+    click(popupItem("addChosenFoldersButton"));
+    ASSERT_TRUE(waitUntil([&] { return library.libraryFolders().size() == 2; }));
+    EXPECT_EQ(library.libraryFolders().at(0).url.lastPathComponent(), QStringLiteral("One"));
+    EXPECT_EQ(library.libraryFolders().at(1).url.lastPathComponent(), QStringLiteral("Two"));
+    EXPECT_TRUE(waitUntil([&] { return !list->isVisible(); }));
+}
+
+TEST_F(ContentViewTest, theDialogForFoldersTakesKeysAndEscapeClosesIt)
+{
+    for (const char *name : {"One/Inner", "Two"})
+        makeFolder(QString::fromLatin1(name), 0);
+    qputenv("HOME", home.path().toLocal8Bit());
+    click(item("firstFolderButton"));
+    ASSERT_TRUE(waitUntil([&] { return popupItem("folderBrowserList") != nullptr; }));
+    QQuickItem *const list = popupItem("folderBrowserList");
+    ASSERT_TRUE(waitUntil([&] { return list->property("count").toInt() == 2 && list->hasActiveFocus(); }));
+    QTest::keyClick(window.get(), Qt::Key_Down);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    ASSERT_TRUE(waitUntil([&] {
+        return popupItem("folderDialogPath")->property("text").toString().endsWith(QStringLiteral("/One"));
+    }));
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_TRUE(waitUntil([&] { return !list->isVisible(); }));
+    EXPECT_TRUE(library.libraryFolders().isEmpty());
 }
 
 TEST_F(ContentViewTest, anAddedFolderGetsARowAndShowsItsPhotographs)

@@ -80,6 +80,30 @@
         <translation>Add Folder</translation>
     </message>
     <message>
+        <source>Add %1 Folders</source>
+        <translation>Add %1 Folders</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>Enclosing Folder</source>
+        <translation>Enclosing Folder</translation>
+    </message>
+    <message>
+        <source>This folder can&apos;t be read.</source>
+        <translation>This folder can’t be read.</translation>
+    </message>
+    <message>
+        <source>There are no folders in this folder.</source>
+        <translation>There are no folders in this folder.</translation>
+    </message>
+    <message>
+        <source>Hold Control or Shift to select several folders; double-click to open one.</source>
+        <translation>Hold Control or Shift to select several folders; double-click to open one.</translation>
+    </message>
+    <message>
         <source>Preview</source>
         <translation>Preview</translation>
     </message>

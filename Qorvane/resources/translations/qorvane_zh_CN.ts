@@ -80,6 +80,30 @@
         <translation>添加文件夹</translation>
     </message>
     <message>
+        <source>Add %1 Folders</source>
+        <translation>添加 %1 个文件夹</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Enclosing Folder</source>
+        <translation>上级文件夹</translation>
+    </message>
+    <message>
+        <source>This folder can&apos;t be read.</source>
+        <translation>无法读取此文件夹。</translation>
+    </message>
+    <message>
+        <source>There are no folders in this folder.</source>
+        <translation>此文件夹中没有子文件夹。</translation>
+    </message>
+    <message>
+        <source>Hold Control or Shift to select several folders; double-click to open one.</source>
+        <translation>按住 Control 或 Shift 可选择多个文件夹；双击可打开文件夹。</translation>
+    </message>
+    <message>
         <source>Preview</source>
         <translation>预览</translation>
     </message>

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QList>
+#include <QSet>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+namespace Qorvane {
+
+/// The folders in a folder, to choose some of them from: where the desktop has no panel for that. The disk is
+/// read in the background. GUI thread.
+class FolderBrowser : public QAbstractListModel
+{
+    Q_OBJECT
+    QML_ELEMENT
+    /// The folder whose folders are listed, once it has been read.
+    Q_PROPERTY(QString path READ path NOTIFY pathChanged)
+    Q_PROPERTY(bool hasParent READ hasParent NOTIFY pathChanged)
+    Q_PROPERTY(int count READ count NOTIFY pathChanged)
+    Q_PROPERTY(State state READ state NOTIFY stateChanged)
+    Q_PROPERTY(int selectionCount READ selectionCount NOTIFY selectionChanged)
+    /// What the user has chosen: the selected folders in the order of the list, or without any the folder
+    /// that is listed, unless that is the user's home or the root of all.
+    Q_PROPERTY(QList<QUrl> chosen READ chosen NOTIFY selectionChanged)
+
+public:
+    enum Role {
+        NameRole = Qt::UserRole + 1, ///< QString
+        IsSelectedRole,              ///< bool
+    };
+    enum State {
+        Reading,
+        Listed,
+        Unreadable, ///< what was listed before stays
+    };
+    Q_ENUM(State)
+
+    using QAbstractListModel::QAbstractListModel;
+
+    const QString &path() const { return m_path; }
+    bool hasParent() const { return m_path.size() > 1; }
+    int count() const { return int(m_names.size()); }
+    State state() const { return m_state; }
+    int selectionCount() const { return int(m_selected.size()); }
+    QList<QUrl> chosen() const;
+
+    /// Lists the folder at `path`, the user's home when it is empty. The last call counts.
+    Q_INVOKABLE void open(const QString &path = {});
+    Q_INVOKABLE void openRow(int row);
+    /// Lists the folder around the present one, and selects that.
+    Q_INVOKABLE void openParent();
+
+    /// A click on a row: selects it alone; with Control, takes it in or out; with Shift, selects all from the
+    /// last one that was clicked without.
+    Q_INVOKABLE void click(int row, Qt::KeyboardModifiers modifiers);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+Q_SIGNALS:
+    void pathChanged();
+    void stateChanged();
+    void selectionChanged();
+
+private:
+    void read(const QString &path, const QString &nameToSelect);
+    void show(const QString &path, const QStringList &names, const QString &nameToSelect);
+    void setState(State state);
+    void setSelected(const QSet<int> &rows);
+
+    QString m_path;
+    QStringList m_names;
+    State m_state = Listed;
+    QSet<int> m_selected;
+    int m_anchor = 0;  // where a selection with Shift begins
+    int m_reading = 0; // number of the newest read: what comes from older ones is dropped
+};
+
+} // namespace Qorvane
