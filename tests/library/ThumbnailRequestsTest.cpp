@@ -48,10 +48,10 @@ TEST_F(ThumbnailRequestsTest, aFileThatIsNoPictureEndsWithNothing)
 TEST_F(ThumbnailRequestsTest, aRequestCancelledBeforeItsTurnIsNotMade)
 {
     QList<FileUrl> pictures;
-    for (int i = 0; i < 60; ++i)
+    // More requests at once than the pool has threads, so that the last one has to wait for its turn.
+    for (int i = 0; i < 4 * QThread::idealThreadCount(); ++i)
         pictures.append(home.writePicture(QStringLiteral("%1.png").arg(i), Qt::red, {60, 60}));
     const FileUrl last = home.writePicture(QStringLiteral("last.png"));
-    // More requests at once than any pool has threads, so that the last one has to wait for its turn.
     for (const FileUrl &picture : std::as_const(pictures))
         qorManager->getThumbnail(picture);
     QFuture<std::optional<Image>> future = qorManager->getThumbnail(last);
