@@ -62,10 +62,15 @@ QString localizedFormat(const char *key, qint64 first, qint64 second)
     return text;
 }
 
+void Localization::remove()
+{
+    installed() = {};
+}
+
 void Localization::install()
 {
     const QString table = tableName();
-    installed() = {};
+    remove();
     installed().toolkit =
         put(QStringLiteral("qtbase_") + table, QLibraryInfo::path(QLibraryInfo::TranslationsPath));
     installed().program = put(QStringLiteral("qorvane_") + table, QStringLiteral(":/i18n"));

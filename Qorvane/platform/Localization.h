@@ -23,6 +23,9 @@ inline constexpr const char *context = "Qorvane";
 /// GUI thread, once the application object exists.
 void install();
 
+/// Takes out what install() put in: keys stand for themselves again. GUI thread.
+void remove();
+
 } // namespace Localization
 
 } // namespace Qorvane

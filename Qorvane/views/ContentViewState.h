@@ -73,7 +73,7 @@ private:
     FolderProgress progressOf(const FileUrl &folder) const;
 
     QorManage &m_qorManager;
-    FolderPanel m_folderPanel;
+    FolderPanel m_folderPanel{this};
     MediaSelection m_selection;
     FolderListModel m_folders;
     MediaListModel m_photos;

@@ -5,6 +5,8 @@
 #include "library/PipelineStage.h"
 #include "media/ThumbnailPaths.h"
 #include "platform/FileAttributes.h"
+#include "platform/Languages.h"
+#include "platform/Localization.h"
 #include "platform/Log.h"
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
@@ -177,6 +179,27 @@ TEST_F(ProcessingRunTest, filesThatAreCurrentAreSkippedWithoutARequest)
             setProcessing("completed", QStringLiteral("1.0"), QStringLiteral("处理完成")),
             QStringLiteral("✅ 状态更新为完成: ") + path,
         }));
+}
+
+TEST_F(ProcessingRunTest, theUserReadsHowFarItHasComeInTheirLanguage)
+{
+    Languages::overrideForTests({QStringLiteral("en-US")}, QStringLiteral("en"));
+    Localization::install();
+    const QList<FileUrl> files = pictures(3);
+    run(stage, files.first(2));
+    home.log().clear();
+    run(stage, files);
+    QStringList details;
+    for (const QString &line : home.log().linesStartingWith(QStringLiteral("🔄 setProcessing: ")))
+        details.append(line.section(QStringLiteral(", detail: "), 1));
+    // The first two have their vectors. Only what is skipped is told in the user's language; the text of a
+    // file that was computed is the same everywhere.
+    EXPECT_EQ(details, QStringList({QStringLiteral("Thumbnails: 1/3"), QStringLiteral("Thumbnails: 2/3"),
+                                    QStringLiteral("Thumbnails: 3/3"), QStringLiteral("Preparing vectors…"),
+                                    QStringLiteral("Vectors: 1/3"), QStringLiteral("Vectors: 2/3"),
+                                    QStringLiteral("向量: 3/3"), QStringLiteral("Done")}));
+    Languages::endOverrideForTests();
+    Localization::remove();
 }
 
 TEST_F(ProcessingRunTest, aTouchedFileGetsANewVectorAndKeepsItsThumbnail)

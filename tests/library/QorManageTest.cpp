@@ -1,3 +1,4 @@
+#include "library/DeferredWrites.h"
 #include "library/FakeEncoder.h"
 #include "library/LibraryFixture.h"
 #include "platform/DetachedTask.h"
@@ -47,6 +48,15 @@ TEST_F(QorManageTest, favouritesOfAnEarlierRunAreForgottenAtTheStart)
     EXPECT_EQ(UserDefaults::standard().dataArray(key), QList<QByteArray>());
     EXPECT_EQ(library.libraryFolders().size(), 1);
     EXPECT_TRUE(library.favoriteFolders().isEmpty());
+}
+
+TEST_F(QorManageTest, favouritesOfAnEarlierRunAreForgottenWithoutRootsToo)
+{
+    const QString key = QStringLiteral("favoriteFolders");
+    UserDefaults::standard().setDataArray(key, {home.path().toUtf8()});
+    const QorManage library;
+    DeferredWrites::waitUntilIdle();
+    EXPECT_EQ(UserDefaults::standard().dataArray(key), QList<QByteArray>());
 }
 
 TEST_F(QorManageTest, aStartPublishesTheRootsThenTheFavouritesAndThenChecks)

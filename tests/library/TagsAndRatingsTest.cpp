@@ -77,6 +77,23 @@ TEST_F(TagsAndRatingsTest, removingTheLastUseOfTheSelectedTagDeselectsItAndReloa
     EXPECT_TRUE(qorManager->allTags().isEmpty());
 }
 
+TEST_F(TagsAndRatingsTest, removingTheLastUseOfTheSelectedTagGoesBackToTheSelectedFolder)
+{
+    home.writePicture(QStringLiteral("2.png"));
+    addRoot(home.folder());
+    qorManager->setSelectedFolder(qorManager->libraryFolders().first());
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")}));
+    store.addTag(picture.path(), cat);
+    qorManager->setSelectedTag(cat);
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
+    settle();
+    home.log().clear();
+
+    qorManager->removeTag(cat, picture);
+    ASSERT_TRUE(waitUntil([&] { return !qorManager->selectedTag(); }));
+    EXPECT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")}));
+}
+
 TEST_F(TagsAndRatingsTest, aRenameReloadsTheListOfTheOldAndOfTheNewTag)
 {
     store.addTag(picture.path(), cat);

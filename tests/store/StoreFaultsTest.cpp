@@ -165,6 +165,39 @@ TEST_F(StoreFaultsTest, aFileThatCannotBeOpenedLeavesTheStoreRunning)
     EXPECT_EQ(log.linesStartingWith(QStringLiteral("❌ delete prepare error: ")).size(), 1);
 }
 
+TEST_F(StoreFaultsTest, withoutADatabaseEveryOperationIsNeutral)
+{
+    QDir().mkpath(databasePath());
+    EmbeddingStore store;
+    const QString tag = QStringLiteral("cat");
+    store.upsert(path, std::nullopt, {1.0F}, 1, 1);
+    store.addTag(path, tag);
+    store.removeTag(path, tag);
+    store.replaceTag(path, tag, QStringLiteral("dog"));
+    store.deleteTagGlobally(tag);
+    store.setRating(path, 3);
+    store.clearRating(path);
+    store.deletePaths({path});
+    store.deleteFolder(folder());
+    store.verifyFolderDeletion(folder());
+    store.printStatistics();
+    int visited = 0;
+    store.scanVectors({}, [&visited](auto &&...) { ++visited; });
+
+    EXPECT_EQ(visited, 0);
+    EXPECT_FALSE(store.isUpToDate(path, 1));
+    EXPECT_TRUE(store.fetch({path}).empty());
+    EXPECT_TRUE(store.fetchAll().empty());
+    EXPECT_EQ(store.getImageCount(), 0);
+    EXPECT_EQ(store.getTagVectorCount(), 0);
+    EXPECT_TRUE(store.fetchPathsWithPrefix(folder()).isEmpty());
+    EXPECT_TRUE(store.listAllTags().isEmpty());
+    EXPECT_TRUE(store.getTags(path).isEmpty());
+    EXPECT_TRUE(store.fetchPathsByTag(tag).isEmpty());
+    EXPECT_EQ(store.getRating(path), std::nullopt);
+    EXPECT_TRUE(store.fetchPathsByRating(3).isEmpty());
+}
+
 TEST_F(StoreFaultsTest, aFolderThatCannotBeCreatedIsPassedOver)
 {
     QFile file(folder());

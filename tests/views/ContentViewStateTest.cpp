@@ -99,6 +99,19 @@ TEST_F(ContentViewStateTest, theRowsFollowWhileAFloodOfReportsGoesOn)
     drainMainQueue();
 }
 
+TEST_F(ContentViewStateTest, theFoldersChosenInTheDesktopsPanelAreAddedInItsOrder)
+{
+    auto *const panel = m_state.findChild<FolderPanel *>();
+    ASSERT_NE(panel, nullptr);
+    Q_EMIT panel->chosen(
+        {url(QStringLiteral("two")), url(QStringLiteral("three")), url(QStringLiteral("one"))});
+    ASSERT_TRUE(waitUntil([this] { return m_library.libraryFolders().size() == 3; }));
+    QStringList added;
+    for (const Folder &folder : m_library.libraryFolders())
+        added.append(folder.url.lastPathComponent());
+    EXPECT_EQ(added, QStringList({QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("one")}));
+}
+
 TEST_F(ContentViewStateTest, onlyFoldersOfThisMachineAreAdded)
 {
     m_state.addFolders({QUrl(QStringLiteral("sftp://server/photographs")),

@@ -171,8 +171,15 @@ TEST_F(QorvaneAppTest, aRunInWorkGoesOnWithoutTheWindowAndThenTheApplicationEnds
     close(app);
     ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
     ASSERT_FALSE(log.contains(completed)) << "the run was over before the window was closed";
+    // Each request that reaches somebody who embeds leaves this line, as there are no encoders here.
+    const auto answers = [&log] {
+        return log.linesStartingWith(QStringLiteral("❌ Models not loaded")).size();
+    };
+    const qsizetype answersWithTheWindow = answers();
     ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
     EXPECT_TRUE(wasCompletedAtTheEnd);
+    EXPECT_EQ(answers(), answersWithTheWindow);
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("❌ 向量生成失败: ")).size(), 40);
 }
 
 TEST_F(QorvaneAppTest, reopenedWhileARunIsInWorkTheWindowShowsWhatItShowed)

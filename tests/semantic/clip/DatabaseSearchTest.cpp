@@ -180,6 +180,14 @@ TEST_F(DatabaseSearchTest, verifiesUpToTenCandidates)
     EXPECT_FALSE(log.contains(verificationHeading));
 }
 
+TEST_F(DatabaseSearchTest, rowsOfAnotherLengthDontCountAgainstTheVerification)
+{
+    storeRows(10, 0.5f);
+    storeVector(url(QStringLiteral("other.jpg")), vectorWithCosine(Axis::red, 0.9f, chineseLength));
+    EXPECT_EQ(searchRed().size(), 10);
+    EXPECT_TRUE(log.contains(verificationHeading));
+}
+
 TEST_F(DatabaseSearchTest, verifiesWithTheThumbnailWhereThereIsOne)
 {
     const FileUrl blue = makePicture(QStringLiteral("blue.png"), Qt::blue);
