@@ -34,6 +34,9 @@ struct Expectation
     Sight sight = Sight::quarters;
     int orientation = 1;
     const char *reason = ""; ///< a part of the reason for a refusal
+    /// Releases of the library that reads it differ on whether it can be shown: a refusal with the reason is
+    /// as good.
+    bool isLeftToTheLibrary = false;
 };
 
 constexpr auto refused = std::nullopt;
@@ -55,7 +58,7 @@ const std::vector<Expectation> expectations = {
     {"header-only.jpg", refused, Sight::any, 1, "JPEG: "},
     {"trailing.jpg", whole},
     {"half.png", QSize(120, 80), Sight::any},
-    {"wrong-checksum.png", refused, Sight::any, 1, "PNG: "},
+    {"wrong-checksum.png", whole, Sight::quarters, 1, "PNG: ", true},
     {"half.gif", whole, Sight::any},
     {"half.tif", refused, Sight::any, 1, "TIFF: "},
     {"half.psd", refused, Sight::any, 1, "PSD: its data is damaged"},
@@ -201,7 +204,7 @@ TEST_P(MuseumTest, BehavesAsExpected)
     const Expectation &expected = GetParam();
     QString reason;
     const std::optional<QImage> image = thumbnailOf(expected.name, reason);
-    if (!expected.size) {
+    if (!expected.size || (expected.isLeftToTheLibrary && !image)) {
         EXPECT_FALSE(image);
         EXPECT_TRUE(reason.contains(QLatin1String(expected.reason))) << qPrintable(reason);
         return;
