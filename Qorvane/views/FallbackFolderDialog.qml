@@ -8,7 +8,7 @@ T.Popup {
     id: dialog
 
     required property ContentViewState viewState
-    readonly property bool isEmpty: browser.state === FolderBrowser.Listed && browser.count === 0
+    readonly property bool isEmpty: browser.path !== "" && browser.count === 0
     readonly property bool isUnreadable: browser.state === FolderBrowser.Unreadable
 
     function accept() {
@@ -102,10 +102,10 @@ T.Popup {
             }
 
             MessagePage {
+                objectName: "noFoldersPage"
                 anchors.fill: parent
-                visible: dialog.isEmpty || dialog.isUnreadable
-                message: dialog.isUnreadable ? qsTranslate("Qorvane", "This folder can't be read.")
-                                             : qsTranslate("Qorvane", "There are no folders in this folder.")
+                visible: dialog.isEmpty
+                message: qsTranslate("Qorvane", "There are no folders in this folder.")
                 messageSize: Theme.bodySize
             }
         }
@@ -113,12 +113,15 @@ T.Popup {
         Label {
             id: hint
 
+            objectName: "folderDialogHint"
             anchors.bottom: addButton.top
             anchors.bottomMargin: Theme.unit
             width: parent.width
-            text: qsTranslate("Qorvane", "Hold Control or Shift to select several folders; double-click to open one.")
+            text: dialog.isUnreadable ? qsTranslate("Qorvane", "This folder can't be read.")
+                                      : qsTranslate("Qorvane", "Hold Control or Shift to select several folders; double-click to open one.")
             font.pixelSize: Theme.captionSize
-            color: Theme.secondaryText
+            font.weight: dialog.isUnreadable ? Font.DemiBold : Font.Normal
+            color: dialog.isUnreadable ? Theme.text : Theme.secondaryText
         }
 
         Button {

@@ -59,6 +59,12 @@ void FolderBrowser::openRow(int row)
         read(childPath(m_path, m_names.at(row)), {});
 }
 
+void FolderBrowser::openCurrentRow()
+{
+    if (m_selected.contains(m_currentRow))
+        openRow(m_currentRow);
+}
+
 void FolderBrowser::openParent()
 {
     if (!hasParent())
@@ -88,12 +94,13 @@ void FolderBrowser::show(const QString &path, const QStringList &names, const QS
     m_path = path;
     m_names = names;
     m_selected.clear();
-    m_anchor = 0;
+    m_currentRow = int(m_names.indexOf(nameToSelect));
+    if (m_currentRow >= 0)
+        m_selected.insert(m_currentRow);
+    m_anchor = std::max(0, m_currentRow);
     endResetModel();
     Q_EMIT pathChanged();
-    const int row = int(m_names.indexOf(nameToSelect));
-    if (row >= 0)
-        click(row, Qt::NoModifier);
+    Q_EMIT currentRowChanged();
     Q_EMIT selectionChanged();
 }
 
@@ -101,6 +108,8 @@ void FolderBrowser::click(int row, Qt::KeyboardModifiers modifiers)
 {
     if (row < 0 || row >= count())
         return;
+    if (std::exchange(m_currentRow, row) != row)
+        Q_EMIT currentRowChanged();
     QSet<int> rows;
     if (modifiers & Qt::ShiftModifier) {
         for (int i = std::min(row, m_anchor); i <= std::max(row, m_anchor); ++i)
@@ -117,6 +126,12 @@ void FolderBrowser::click(int row, Qt::KeyboardModifiers modifiers)
         rows.insert(row);
     }
     setSelected(rows);
+}
+
+void FolderBrowser::moveCurrentRow(int step, Qt::KeyboardModifiers modifiers)
+{
+    const int row = m_currentRow < 0 ? 0 : m_currentRow + step;
+    click(std::clamp(row, 0, std::max(0, count() - 1)), modifiers);
 }
 
 QList<QUrl> FolderBrowser::chosen() const
@@ -148,6 +163,10 @@ void FolderBrowser::setSelected(const QSet<int> &rows)
             Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
     }
     Q_EMIT selectionChanged();
+    // What couldn't be read was the selected folder, or the one around: with another one selected that is
+    // over.
+    if (m_state == Unreadable)
+        setState(Listed);
 }
 
 int FolderBrowser::rowCount(const QModelIndex &parent) const

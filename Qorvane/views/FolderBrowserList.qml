@@ -12,15 +12,19 @@ ListView {
     /// The user wants what is selected.
     signal accepted
 
-    function moveTo(row, modifiers) {
-        currentIndex = Math.max(0, Math.min(row, count - 1));
-        browser.click(currentIndex, modifiers & Qt.ShiftModifier);
+    function showCurrentRow() {
+        currentIndex = browser.currentRow;
+        if (currentIndex < 0)
+            positionViewAtBeginning();
+        else
+            positionViewAtIndex(currentIndex, ListView.Contain);
     }
 
     objectName: "folderBrowserList"
     clip: true
     activeFocusOnTab: true
     keyNavigationEnabled: false
+    currentIndex: -1
     boundsBehavior: Flickable.StopAtBounds
     highlightMoveDuration: 0
     model: browser
@@ -28,20 +32,27 @@ ListView {
     Accessible.name: browser.path
     T.ScrollBar.vertical: ScrollBar {}
 
-    Keys.onDownPressed: event => list.moveTo(browser.selectionCount === 0 ? 0 : currentIndex + 1, event.modifiers)
-    Keys.onUpPressed: event => list.moveTo(currentIndex - 1, event.modifiers)
-    Keys.onSpacePressed: browser.click(currentIndex, Qt.ControlModifier)
-    Keys.onRightPressed: browser.openRow(currentIndex)
+    Keys.onDownPressed: event => browser.moveCurrentRow(1, event.modifiers & Qt.ShiftModifier)
+    Keys.onUpPressed: event => browser.moveCurrentRow(-1, event.modifiers & Qt.ShiftModifier)
+    Keys.onSpacePressed: browser.click(browser.currentRow, Qt.ControlModifier)
+    Keys.onRightPressed: browser.openCurrentRow()
     Keys.onLeftPressed: browser.openParent()
     Keys.onReturnPressed: accepted()
     Keys.onEnterPressed: accepted()
+
+    Connections {
+        target: list.browser
+
+        function onCurrentRowChanged() {
+            list.showCurrentRow();
+        }
+    }
 
     delegate: FolderBrowserRow {
         width: (ListView.view as FolderBrowserList).width
         onClicked: (index, modifiers) => {
             const view = ListView.view as FolderBrowserList;
             view.forceActiveFocus();
-            view.currentIndex = index;
             view.browser.click(index, modifiers);
         }
         onOpened: index => (ListView.view as FolderBrowserList).browser.openRow(index)

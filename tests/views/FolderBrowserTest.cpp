@@ -135,6 +135,41 @@ TEST_F(FolderBrowserTest, goesIntoAFolderAndBackToIt)
     EXPECT_EQ(selected(), QStringList{QStringLiteral("照片")});
 }
 
+TEST_F(FolderBrowserTest, everyNewListAnnouncesItsCurrentRow)
+{
+    open(m_place.path());
+    EXPECT_EQ(browser.currentRow(), -1);
+    browser.click(4, Qt::NoModifier);
+    EXPECT_EQ(browser.currentRow(), 4);
+    int announced = 0;
+    QObject::connect(&browser, &FolderBrowser::currentRowChanged, [&] { ++announced; });
+    browser.openCurrentRow();
+    ASSERT_TRUE(waitUntil([this] { return browser.path() == path("照片"); }));
+    EXPECT_EQ(browser.currentRow(), -1);
+    EXPECT_EQ(announced, 1);
+    open(path("empty"));
+    EXPECT_EQ(announced, 2) << "also where it is the same as before";
+    browser.openParent();
+    ASSERT_TRUE(waitUntil([this] { return browser.path() == m_place.path(); }));
+    EXPECT_EQ(browser.currentRow(), 0);
+    EXPECT_EQ(announced, 3);
+}
+
+TEST_F(FolderBrowserTest, theCurrentRowStaysWithinTheList)
+{
+    open(path("empty"));
+    browser.moveCurrentRow(1, Qt::NoModifier);
+    EXPECT_EQ(browser.currentRow(), -1);
+    open(m_place.path());
+    browser.moveCurrentRow(-1, Qt::NoModifier);
+    EXPECT_EQ(browser.currentRow(), 0);
+    browser.moveCurrentRow(-1, Qt::NoModifier);
+    EXPECT_EQ(browser.currentRow(), 0);
+    browser.moveCurrentRow(9, Qt::NoModifier);
+    EXPECT_EQ(browser.currentRow(), 4);
+    EXPECT_EQ(selected(), QStringList{QStringLiteral("照片")});
+}
+
 TEST_F(FolderBrowserTest, endsAtTheRoot)
 {
     open(QStringLiteral("/tmp"));
@@ -157,6 +192,9 @@ TEST_F(FolderBrowserTest, whatCannotBeReadLeavesTheListAsItWas)
     ASSERT_TRUE(waitUntil([this] { return browser.state() == FolderBrowser::Unreadable; }));
     EXPECT_EQ(names(), before);
     EXPECT_EQ(browser.path(), m_place.path());
+    browser.click(0, Qt::NoModifier);
+    EXPECT_EQ(browser.state(), FolderBrowser::Listed)
+        << "another folder is selected than the one in question";
 }
 
 TEST_F(FolderBrowserTest, theLastFolderAskedForIsShown)

@@ -1,0 +1,172 @@
+#pragma once
+
+#include "library/QorManage.h"
+#include "media/ThumbnailCache.h"
+#include "support/Waiting.h"
+#include "views/ContentViewState.h"
+#include "views/ContentWindow.h"
+#include "views/ThumbnailProvider.h"
+#include "views/ThumbnailQueue.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace Qorvane {
+
+// Every line on the console is a mistake of ours.
+inline std::mutex messageMutex;
+inline QStringList messages;
+
+inline void collectMessage(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    const std::scoped_lock lock(messageMutex);
+    messages.append(text);
+}
+
+inline QImage loadThumbnail(const QString &path)
+{
+    const std::optional<Image> thumbnail = ThumbnailCache::getThumbnail(FileUrl::file(path));
+    return thumbnail ? thumbnail->pixels() : QImage();
+}
+
+/// The real window over a real library in a home of its own; only the search is the test's.
+class ContentViewFixture : public testing::Test
+{
+protected:
+    ContentViewFixture()
+    {
+        messages.clear();
+        qInstallMessageHandler(collectMessage);
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(thumbnails, loadThumbnail));
+        window = makeContentWindow(engine, state);
+    }
+
+    ~ContentViewFixture() override
+    {
+        window.reset();
+        qInstallMessageHandler(nullptr);
+        const std::scoped_lock lock(messageMutex);
+        EXPECT_TRUE(messages.isEmpty()) << messages.join(QLatin1Char('\n')).toStdString();
+        library.cancelAllTasks();
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(window);
+        window->show();
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    QCoro::Task<QList<SearchResult>> search(QString text)
+    {
+        queries.append(text);
+        const QList<SearchResult> hits = found; // GCC 12 would move the member itself out
+        co_return hits;
+    }
+
+    // A folder of small pictures, each in a colour of its own.
+    QString makeFolder(const QString &name, int pictureCount)
+    {
+        const QString path = home.filePath(name);
+        QDir().mkpath(path);
+        for (int i = 0; i < pictureCount; ++i) {
+            QImage picture(320, 240, QImage::Format_RGB32);
+            picture.fill(QColor::fromHsv(i * 40 % 360, 200, 220));
+            picture.save(QStringLiteral("%1/img%2.jpg").arg(path).arg(i));
+        }
+        return path;
+    }
+
+    // Adds it and waits until its photographs are in the grid.
+    QString addFolder(const QString &name, int pictureCount)
+    {
+        const QString path = makeFolder(name, pictureCount);
+        state.addFolders({QUrl::fromLocalFile(path)});
+        EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount; }));
+        EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
+        return path;
+    }
+
+    QQuickItem *item(const char *name) const
+    {
+        return window->findChild<QQuickItem *>(QString::fromLatin1(name));
+    }
+
+    // What is in a popup lies under the window's overlay.
+    QQuickItem *popupItem(const char *name) const { return itemBelow(window->contentItem(), name); }
+
+    static QQuickItem *itemBelow(QQuickItem *top, const char *name)
+    {
+        if (top->objectName() == QLatin1String(name) && top->isVisible())
+            return top;
+        for (QQuickItem *const child : top->childItems()) {
+            if (QQuickItem *const found = itemBelow(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+
+    QQuickItem *cell(const char *grid, int index) const
+    {
+        QQuickItem *delegate = nullptr;
+        QMetaObject::invokeMethod(item(grid), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
+                                  Q_ARG(int, index));
+        return delegate;
+    }
+
+    void click(QQuickItem *target, Qt::KeyboardModifiers modifiers = {})
+    {
+        const QPointF middle(target->width() / 2, target->height() / 2);
+        QTest::mouseClick(window.get(), Qt::LeftButton, modifiers, target->mapToScene(middle).toPoint());
+    }
+
+    void type(const QString &text)
+    {
+        for (const QChar character : text)
+            QTest::keyClick(window.get(), character.toLatin1());
+    }
+
+    void waitForFrame()
+    {
+        bool isSwapped = false;
+        const auto connection = QObject::connect(window.get(), &QQuickWindow::frameSwapped, window.get(),
+                                                 [&isSwapped] { isSwapped = true; });
+        window->update();
+        EXPECT_TRUE(waitUntil([&isSwapped] { return isSwapped; }));
+        QObject::disconnect(connection);
+    }
+
+    QString fileUrl(const QString &folder, int index) const
+    {
+        return QStringLiteral("%1/img%2.jpg").arg(folder).arg(index);
+    }
+
+    // Without a "-", which would keep the sidebar from opening the folders in it.
+    const QTemporaryDir home{QDir::temp().filePath(QStringLiteral("QorvaneViewsXXXXXX"))};
+    QorManage library;
+    QStringList queries;
+    QList<SearchResult> found;
+    std::shared_ptr<ThumbnailQueue> thumbnails = std::make_shared<ThumbnailQueue>(2);
+    ContentViewState state{library,
+                           [this](const QString &text, const QList<FileUrl> &, int) { return search(text); },
+                           thumbnails};
+    QQmlEngine engine;
+    std::unique_ptr<QQuickWindow> window;
+};
+
+} // namespace Qorvane
