@@ -22,7 +22,7 @@ T.Popup {
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: 560
-    height: 480
+    height: 600 // half a row is cut off at the bottom, which tells that there are more
     padding: Theme.contentPadding
     modal: true
     focus: true

@@ -80,4 +80,13 @@ TEST_P(ThemeTest, textsKeepTheirContrastOnEveryGround)
     }
 }
 
+TEST_P(ThemeTest, buttonsStandOutFromTheirGroundAndTheirWordsFromThem)
+{
+    ASSERT_TRUE(theme);
+    for (const char *ground : {"window", "popup"})
+        EXPECT_GE(contrast(color("button"), color(ground)), 1.15) << ground;
+    EXPECT_GE(contrast(color("text"), laidOver(color("button"), color("hover"))), 4.5);
+    EXPECT_GE(contrast(color("text"), laidOver(color("button"), color("pressed"))), 4.5);
+}
+
 INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest, testing::Values(ColorScheme::light, ColorScheme::dark));

@@ -6,6 +6,8 @@ T.Button {
     id: control
 
     property bool isProminent: false
+    // White on a faded accent can't be read, so what is disabled is plain.
+    readonly property bool isFilled: isProminent && enabled
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.controlHeight
@@ -20,15 +22,15 @@ T.Button {
     contentItem: Label {
         text: control.text
         font: control.font
-        color: control.isProminent ? Theme.accentInk : Theme.text
+        color: control.isFilled ? Theme.accentInk : Theme.text
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
     }
     background: Rectangle {
         radius: Theme.fieldRadius
-        color: control.isProminent ? Theme.accentFill : Theme.field
+        color: control.isFilled ? Theme.accentFill : Theme.button
         border.width: control.visualFocus ? 2 : 0
-        border.color: control.isProminent ? Theme.text : Theme.accent
+        border.color: control.isFilled ? Theme.text : Theme.accent
 
         Rectangle {
             anchors.fill: parent

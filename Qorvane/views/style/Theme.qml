@@ -12,13 +12,14 @@ QtObject {
     readonly property color sidebar: isDark ? "#28282B" : "#F2F2F4"
     readonly property color card: isDark ? "#29292C" : "#F6F6F8"
     readonly property color field: isDark ? "#343438" : "#EEEEF1"
+    readonly property color button: isDark ? "#48484D" : "#EEEEF1"
     readonly property color emptyCell: isDark ? "#2C2C30" : "#ECECEF"
     readonly property color popup: isDark ? "#333337" : "#FFFFFF"
     readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
     readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
 
-    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above, hovered ones too.
+    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons, hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
     readonly property color secondaryText: isDark ? "#B2B2B8" : "#626267"
     readonly property color accentInk: "#FFFFFF"
