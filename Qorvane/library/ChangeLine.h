@@ -25,6 +25,8 @@ public:
     /// What is asked for from now on waits for `release`.
     void hold() { m_isHeld = true; }
 
+    bool isHeld() const { return m_isHeld; }
+
     void release()
     {
         m_isHeld = false;

@@ -1,5 +1,6 @@
 #include "library/DeferredWrites.h"
 
+#include "platform/Log.h"
 #include "platform/MainQueue.h"
 
 #include <QPointer>
@@ -7,8 +8,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <semaphore>
 #include <utility>
+#include <vector>
 
 namespace Qorvane {
 
@@ -29,6 +30,12 @@ public:
         const std::scoped_lock lock(m_mutex);
         --m_count;
         m_wake.notify_all();
+    }
+
+    bool isNone()
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_count == 0;
     }
 
     void waitForNone()
@@ -52,16 +59,19 @@ OpenWrites &openWrites()
 
 } // namespace
 
-DeferredWrites::DeferredWrites(QByteArray label)
-    : m_queue(std::make_unique<SerialQueue>(std::move(label), QualityOfService::userInitiated))
+DeferredWrites::DeferredWrites(QByteArray label, QString failure)
+    : m_failure(std::move(failure))
+    , m_queue(std::make_unique<SerialQueue>(std::move(label), QualityOfService::userInitiated))
 {
 }
 
 DeferredWrites::~DeferredWrites()
 {
     // A queue's end joins its thread, which may never come back.
-    if (!wait(patienceAtTheEnd))
-        m_queue.release();
+    if (wait(patienceAtTheEnd))
+        return;
+    tellOfLoss();
+    m_queue.release();
 }
 
 void DeferredWrites::perform(Block write)
@@ -91,9 +101,39 @@ void DeferredWrites::wait()
 
 bool DeferredWrites::wait(double seconds)
 {
-    const auto isReached = std::make_shared<std::binary_semaphore>(0);
-    m_queue->async([isReached] { isReached->release(); });
-    return isReached->try_acquire_for(std::chrono::duration<double>(seconds));
+    return mark()->try_acquire_for(std::chrono::duration<double>(seconds));
+}
+
+void DeferredWrites::finish(std::initializer_list<DeferredWrites *> writes, double seconds)
+{
+    using Clock = std::chrono::steady_clock;
+    const auto deadline =
+        Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    // All at once, so that one that hangs leaves the others their time.
+    std::vector<std::pair<const DeferredWrites *, Mark>> marks;
+    for (DeferredWrites *const one : writes)
+        marks.emplace_back(one, one->mark());
+    for (const auto &[one, mark] : marks) {
+        if (!mark->try_acquire() && !mark->try_acquire_until(deadline))
+            one->tellOfLoss();
+    }
+}
+
+DeferredWrites::Mark DeferredWrites::mark()
+{
+    const auto mark = std::make_shared<std::binary_semaphore>(0);
+    m_queue->async([mark] { mark->release(); });
+    return mark;
+}
+
+void DeferredWrites::tellOfLoss() const
+{
+    Log::line(m_failure + QStringLiteral("the disk didn't answer in time"));
+}
+
+bool DeferredWrites::isIdle()
+{
+    return openWrites().isNone();
 }
 
 void DeferredWrites::waitUntilIdle()

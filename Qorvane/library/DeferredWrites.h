@@ -3,9 +3,12 @@
 #include "platform/SerialQueue.h"
 
 #include <QByteArray>
+#include <QString>
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <semaphore>
 
 class QObject;
 
@@ -22,9 +25,10 @@ public:
     /// needs milliseconds; one that doesn't answer is not to keep the window from closing.
     static constexpr double patienceAtTheEnd = 3;
 
-    /// `label` names the thread.
-    explicit DeferredWrites(QByteArray label);
-    /// Waits for what was asked for, but not for ever: what hangs is left to die with the process.
+    /// `label` names the thread; `failure` begins the line about writes that were given up.
+    explicit DeferredWrites(QByteArray label, QString failure = QStringLiteral("Error saving: "));
+    /// Waits for what was asked for, but not for ever: what hangs is left to die with the process, and a line
+    /// says so.
     ~DeferredWrites();
     DeferredWrites(const DeferredWrites &) = delete;
     DeferredWrites &operator=(const DeferredWrites &) = delete;
@@ -40,10 +44,23 @@ public:
     /// The same for at most so many seconds; false when that was too short.
     bool wait(double seconds);
 
+    /// Waits until everything asked of all of `writes` so far is written, but no longer than `seconds` in
+    /// all; a line tells of each that didn't get there. Not from a write.
+    static void finish(std::initializer_list<DeferredWrites *> writes, double seconds = patienceAtTheEnd);
+
+    /// Whether nothing is left to write in the whole process at this moment.
+    static bool isIdle();
     /// Waits until nothing is left to write in the whole process. For an orderly end of tests.
     static void waitUntilIdle();
 
 private:
+    using Mark = std::shared_ptr<std::binary_semaphore>;
+
+    /// Released behind everything asked for so far.
+    Mark mark();
+    void tellOfLoss() const;
+
+    const QString m_failure;
     std::unique_ptr<SerialQueue> m_queue;
 };
 

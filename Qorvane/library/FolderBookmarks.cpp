@@ -31,15 +31,34 @@ void FolderBookmarks::save(const QList<Folder> &folders) const
 {
     QList<QByteArray> bookmarks;
     for (const Folder &folder : folders) {
-        QString error;
-        const std::optional<QByteArray> bookmark = Bookmark::create(folder.url, &error);
-        if (!bookmark) {
-            Log::line(m_saveFailure + error);
+        const std::optional<QByteArray> bookmark = bookmarkOf(folder.url);
+        if (!bookmark)
             return;
-        }
         bookmarks.append(*bookmark);
     }
     UserDefaults::standard().setDataArray(m_key, bookmarks);
+}
+
+void FolderBookmarks::append(const QList<FileUrl> &urls) const
+{
+    QList<QByteArray> bookmarks = stored().value_or(QList<QByteArray>());
+    for (const FileUrl &url : urls) {
+        const std::optional<QByteArray> bookmark = bookmarkOf(url);
+        if (!bookmark)
+            return;
+        if (!bookmarks.contains(*bookmark))
+            bookmarks.append(*bookmark);
+    }
+    UserDefaults::standard().setDataArray(m_key, bookmarks);
+}
+
+std::optional<QByteArray> FolderBookmarks::bookmarkOf(const FileUrl &url) const
+{
+    QString error;
+    std::optional<QByteArray> bookmark = Bookmark::create(url, &error);
+    if (!bookmark)
+        Log::line(m_saveFailure + error);
+    return bookmark;
 }
 
 std::optional<QList<QByteArray>> FolderBookmarks::stored() const

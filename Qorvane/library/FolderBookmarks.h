@@ -22,6 +22,9 @@ public:
     /// Stores the list, an empty one too. When one bookmark can't be made, a line says so and what is stored
     /// stays as it was. Asks the disk.
     void save(const QList<Folder> &folders) const;
+    /// Adds those of `urls` that aren't stored yet to the stored list, which isn't resolved. Otherwise as
+    /// `save`.
+    void append(const QList<FileUrl> &urls) const;
     /// The stored bookmarks; nothing when there is no list or it holds anything else.
     std::optional<QList<QByteArray>> stored() const;
     /// The folder behind `bookmark`. Nothing, with a line, when it can't be resolved, and without one when it
@@ -32,6 +35,7 @@ public:
     std::optional<QList<FileUrl>> resolveStored() const;
 
 private:
+    std::optional<QByteArray> bookmarkOf(const FileUrl &url) const;
     FolderBookmarks(QString key, QString saveFailure, QString resolveFailure);
 
     QString m_key;

@@ -33,6 +33,11 @@ bool containsFolder(const QList<Folder> &folders, const Folder &folder)
     return std::ranges::any_of(folders, [&](const Folder &one) { return isSameFolder(one, folder); });
 }
 
+bool containsUrl(const QList<Folder> &folders, const FileUrl &url)
+{
+    return std::ranges::any_of(folders, [&](const Folder &one) { return one.url == url; });
+}
+
 QList<Folder> without(QList<Folder> folders, const Folder &folder)
 {
     folders.removeIf([&](const Folder &one) { return isSameFolder(one, folder); });
@@ -53,12 +58,18 @@ void FolderLibrary::addFolder(const FileUrl &url)
     // path: as a root it would own the whole library.
     if (!url.path().startsWith(u'/'))
         return;
+    m_waitingChanges.append({RootChange::Kind::addition, {url, std::nullopt}});
     m_rootChanges.perform([this, url] { readTree(url); });
 }
 
 void FolderLibrary::removeFolderFromLibrary(const Folder &folder)
 {
-    m_rootChanges.perform([this, folder] { remove(folder); });
+    const RootChange change{RootChange::Kind::removal, {folder.url, std::nullopt}};
+    m_waitingChanges.append(change);
+    m_rootChanges.perform([this, folder, change] {
+        m_waitingChanges.removeOne(change);
+        remove(folder);
+    });
 }
 
 void FolderLibrary::readTree(const FileUrl &url)
@@ -74,8 +85,9 @@ void FolderLibrary::readTree(const FileUrl &url)
 
 void FolderLibrary::adopt(const Folder &folder)
 {
+    m_waitingChanges.removeOne({RootChange::Kind::addition, {folder.url, std::nullopt}});
     QList<Folder> roots = m_state.libraryFolders();
-    if (std::ranges::any_of(roots, [&](const Folder &root) { return root.url == folder.url; })) {
+    if (containsUrl(roots, folder.url)) {
         m_rootChanges.release();
         return;
     }
@@ -192,6 +204,42 @@ void FolderLibrary::saveBookmarks(const Change &then)
     });
 }
 
+void FolderLibrary::saveWaitingChanges()
+{
+    if (m_waitingChanges.isEmpty())
+        return;
+    if (!m_isLoading) {
+        m_surroundings.bookmarkWrites->perform(
+            [roots = rootsWithWaitingChanges()] { FolderBookmarks::library().save(roots); });
+        return;
+    }
+    // What is stored stays, whether it can be reached or not. There is nothing to remove before the stored
+    // roots are shown.
+    QList<FileUrl> added;
+    for (const RootChange &change : m_waitingChanges) {
+        if (change.kind == RootChange::Kind::addition)
+            added.append(change.folder.url);
+    }
+    m_surroundings.bookmarkWrites->perform([added] { FolderBookmarks::library().append(added); });
+}
+
+QList<Folder> FolderLibrary::rootsWithWaitingChanges() const
+{
+    QList<Folder> roots = m_state.libraryFolders();
+    for (const RootChange &change : m_waitingChanges) {
+        switch (change.kind) {
+        case RootChange::Kind::addition:
+            if (!containsUrl(roots, change.folder.url))
+                roots.append(change.folder);
+            break;
+        case RootChange::Kind::removal:
+            roots = without(roots, change.folder);
+            break;
+        }
+    }
+    return roots;
+}
+
 void FolderLibrary::saveFavoriteBookmarks()
 {
     m_surroundings.bookmarkWrites->perform(
@@ -203,14 +251,17 @@ void FolderLibrary::loadBookmarks(Change completion)
     // In its turn, since it replaces the list: a folder added while it reads would be lost again.
     m_rootChanges.perform([this, completion = std::move(completion)] {
         m_rootChanges.hold();
+        m_isLoading = true;
         const auto stored = std::make_shared<std::optional<QList<QByteArray>>>();
         const auto read = [stored] { *stored = FolderBookmarks::library().stored(); };
         // Read behind the saves that were asked for before, but not resolved there: that may take long.
         m_surroundings.bookmarkWrites->perform(read, this, [this, stored, completion] {
-            if (*stored)
+            if (*stored) {
                 resolve(**stored, completion);
-            else
-                m_rootChanges.release();
+                return;
+            }
+            m_isLoading = false;
+            m_rootChanges.release();
         });
     });
 }
@@ -236,6 +287,7 @@ void FolderLibrary::resolve(const QList<QByteArray> &bookmarks, const Change &co
 
 void FolderLibrary::publishLoaded(const QList<Folder> &roots, const Change &completion)
 {
+    m_isLoading = false;
     m_state.publishLibraryFolders(roots);
     // What couldn't be reached at this start is thereby forgotten, by design.
     saveBookmarks([this, completion] {

@@ -47,6 +47,11 @@ public:
     void removeFromFavorites(const Folder &folder);
     void saveBookmarks();
     void saveFavoriteBookmarks();
+    /// For the end of the program: what was asked for and still waits, for a folder's tree say, is saved as
+    /// if it had been done.
+    void saveWaitingChanges();
+    /// Whether changes of the roots wait, or one is being made.
+    bool isChanging() const { return m_rootChanges.isHeld(); }
     void loadBookmarks(std::function<void()> completion);
     /// Calls `completion` in any case.
     void loadFavoriteBookmarks(std::function<void()> completion);
@@ -56,6 +61,17 @@ public:
 private:
     using Change = ChangeLine::Change;
 
+    struct RootChange
+    {
+        enum class Kind { addition, removal };
+
+        Kind kind;
+        Folder folder;
+
+        friend bool operator==(const RootChange &, const RootChange &) = default;
+    };
+
+    QList<Folder> rootsWithWaitingChanges() const;
     void resolve(const QList<QByteArray> &bookmarks, const Change &completion);
     void publishLoaded(const QList<Folder> &roots, const Change &completion);
     void readTree(const FileUrl &url);
@@ -73,6 +89,10 @@ private:
     const Surroundings m_surroundings;
     LibraryState &m_state;
     ChangeLine m_rootChanges;
+    /// Those of the line that haven't reached the published roots, oldest first.
+    QList<RootChange> m_waitingChanges;
+    /// The roots of earlier runs are stored, but not published yet.
+    bool m_isLoading = false;
     ChangeLine m_favoriteChanges;
 };
 

@@ -29,8 +29,10 @@ namespace Qorvane {
 QorManage::QorManage(QObject *parent, const LibraryTimings &timings)
     : QObject(parent)
     , m_timings(timings)
-    , m_bookmarkWrites(std::make_shared<DeferredWrites>("com.qorvane.bookmarks"))
-    , m_edits(std::make_shared<DeferredWrites>("com.qorvane.edits"))
+    , m_bookmarkWrites(std::make_shared<DeferredWrites>("com.qorvane.bookmarks",
+                                                        QStringLiteral("Error saving bookmarks: ")))
+    , m_edits(std::make_shared<DeferredWrites>("com.qorvane.edits",
+                                               QStringLiteral("Error saving tags and ratings: ")))
     , m_snapshot(std::make_shared<LibrarySnapshot>())
     , m_state(std::make_unique<LibraryState>(m_snapshot))
     , m_reports(std::make_shared<ProcessingReports>(*m_state))
@@ -75,8 +77,8 @@ void QorManage::finishStart()
 
 void QorManage::finishWrites()
 {
-    m_bookmarkWrites->wait(DeferredWrites::patienceAtTheEnd);
-    m_edits->wait(DeferredWrites::patienceAtTheEnd);
+    m_folders->saveWaitingChanges();
+    DeferredWrites::finish({m_bookmarkWrites.get(), m_edits.get()});
 }
 
 void QorManage::forwardSignals()
@@ -230,6 +232,11 @@ void QorManage::saveFavoriteBookmarks()
 void QorManage::loadBookmarks(std::function<void()> completion)
 {
     m_folders->loadBookmarks(std::move(completion));
+}
+
+bool QorManage::isChangingFolders() const
+{
+    return m_folders->isChanging();
 }
 
 void QorManage::loadFavoriteBookmarks()

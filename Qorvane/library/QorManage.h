@@ -61,8 +61,9 @@ class QorManage : public QObject
 public:
     using FolderProcessingState = Qorvane::FolderProcessingState;
 
-    /// Empties the stored favourites (they hold for one run of the program only), starts to resolve the
-    /// stored folders, and starts the refresh of the cache size and of the tag list.
+    /// Empties the stored favourites: they hold for one run of the program only. That too is written in the
+    /// background, so the key reads as empty a moment later; what the library itself reads comes after.
+    /// Starts to resolve the stored folders, and starts the refresh of the cache size and of the tag list.
     explicit QorManage(QObject *parent = nullptr, const LibraryTimings &timings = {});
     /// Cancels every background run.
     ~QorManage() override;
@@ -115,6 +116,9 @@ public:
     /// Reads and resolves the stored roots in the background, publishes and saves them, then calls
     /// `completion`, which isn't called when no list was ever stored.
     void loadBookmarks(std::function<void()> completion = {});
+    /// Whether a change of the roots that was asked for hasn't taken effect: a folder is being added, say, or
+    /// those of earlier runs are being read.
+    bool isChangingFolders() const;
     /// Reads and resolves the stored favourites in the background, publishes and saves them; changes asked
     /// for meanwhile come after that.
     void loadFavoriteBookmarks();

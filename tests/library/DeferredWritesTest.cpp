@@ -1,6 +1,7 @@
 #include "library/DeferredWrites.h"
 
 #include "platform/MainQueue.h"
+#include "support/LogCapture.h"
 #include "support/Waiting.h"
 
 #include <QObject>
@@ -84,4 +85,31 @@ TEST(DeferredWrites, theEndMakesWhatIsStillToBeMade)
             writes.perform([&made] { ++made; });
     }
     EXPECT_EQ(made, 100);
+}
+
+TEST(DeferredWrites, oneThatHangsAtTheEndLeavesTheOthersTheirTimeAndIsTold)
+{
+    const LogCapture log;
+    std::binary_semaphore end(0);
+    bool isWritten = false;
+    DeferredWrites hanging("com.qorvane.test", QStringLiteral("Error saving one: "));
+    DeferredWrites sound("com.qorvane.test", QStringLiteral("Error saving other: "));
+    hanging.perform([&end] { end.acquire(); });
+    sound.perform([&isWritten] { isWritten = true; });
+    DeferredWrites::finish({&hanging, &sound}, 1);
+    EXPECT_TRUE(isWritten);
+    EXPECT_EQ(log.lines(), QStringList{QStringLiteral("Error saving one: the disk didn't answer in time")});
+    end.release();
+}
+
+TEST(DeferredWrites, areNotIdleWhileOneIsMade)
+{
+    std::binary_semaphore end(0);
+    DeferredWrites writes("com.qorvane.test");
+    EXPECT_TRUE(DeferredWrites::isIdle());
+    writes.perform([&end] { end.acquire(); });
+    EXPECT_FALSE(DeferredWrites::isIdle());
+    end.release();
+    DeferredWrites::waitUntilIdle();
+    EXPECT_TRUE(DeferredWrites::isIdle());
 }

@@ -25,6 +25,13 @@ protected:
         return UserDefaults::standard().dataArray(QLatin1String(key));
     }
 
+    // As the application does when it is asked to end, in the middle of what it is at.
+    static void tellOfTheEnd()
+    {
+        ASSERT_TRUE(
+            QMetaObject::invokeMethod(QCoreApplication::instance(), "aboutToQuit", Qt::DirectConnection));
+    }
+
     QByteArray bookmark(const QString &name) const { return home.path(name).toUtf8(); }
 
     const FileUrl one = home.makeFolder(QStringLiteral("one"));
@@ -462,11 +469,71 @@ TEST_F(FolderLibraryTest, theProgramsEndWaitsForWhatIsToBeSaved)
     qorManager = std::make_unique<QorManage>();
     qorManager->addToFavorites({one, std::nullopt});
 
-    ASSERT_TRUE(QMetaObject::invokeMethod(application, "aboutToQuit", Qt::DirectConnection));
+    tellOfTheEnd();
 
     EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("favoriteFolders")),
               QList<QByteArray>{bookmark(QStringLiteral("one"))});
     QObject::disconnect(release);
+}
+
+TEST_F(FolderLibraryTest, theProgramsEndStoresFoldersWhoseTreesAreStillRead)
+{
+    addRoot(two);
+    qorManager->addFolder(one);
+    qorManager->addFolder(two);
+    qorManager->addFolder(three);
+    tellOfTheEnd();
+    EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("libraryFolders")),
+              (QList<QByteArray>{bookmark(QStringLiteral("two")), bookmark(QStringLiteral("one")),
+                                 bookmark(QStringLiteral("three"))}));
+}
+
+TEST_F(FolderLibraryTest, theProgramsEndStoresARemovalThatWaitsForAFolderBeingAdded)
+{
+    addRoot(two);
+    qorManager->addFolder(one);
+    qorManager->removeFolderFromLibrary({two, std::nullopt});
+    qorManager->removeFolderFromLibrary({three, std::nullopt});
+    tellOfTheEnd();
+    EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("libraryFolders")),
+              QList<QByteArray>{bookmark(QStringLiteral("one"))});
+}
+
+TEST_F(FolderLibraryTest, theProgramsEndStoresAFolderBesideThoseThatAreStillLoaded)
+{
+    // One whose disk isn't there at the moment: as long as nothing was loaded, nothing is forgotten.
+    const QList<QByteArray> earlier{bookmark(QStringLiteral("two")), bookmark(QStringLiteral("absent"))};
+    UserDefaults::standard().setDataArray(QStringLiteral("libraryFolders"), earlier);
+    qorManager = std::make_unique<QorManage>(nullptr, LibraryTimings{0.01, 0.01, 0.01, 0.01});
+    qorManager->addFolder(one);
+    qorManager->addFolder(two);
+    tellOfTheEnd();
+    EXPECT_EQ(UserDefaults::standard().dataArray(QStringLiteral("libraryFolders")),
+              earlier + QList<QByteArray>{bookmark(QStringLiteral("one"))});
+}
+
+TEST_F(FolderLibraryTest, theProgramsEndTellsOfASaveThatItGaveUp)
+{
+    HeldSettings settings;
+    qorManager->addToFavorites({one, std::nullopt});
+    home.log().clear();
+    tellOfTheEnd();
+    settings.letGo();
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("Error saving bookmarks: ")).size(), 1);
+    EXPECT_TRUE(home.log().linesStartingWith(QStringLiteral("Error saving tags")).isEmpty());
+}
+
+TEST_F(FolderLibraryTest, theFoldersAreChangingUntilAnAddedOneIsStored)
+{
+    EXPECT_FALSE(qorManager->isChangingFolders());
+    HeldSettings settings;
+    qorManager->addFolder(one);
+    EXPECT_TRUE(qorManager->isChangingFolders());
+    ASSERT_TRUE(waitUntil([&] { return rootNames().size() == 1; }));
+    EXPECT_TRUE(qorManager->isChangingFolders());
+    settings.letGo();
+    EXPECT_TRUE(waitUntil([&] { return !qorManager->isChangingFolders(); }));
+    EXPECT_EQ(stored("libraryFolders"), QList<QByteArray>{bookmark(QStringLiteral("one"))});
 }
 
 TEST_F(FolderLibraryTest, aFirstFolderIsPublishedThenStoredThenSelectedThenPrepared)
