@@ -44,7 +44,10 @@ int main(int argc, char **argv)
     case SingleInstance::Claim::handedOver:
         return EXIT_SUCCESS;
     case SingleInstance::Claim::refused:
-        std::fputs("qorvane: another process works on the library and doesn't answer\n", stderr);
+        std::fputs(
+            "qorvane: another process works on the library and doesn't answer here; end it first, it may "
+            "run in another session\n",
+            stderr);
         return EXIT_FAILURE;
     }
 

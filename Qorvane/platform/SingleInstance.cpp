@@ -6,6 +6,7 @@
 #include <QDataStream>
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QPointer>
@@ -38,7 +39,7 @@ constexpr qsizetype digitsOfHash = 12;
 
 } // namespace
 
-SingleInstance::SingleInstance(QString place, QObject *parent)
+SingleInstance::SingleInstance(Place place, QObject *parent)
     : QObject(parent)
     , m_place(std::move(place))
 {
@@ -51,15 +52,20 @@ SingleInstance::~SingleInstance()
         ::close(m_lock);
 }
 
-QString SingleInstance::libraryPlace()
+SingleInstance::Place SingleInstance::libraryPlace()
 {
-    const std::optional<QString> folder = Directories::runtime();
-    if (!folder)
+    const std::optional<QString> support = Directories::applicationSupport();
+    if (!support)
         return {};
-    // Named for the folder that holds the database: that is what two processes must not share.
-    const QByteArray library = Directories::applicationSupport().value_or(QString()).toUtf8();
-    const QByteArray hash = QCryptographicHash::hash(library, QCryptographicHash::Sha256).toHex();
-    return QStringLiteral("%1/qorvane-%2").arg(*folder, QString::fromLatin1(hash.first(digitsOfHash)));
+    Place place;
+    place.lock = *support + QStringLiteral("/Qorvane/library.lock");
+    // The runtime folder serves all libraries, so the socket is named for the one that it leads to.
+    if (const std::optional<QString> folder = Directories::runtime()) {
+        const QByteArray hash = QCryptographicHash::hash(support->toUtf8(), QCryptographicHash::Sha256);
+        place.socket = QStringLiteral("%1/qorvane-%2.socket")
+                           .arg(*folder, QString::fromLatin1(hash.toHex().first(digitsOfHash)));
+    }
+    return place;
 }
 
 SingleInstance::Claim SingleInstance::claim(const std::optional<QStringList> &message,
@@ -81,13 +87,13 @@ SingleInstance::Claim SingleInstance::claim(const std::optional<QStringList> &me
 // is killed, and is never taken for another's.
 bool SingleInstance::acquire()
 {
-    if (m_place.isEmpty() || m_lock >= 0)
+    if (m_place.lock.isEmpty() || m_lock >= 0)
         return true;
-    const QString path = m_place + QStringLiteral(".lock");
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
-                            S_IRUSR | S_IWUSR);
+    Directories::create(QFileInfo(m_place.lock).path());
+    const int file = ::open(QFile::encodeName(m_place.lock).constData(),
+                            O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     if (file < 0) {
-        qWarning("%s can't be opened; nothing keeps a second process away", qUtf8Printable(path));
+        qWarning("%s can't be opened; nothing keeps a second process away", qUtf8Printable(m_place.lock));
         return true;
     }
     int result = 0;
@@ -105,10 +111,12 @@ bool SingleInstance::acquire()
 
 bool SingleInstance::send(const QStringList &message, std::chrono::milliseconds patience) const
 {
+    if (m_place.socket.isEmpty())
+        return false;
     const QDeadlineTimer deadline(patience);
     const auto remaining = [&deadline] { return int(std::max<qint64>(deadline.remainingTime(), 0)); };
     QLocalSocket socket;
-    socket.connectToServer(socketPath());
+    socket.connectToServer(m_place.socket);
     if (!socket.waitForConnected(remaining()))
         return false;
     QDataStream stream(&socket);
@@ -125,17 +133,21 @@ bool SingleInstance::send(const QStringList &message, std::chrono::milliseconds 
 
 bool SingleInstance::listen()
 {
-    if (m_place.isEmpty())
+    if (m_place.socket.isEmpty())
         return false;
     // We hold the lock, so a socket that lies there is left over from a process that was killed.
-    QLocalServer::removeServer(socketPath());
+    QLocalServer::removeServer(m_place.socket);
     m_server = std::make_unique<QLocalServer>();
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
     connect(m_server.get(), &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *const client = m_server->nextPendingConnection())
             serve(client);
     });
-    return m_server->listen(socketPath());
+    if (m_server->listen(m_place.socket))
+        return true;
+    qWarning("later starts can't reach this one through %s: %s", qUtf8Printable(m_place.socket),
+             qUtf8Printable(m_server->errorString()));
+    return false;
 }
 
 void SingleInstance::close()

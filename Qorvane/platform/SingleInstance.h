@@ -25,20 +25,31 @@ public:
         refused,    ///< another is, and didn't take a message in time
     };
 
-    /// `place` is the path of the lock and of the socket, less their suffixes; its folder exists and is the
-    /// user's own. Empty: no such folder can be had, and every process is the first.
-    explicit SingleInstance(QString place, QObject *parent = nullptr);
+    struct Place
+    {
+        /// The path of the lock, beside what it protects: whoever can reach the one finds the other, from
+        /// whatever session or job. Its folder is made when it isn't there. Empty: every process is the
+        /// first.
+        QString lock;
+        /// The path of the socket, in an existing folder of the user's own. Empty: nothing is handed over.
+        QString socket;
+
+        friend bool operator==(const Place &, const Place &) = default;
+    };
+
+    explicit SingleInstance(Place place, QObject *parent = nullptr);
     /// Lets the next process be the first.
     ~SingleInstance() override;
 
     /// The place for the library in the user's application data.
-    static QString libraryPlace();
+    static Place libraryPlace();
 
     /// Becomes the first process, or hands `message` to the one that is; without a message it only waits for
     /// its turn. Tries for `patience`, since the other may be about to begin or to end. Blocks.
     Claim claim(const std::optional<QStringList> &message, std::chrono::milliseconds patience);
 
-    /// The first process takes messages from now on; false when it can't, and then later ones are refused.
+    /// The first process takes messages from now on; false when it can't, with the reason on the console, and
+    /// then later ones are refused.
     bool listen();
     /// Takes no more messages; later processes wait for this one's end.
     void close();
@@ -51,9 +62,8 @@ private:
     bool acquire();
     bool send(const QStringList &message, std::chrono::milliseconds patience) const;
     void serve(QLocalSocket *client);
-    QString socketPath() const { return m_place + QStringLiteral(".socket"); }
 
-    const QString m_place;
+    const Place m_place;
     int m_lock = -1;
     std::unique_ptr<QLocalServer> m_server;
 };

@@ -2,6 +2,7 @@
 
 #include "support/Waiting.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -49,7 +50,8 @@ protected:
     }
 
     const QTemporaryDir m_folder;
-    const QString m_place = m_folder.filePath(QStringLiteral("qorvane-test"));
+    const SingleInstance::Place m_place{m_folder.filePath(QStringLiteral("data/library.lock")),
+                                        m_folder.filePath(QStringLiteral("test.socket"))};
     QList<QStringList> m_received;
 };
 
@@ -133,7 +135,7 @@ TEST_F(SingleInstanceTest, aFirstThatClosedHearsNothingMore)
     first->close();
     EXPECT_EQ(claimElsewhere(QStringList{QStringLiteral("show")}, milliseconds(50)), Claim::refused);
     EXPECT_TRUE(m_received.isEmpty());
-    EXPECT_FALSE(QFile::exists(m_place + QStringLiteral(".socket")));
+    EXPECT_FALSE(QFile::exists(m_place.socket));
 }
 
 TEST_F(SingleInstanceTest, theReceiverMayCloseWhileItHears)
@@ -147,7 +149,7 @@ TEST_F(SingleInstanceTest, theReceiverMayCloseWhileItHears)
 
 TEST_F(SingleInstanceTest, aFileWhereTheSocketBelongsIsPutAside)
 {
-    QFile stale(m_place + QStringLiteral(".socket"));
+    QFile stale(m_place.socket);
     ASSERT_TRUE(stale.open(QIODevice::WriteOnly));
     stale.close();
     const auto first = makeFirst();
@@ -159,7 +161,7 @@ TEST_F(SingleInstanceTest, onlyTheUserMayKnock)
 {
     const auto first = makeFirst();
     ASSERT_TRUE(first->listen());
-    const auto permissions = QFileInfo(m_place + QStringLiteral(".socket")).permissions();
+    const auto permissions = QFileInfo(m_place.socket).permissions();
     EXPECT_FALSE(permissions & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther));
 }
 
@@ -172,15 +174,61 @@ TEST_F(SingleInstanceTest, withoutAPlaceEveryoneIsTheFirst)
     EXPECT_FALSE(one.listen());
 }
 
+/// Sets a variable of the environment for as long as it lives.
+class Setting
+{
+public:
+    Setting(const char *name, const QByteArray &value)
+        : m_name(name)
+        , m_before(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~Setting() { qputenv(m_name, m_before); }
+    Setting(const Setting &) = delete;
+    Setting &operator=(const Setting &) = delete;
+
+private:
+    const char *const m_name;
+    const QByteArray m_before;
+};
+
 TEST_F(SingleInstanceTest, aLibraryElsewhereIsAPlaceOfItsOwn)
 {
-    const QString here = SingleInstance::libraryPlace();
-    EXPECT_TRUE(here.startsWith(qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/')) << qPrintable(here);
+    const SingleInstance::Place here = SingleInstance::libraryPlace();
+    EXPECT_TRUE(here.socket.startsWith(qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/'))
+        << qPrintable(here.socket);
+    EXPECT_EQ(here.lock, qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Qorvane/library.lock"));
     EXPECT_EQ(SingleInstance::libraryPlace(), here);
-    const QByteArray before = qgetenv("XDG_DATA_HOME");
-    qputenv("XDG_DATA_HOME", "/elsewhere");
-    EXPECT_NE(SingleInstance::libraryPlace(), here);
-    qputenv("XDG_DATA_HOME", before);
+    const Setting data("XDG_DATA_HOME", "/elsewhere");
+    EXPECT_NE(SingleInstance::libraryPlace().lock, here.lock);
+    EXPECT_NE(SingleInstance::libraryPlace().socket, here.socket);
+}
+
+TEST_F(SingleInstanceTest, sessionsThatDoNotSeeEachOtherAreKeptApartAllTheSame)
+{
+    const Setting data("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath(QStringLiteral("data"))));
+    SingleInstance here(SingleInstance::libraryPlace());
+    ASSERT_EQ(here.claim(std::nullopt, milliseconds(0)), Claim::first);
+    ASSERT_TRUE(here.listen());
+    const QString elsewhere = m_folder.filePath(QStringLiteral("runtime"));
+    ASSERT_TRUE(QDir().mkpath(elsewhere));
+    const Setting runtime("XDG_RUNTIME_DIR", QFile::encodeName(elsewhere));
+    SingleInstance there(SingleInstance::libraryPlace());
+    EXPECT_EQ(there.claim(QStringList{QStringLiteral("show")}, milliseconds(50)), Claim::refused);
+}
+
+TEST_F(SingleInstanceTest, aSocketThatCannotBeMadeKeepsTheOthersAwayButUnheard)
+{
+    const SingleInstance::Place place{m_place.lock, m_folder.filePath(QString(120, u'x'))};
+    SingleInstance first(place);
+    ASSERT_EQ(first.claim(std::nullopt, milliseconds(0)), Claim::first);
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(first.listen());
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("later starts can't reach this one"),
+              std::string::npos);
+    SingleInstance second(place);
+    EXPECT_EQ(second.claim(QStringList{QStringLiteral("show")}, milliseconds(50)), Claim::refused);
 }
 
 } // namespace

@@ -30,11 +30,11 @@ protected:
     DriverOutcome run(const QStringList &arguments) const { return m_home.run(arguments); }
 
     // Where the driver looks for others that work on the library of this home.
-    QString instancePlace() const
+    SingleInstance::Place instancePlace() const
     {
         const QByteArray before = qgetenv("XDG_DATA_HOME");
         qputenv("XDG_DATA_HOME", m_home.path("data").toLocal8Bit());
-        const QString place = SingleInstance::libraryPlace();
+        const SingleInstance::Place place = SingleInstance::libraryPlace();
         qputenv("XDG_DATA_HOME", before);
         return place;
     }

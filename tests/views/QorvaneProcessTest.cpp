@@ -56,7 +56,7 @@ protected:
         ASSERT_EQ(::kill(pid_t(process.processId()), number), 0);
     }
 
-    static QString socketPath() { return SingleInstance::libraryPlace() + QStringLiteral(".socket"); }
+    static QString socketPath() { return SingleInstance::libraryPlace().socket; }
 };
 
 TEST_F(QorvaneProcessTest, aSecondStartBringsTheClosedWindowBackAndEnds)

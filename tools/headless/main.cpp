@@ -65,7 +65,10 @@ int main(int argc, char **argv)
                            .arg(asked.folders.join(QStringLiteral(", "))),
                        false});
     case SingleInstance::Claim::refused:
-        std::fputs("qorvane-headless: another process works on the library; close it first\n", stderr);
+        std::fputs(
+            "qorvane-headless: another process works on the library; close it first, it may run in another "
+            "session\n",
+            stderr);
         return EXIT_FAILURE;
     }
 
