@@ -1,5 +1,6 @@
 #include "QorvaneApp.h"
 
+#include "library/DeferredWrites.h"
 #include "library/QorManage.h"
 #include "platform/DetachedTask.h"
 #include "platform/Directories.h"
@@ -22,18 +23,12 @@ namespace {
 // before it was closed go a second later.
 constexpr auto betweenLooks = std::chrono::seconds(1);
 
-// All work of the library runs there, also what a run begins with: the walk through its folder.
-bool isWorking()
-{
-    return !DetachedTask::isIdle() || !GlobalQueue::isIdle();
-}
-
 } // namespace
 
 QorvaneApp::QorvaneApp(QObject *parent, const LibraryTimings &timings)
     : QObject(parent)
     , m_timings(timings)
-    , m_idleWatch(isWorking, betweenLooks)
+    , m_idleWatch([this] { return isWorking(); }, betweenLooks)
 {
     connect(&m_idleWatch, &IdleWatch::idle, this, &QorvaneApp::finished);
 }
@@ -77,6 +72,14 @@ void QorvaneApp::dropClosedWindow()
     m_idleWatch.start();
 }
 
+// The three places where all work of the library runs, also what a run begins with: the walk through its
+// folder. A folder that is being added falls between them for moments.
+bool QorvaneApp::isWorking() const
+{
+    return !DetachedTask::isIdle() || !GlobalQueue::isIdle() || !DeferredWrites::isIdle() ||
+           (m_qorManager && m_qorManager->isChangingFolders());
+}
+
 void QorvaneApp::obey(const QStringList &message)
 {
     if (const std::optional<QByteArray> token = InstanceMessage::shownWith(message)) {
@@ -87,6 +90,9 @@ void QorvaneApp::obey(const QStringList &message)
     } else if (const std::optional<QStringList> paths = InstanceMessage::added(message)) {
         for (const QString &path : *paths)
             qorManager().addFolder(FileUrl::directory(path));
+        // It may be one look from the end.
+        if (!m_contentView)
+            m_idleWatch.start();
     }
 }
 

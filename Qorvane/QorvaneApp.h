@@ -40,6 +40,7 @@ Q_SIGNALS:
     void finished();
 
 private:
+    bool isWorking() const;
     void dropClosedWindow();
     void appear();
     static void logLocations();

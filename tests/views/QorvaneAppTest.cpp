@@ -11,8 +11,10 @@
 #include "views/ContentView.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
+#include <QLockFile>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -254,4 +256,54 @@ TEST_F(QorvaneAppTest, foldersHandedOverAtTheVeryStartJoinThoseOfEarlierRuns)
     EXPECT_EQ(app.contentView(), nullptr); // a folder is no reason to come to the front
     const QList<QByteArray> both{earlier.toUtf8(), added.toUtf8()};
     EXPECT_TRUE(waitUntil([&both] { return UserDefaults::standard().dataArray(libraryFolders) == both; }));
+}
+
+TEST_F(QorvaneAppTest, aFolderThatIsNotStoredYetKeepsTheApplicationWithoutItsWindow)
+{
+    LibraryTimings impatient = quick;
+    impatient.bookmarkPatience = 0.01; // the run is over long before the folder is stored
+    const LogCapture log;
+    QorvaneApp app(nullptr, impatient);
+    ASSERT_TRUE(app.openMainWindow());
+    ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
+    passTheStart();
+    QLockFile disk(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Qorvane/Qorvane.ini.lock"));
+    disk.setStaleLockTime(0); // never taken over
+    ASSERT_TRUE(disk.tryLock());
+    app.qorManager().addFolder(FileUrl::directory(makePictures(1)));
+    close(app);
+    ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
+
+    bool wasStoredAtTheEnd = false;
+    QSignalSpy ends(&app, &QorvaneApp::finished);
+    QObject::connect(&app, &QorvaneApp::finished, [&] {
+        const auto stored = UserDefaults::standard().dataArray(libraryFolders);
+        wasStoredAtTheEnd = stored && stored->size() == 1;
+    });
+    constexpr double longerThanTheLooks = 5;
+    MainQueue::after(longerThanTheLooks, [&disk] { disk.unlock(); });
+    ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
+    EXPECT_TRUE(wasStoredAtTheEnd);
+    ASSERT_TRUE(waitUntil([&disk] { return !disk.isLocked(); }));
+}
+
+TEST_F(QorvaneAppTest, foldersHandedOverWithoutAWindowBeginTheWaitForTheEndAnew)
+{
+    const LogCapture log;
+    QorvaneApp app(nullptr, quick);
+    ASSERT_TRUE(app.openMainWindow());
+    ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
+    passTheStart();
+    close(app);
+    ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
+    QSignalSpy ends(&app, &QorvaneApp::finished);
+    // Between the first look, which finds nothing, and the second, which would be the last.
+    QElapsedTimer sinceHandedOver;
+    MainQueue::after(1.3, [&] {
+        sinceHandedOver.start();
+        app.obey(InstanceMessage::add({}));
+    });
+    ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
+    ASSERT_TRUE(sinceHandedOver.isValid());
+    EXPECT_GE(sinceHandedOver.elapsed(), 1500); // two looks, a second apart, less the timer's latitude
 }
