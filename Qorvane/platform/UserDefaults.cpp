@@ -100,6 +100,12 @@ void UserDefaults::remove(const QString &key)
     m_settings.sync();
 }
 
+bool UserDefaults::isOnDisk() const
+{
+    const std::scoped_lock lock(m_mutex);
+    return !m_settings.fileName().isEmpty() && m_settings.status() != QSettings::AccessError;
+}
+
 bool UserDefaults::Settings::event(QEvent *event)
 {
     return event->type() == QEvent::UpdateRequest || QSettings::event(event);

@@ -14,7 +14,8 @@ namespace Qorvane {
 
 /// The user's settings: a few named values that outlive a run, in one INI file. A value reads back only as
 /// the type it was written as; anything else counts as absent. Writes reach the disk before they return;
-/// one that can't is kept for this run and reported to nobody. Safe from any thread.
+/// one that can't is kept for this run and reported to nobody but who asks
+/// `isOnDisk`. Safe from any thread.
 class UserDefaults
 {
 public:
@@ -39,6 +40,9 @@ public:
     void setString(const QString &key, const QString &text);
 
     void remove(const QString &key);
+
+    /// Whether everything written in this run has reached the disk.
+    bool isOnDisk() const;
 
 private:
     /// The toolkit's class writes once more by itself from its thread's event loop, past the mutex; we have

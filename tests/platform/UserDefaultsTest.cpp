@@ -75,6 +75,14 @@ TEST_F(UserDefaultsTest, aShorterArrayLeavesNothingOfTheLongerOneBehind)
     EXPECT_FALSE(file.readAll().contains("(b)"));
 }
 
+TEST_F(UserDefaultsTest, anOrdinaryWriteIsOnDisk)
+{
+    UserDefaults defaults(path());
+    defaults.setDataArray(folders, {"/a"});
+    EXPECT_TRUE(defaults.isOnDisk());
+    EXPECT_TRUE(QFile::exists(path()));
+}
+
 TEST_F(UserDefaultsTest, aDateKeepsItsMillisecondsAndItsMoment)
 {
     const QDateTime date(QDate(2024, 5, 1), QTime(15, 4, 5, 678), QTimeZone(8 * 3600));
@@ -161,6 +169,7 @@ TEST_F(UserDefaultsTest, aWriteThatCannotReachTheDiskHoldsForThisRun)
 
     EXPECT_EQ(defaults.dataArray(folders), QList<QByteArray>{"/a"});
     EXPECT_EQ(defaults.string(QStringLiteral("text")), QStringLiteral("kept"));
+    EXPECT_FALSE(defaults.isOnDisk());
     EXPECT_FALSE(QFile::exists(path()));
 }
 

@@ -4,6 +4,7 @@
 #include "support/Waiting.h"
 #include "tools/DriverHome.h"
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
@@ -104,6 +105,16 @@ TEST_F(HeadlessDriverTest, AddsAFolderOnceAndTellsOfIt)
     EXPECT_TRUE(status.output.contains(photographs())) << qPrintable(status.output);
     EXPECT_TRUE(status.output.contains(QStringLiteral("3 media files"))) << qPrintable(status.output);
     EXPECT_TRUE(status.output.contains(QStringLiteral("encoders: none"))) << qPrintable(status.output);
+}
+
+TEST_F(HeadlessDriverTest, TellsOfAFolderThatItCannotStore)
+{
+    ASSERT_TRUE(QDir().mkpath(m_home.path("config/Qorvane/Qorvane.ini"))); // a folder where a file belongs
+    const DriverOutcome add = run({QStringLiteral("add"), photographs()});
+    EXPECT_EQ(add.code, 1);
+    EXPECT_EQ(add.output, QString());
+    EXPECT_TRUE(add.errors.contains(QStringLiteral("can't be stored in the library: ") + photographs()))
+        << qPrintable(add.errors);
 }
 
 TEST_F(HeadlessDriverTest, HandsFoldersToTheRunningApplication)

@@ -12,6 +12,7 @@
 #include "media/ThumbnailCache.h"
 #include "platform/Directories.h"
 #include "platform/NaturalOrder.h"
+#include "platform/UserDefaults.h"
 #include "store/EmbeddingStore.h"
 
 #include <QCoroFuture>
@@ -35,6 +36,9 @@ using Action = HeadlessCommand::Action;
 // Nobody sits before a terminal run, and a picture that is late on a busy machine is better than one left
 // out.
 constexpr double patientEmbeddingTimeout = 120;
+
+// Only a disk that has stopped answering takes as long to store a folder.
+constexpr double patientBookmarkTimeout = 20;
 
 void print(const QString &text)
 {
@@ -79,9 +83,36 @@ QFuture<void> libraryOpened(QorManage &library)
     return opened->future();
 }
 
+// A future that is done once the library has reported on the folder: it is stored by then, or the wait for
+// that was given up. The reports come in floods, of which a coroutine could only await the first.
+QFuture<void> folderReported(QorManage &library, const FileUrl &folder)
+{
+    const auto reported = std::make_shared<QPromise<void>>();
+    reported->start();
+    QObject::connect(&library, &QorManage::folderProcessingStatusChanged, &library,
+                     [&library, reported, path = folder.path()] {
+                         if (library.folderProcessingStatus().contains(path))
+                             reported->finish();
+                     });
+    return reported->future();
+}
+
+// Adds the folder; whether the next start will know of it.
+QCoro::Task<bool> addAndStore(QorManage &library, FileUrl folder)
+{
+    const QFuture<void> reported = folderReported(library, folder);
+    library.addFolder(folder);
+    co_await reported;
+    co_return co_await QtConcurrent::run(
+        [folder] { return UserDefaults::standard().isOnDisk() && storedLibraryFolders().contains(folder); });
+}
+
 QCoro::Task<int> runAdd(HeadlessCommand command)
 {
-    QorManage library;
+    LibraryTimings timings;
+    timings.bookmarkPatience = patientBookmarkTimeout;
+    QorManage library(nullptr, timings);
+    int code = 0;
     co_await libraryOpened(library);
     const QList<FileUrl> folders = folderUrls(command.folders);
     for (const FileUrl &folder : folders) {
@@ -91,11 +122,14 @@ QCoro::Task<int> runAdd(HeadlessCommand command)
             print(QStringLiteral("already in the library: %1\n").arg(folder.path()));
             continue;
         }
-        library.addFolder(folder);
-        co_await qCoro(&library, &QorManage::libraryFoldersChanged);
-        print(QStringLiteral("added: %1\n").arg(folder.path()));
+        if (co_await addAndStore(library, folder)) {
+            print(QStringLiteral("added: %1\n").arg(folder.path()));
+        } else {
+            printError(QStringLiteral("can't be stored in the library: %1").arg(folder.path()));
+            code = 1;
+        }
     }
-    co_return 0;
+    co_return code;
 }
 
 QCoro::Task<int> runIndex(HeadlessCommand command)
