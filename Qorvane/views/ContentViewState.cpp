@@ -130,17 +130,18 @@ void ContentViewState::chooseFolders()
 void ContentViewState::addFolders(const QList<QUrl> &urls)
 {
     // Off the GUI thread: a folder may lie on a server that doesn't answer.
-    GlobalQueue::async(QualityOfService::userInitiated, [self = QPointer(this), urls] {
+    // For the library, not for this: the window may be closed meanwhile.
+    GlobalQueue::async(QualityOfService::userInitiated, [library = QPointer(&m_qorManager), urls] {
         QList<FileUrl> folders;
         for (const QUrl &url : urls) {
             if (url.isLocalFile() && directoryExists(url.toLocalFile()))
                 folders.append(FileUrl::directory(url.toLocalFile()));
         }
-        MainQueue::async([self, folders] {
-            if (!self)
+        MainQueue::async([library, folders] {
+            if (!library)
                 return;
             for (const FileUrl &folder : folders)
-                self->m_qorManager.addFolder(folder);
+                library->addFolder(folder);
         });
     });
 }

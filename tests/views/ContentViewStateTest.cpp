@@ -112,6 +112,16 @@ TEST_F(ContentViewStateTest, theFoldersChosenInTheDesktopsPanelAreAddedInItsOrde
     EXPECT_EQ(added, QStringList({QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("one")}));
 }
 
+TEST_F(ContentViewStateTest, foldersChosenRightBeforeTheWindowClosesAreAdded)
+{
+    {
+        ContentViewState closing(
+            m_library, [](auto &&...) { return findNothing(); }, std::make_shared<ThumbnailQueue>(1));
+        closing.addFolders({url(QStringLiteral("one")), url(QStringLiteral("two"))});
+    }
+    EXPECT_TRUE(waitUntil([this] { return m_library.libraryFolders().size() == 2; }));
+}
+
 TEST_F(ContentViewStateTest, onlyFoldersOfThisMachineAreAdded)
 {
     m_state.addFolders({QUrl(QStringLiteral("sftp://server/photographs")),
