@@ -148,7 +148,10 @@ void FolderLibrary::scheduleRecordDeletion(const QString &path)
             EmbeddingStore::shared().printStatistics();
         });
     };
-    const auto deletion = [path, check, delay = m_surroundings.timings.untilDeletionCheck] {
+    const auto deletion = [path, check, edits = m_surroundings.edits,
+                           delay = m_surroundings.timings.untilDeletionCheck] {
+        // Tags given before would otherwise be written behind it, for files that are gone from the library.
+        edits->wait();
         EmbeddingStore::shared().deleteFolder(path);
         MainQueue::after(delay, check);
     };

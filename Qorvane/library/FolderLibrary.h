@@ -35,6 +35,8 @@ public:
         SelectionRules &selection;
         /// Where bookmarks are saved and read, and nothing else is.
         std::shared_ptr<DeferredWrites> bookmarkWrites;
+        /// Writes the user's tags and ratings.
+        std::shared_ptr<DeferredWrites> edits;
         LibraryTimings timings;
     };
 

@@ -42,7 +42,7 @@ QorManage::QorManage(QObject *parent, const LibraryTimings &timings)
     , m_mediaList(std::make_unique<MediaList>(*m_state, m_snapshot, m_edits, *m_pipeline))
     , m_selection(std::make_unique<SelectionRules>(*m_state, *m_mediaList))
     , m_folders(std::make_unique<FolderLibrary>(FolderLibrary::Surroundings{
-          *m_state, m_snapshot, m_reports, *m_pipeline, *m_selection, m_bookmarkWrites, m_timings}))
+          *m_state, m_snapshot, m_reports, *m_pipeline, *m_selection, m_bookmarkWrites, m_edits, m_timings}))
     , m_tagsAndRatings(
           std::make_unique<TagsAndRatings>(*m_state, m_snapshot, m_edits, *m_mediaList, *m_selection))
     , m_thumbnails(std::make_unique<ThumbnailRequests>(*m_state))

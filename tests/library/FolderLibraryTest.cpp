@@ -1,8 +1,10 @@
+#include "library/BusyStore.h"
 #include "library/DeferredWrites.h"
 #include "library/LibraryFixture.h"
 #include "library/SidebarItem.h"
 #include "media/ThumbnailPaths.h"
 #include "platform/DetachedTask.h"
+#include "platform/MainQueue.h"
 #include "platform/UserDefaults.h"
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
@@ -338,6 +340,26 @@ TEST_F(FolderLibraryTest, aRemovedRootsRecordsGoALittleLaterAndAreCheckedAfterTh
     EXPECT_TRUE(store.fetch({picture.path()}).empty());
     EXPECT_TRUE(store.getTags(picture.path()).isEmpty());
     EXPECT_TRUE(QFile::exists(picture.path()));
+}
+
+TEST_F(FolderLibraryTest, tagsGivenRightBeforeARemovalGoWithTheOtherRecords)
+{
+    constexpr int edits = 300;
+    addRoot(one);
+    BusyStore busy;
+    for (int i = 0; i < edits; ++i)
+        qorManager->addTag(QStringLiteral("cat"),
+                           FileUrl::file(one.path() + QStringLiteral("/%1.png").arg(i)));
+    home.log().clear();
+    qorManager->removeFolderFromLibrary(qorManager->libraryFolders().first());
+    // By then the deletion has been sent off, and would be next in the store.
+    bool isSent = false;
+    MainQueue::after(0.1, [&isSent] { isSent = true; });
+    ASSERT_TRUE(waitUntil([&isSent] { return isSent; }));
+    busy.end();
+    ASSERT_TRUE(waitUntil([&] { return home.log().contains(QStringLiteral("📊 数据库统计信息:")); }));
+    DeferredWrites::waitUntilIdle();
+    EXPECT_EQ(EmbeddingStore::shared().fetchPathsByTag(QStringLiteral("cat")), QStringList());
 }
 
 TEST_F(FolderLibraryTest, theWaitsOfARemovalAreOneSecondAndHalfASecond)
