@@ -91,10 +91,16 @@ MediaList::MediaList(LibraryState &state, const std::shared_ptr<LibrarySnapshot>
 {
 }
 
-void MediaList::inBackground(std::function<void()> work)
+MediaList::Needs MediaList::needsOf(SortCriterion criterion)
 {
-    GlobalQueue::async(QualityOfService::userInitiated, [edits = m_edits, work = std::move(work)] {
-        edits->wait();
+    return criterion == SortCriterion::rating ? Needs::edits : Needs::filesOnly;
+}
+
+void MediaList::inBackground(Needs needs, std::function<void()> work)
+{
+    GlobalQueue::async(QualityOfService::userInitiated, [needs, edits = m_edits, work = std::move(work)] {
+        if (needs == Needs::edits)
+            edits->wait();
         work();
     });
 }
@@ -116,20 +122,22 @@ void MediaList::loadImages()
 void MediaList::loadTag(const QString &tag)
 {
     Log::line(QStringLiteral("🏷️ Loading images for tag: ") + tag);
-    load([tag](const LibrarySnapshot &snapshot) { return filesOfTag(tag, snapshot); },
-         [this, tag] { return m_state.selectedTag() == tag; },
-         [this, tag](const QList<FileUrl> &urls) {
-             Log::line(QStringLiteral("🏷️ Setting imageURLs with ") + QString::number(urls.size()) +
-                       QStringLiteral(" images for tag '") + tag + u'\'');
-             publishLoaded(urls);
-             m_state.publishIsLoading(false);
-         });
+    load(
+        Needs::edits, [tag](const LibrarySnapshot &snapshot) { return filesOfTag(tag, snapshot); },
+        [this, tag] { return m_state.selectedTag() == tag; },
+        [this, tag](const QList<FileUrl> &urls) {
+            Log::line(QStringLiteral("🏷️ Setting imageURLs with ") + QString::number(urls.size()) +
+                      QStringLiteral(" images for tag '") + tag + u'\'');
+            publishLoaded(urls);
+            m_state.publishIsLoading(false);
+        });
 }
 
 void MediaList::loadRating(int rating)
 {
     Log::line(QStringLiteral("⭐️ Loading images for rating: ") + QString::number(rating));
     load(
+        Needs::edits,
         [rating](const LibrarySnapshot &snapshot) {
             const QList<FileUrl> files = existingFiles(EmbeddingStore::shared().fetchPathsByRating(rating));
             return sorted(files, snapshot.sortSettings());
@@ -143,26 +151,28 @@ void MediaList::loadRating(int rating)
 
 void MediaList::loadFolder(const Folder &folder)
 {
-    load([url = folder.url, settings = m_state.sortSettings()](
-             const LibrarySnapshot &) { return sorted(MediaListing::collectMediaFiles(url), settings); },
-         [this, url = folder.url] {
-             // A selected rating isn't asked for: while the folder stays selected its list is shown.
-             return !m_state.selectedTag() && m_state.selectedFolder() &&
-                    m_state.selectedFolder()->url == url;
-         },
-         [this, url = folder.url](const QList<FileUrl> &urls) {
-             publishLoaded(urls);
-             m_state.publishIsLoading(false);
-             m_pipeline.startProcessing(urls, url.path());
-         });
+    load(
+        needsOf(m_state.sortSettings().criterion),
+        [url = folder.url, settings = m_state.sortSettings()](const LibrarySnapshot &) {
+            return sorted(MediaListing::collectMediaFiles(url), settings);
+        },
+        [this, url = folder.url] {
+            // A selected rating isn't asked for: while the folder stays selected its list is shown.
+            return !m_state.selectedTag() && m_state.selectedFolder() && m_state.selectedFolder()->url == url;
+        },
+        [this, url = folder.url](const QList<FileUrl> &urls) {
+            publishLoaded(urls);
+            m_state.publishIsLoading(false);
+            m_pipeline.startProcessing(urls, url.path());
+        });
 }
 
-void MediaList::load(const Find &find, std::function<bool()> isWanted,
+void MediaList::load(Needs needs, const Find &find, std::function<bool()> isWanted,
                      std::function<void(const QList<FileUrl> &urls)> show)
 {
     m_latestSettings = m_state.sortSettings();
     const PendingLoads::Number number = m_loads.begin(std::move(isWanted), std::move(show));
-    inBackground([self = m_self, weak = m_snapshot, number, find] {
+    inBackground(needs, [self = m_self, weak = m_snapshot, number, find] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -198,18 +208,19 @@ void MediaList::sortAgain(PendingLoads::Load load)
     const QList<FileUrl> urls = load.list->urls;
     const PendingLoads::Number number = load.number;
     m_loads.reopen(std::move(load));
-    inBackground([self = m_self, number, urls, settings = m_state.sortSettings()] {
-        MainQueue::async([self, number, list = sorted(urls, settings)] {
-            if (self)
-                self->finishLoad(number, list);
-        });
-    });
+    inBackground(needsOf(m_state.sortSettings().criterion),
+                 [self = m_self, number, urls, settings = m_state.sortSettings()] {
+                     MainQueue::async([self, number, list = sorted(urls, settings)] {
+                         if (self)
+                             self->finishLoad(number, list);
+                     });
+                 });
 }
 
 void MediaList::processAllRoots()
 {
     m_state.publishIsLoading(false);
-    inBackground([self = m_self, weak = m_snapshot] {
+    inBackground(Needs::filesOnly, [self = m_self, weak = m_snapshot] {
         const std::shared_ptr<LibrarySnapshot> snapshot = weak.lock();
         if (!snapshot)
             return;
@@ -273,7 +284,8 @@ void MediaList::startNextResort()
     m_isResorting = true;
     const Resort resort = m_resorts.front();
     m_resorts.pop_front();
-    inBackground([self = m_self, resort, urls = m_state.imageURLs(), generation = m_generation] {
+    inBackground(needsOf(resort.settings.criterion), [self = m_self, resort, urls = m_state.imageURLs(),
+                                                      generation = m_generation] {
         MainQueue::async([self, resort, generation, result = sorted(urls, resort.settings).urls] {
             if (self)
                 self->finishResort(result, generation, resort.publication);

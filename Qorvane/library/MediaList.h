@@ -56,13 +56,17 @@ private:
     };
     using Find = std::function<PendingLoads::List(const LibrarySnapshot &snapshot)>;
 
-    /// Runs `work` in the background, behind the tags and ratings that were given before.
-    void inBackground(std::function<void()> work);
+    /// Whether a list depends on tags and ratings. What doesn't need not wait for those being written.
+    enum class Needs { edits, filesOnly };
+
+    static Needs needsOf(SortCriterion criterion);
+    /// Runs `work` in the background; when it needs them, behind the edits that were asked for before.
+    void inBackground(Needs needs, std::function<void()> work);
     void loadTag(const QString &tag);
     void loadRating(int rating);
     void loadFolder(const Folder &folder);
     /// Begins a load: `find` makes its list in the background.
-    void load(const Find &find, std::function<bool()> isWanted,
+    void load(Needs needs, const Find &find, std::function<bool()> isWanted,
               std::function<void(const QList<FileUrl> &urls)> show);
     void finishLoad(PendingLoads::Number number, const PendingLoads::List &list);
     bool isOutdated(const SortSettings &settings) const;

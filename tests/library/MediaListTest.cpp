@@ -431,6 +431,16 @@ TEST_F(MediaListTest, aLoadThatEndsAfterTheListWasSortedAnewIsSortedAnewToo)
     EXPECT_EQ(publishedLists.value(publishedLists.size() - 1), QStringLiteral("1.png 2.png"));
 }
 
+TEST_F(MediaListTest, aFoldersListByNameDoesNotWaitForTagsBeingWritten)
+{
+    const FileUrl picture = home.writePicture(QStringLiteral("a/1.png"));
+    BusyStore busy;
+    qorManager->addTag(QStringLiteral("cat"), picture);
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    EXPECT_TRUE(waitForList({QStringLiteral("1.png")}));
+    busy.end();
+}
+
 TEST_F(MediaListTest, aTagsListIsNotReplacedByThatOfARatingChosenBeforeIt)
 {
     const FileUrl both = home.writePicture(QStringLiteral("both.png"));
