@@ -46,6 +46,7 @@ protected:
         Running run{scope, limit, std::make_shared<QPromise<QList<SearchResult>>>()};
         run.promise->start();
         running[text] = run;
+        begun.append(run.promise);
         const QList<SearchResult> found = co_await run.promise->future();
         co_return found;
     }
@@ -65,9 +66,22 @@ protected:
         return waitUntil([this, &text] { return running.contains(text); });
     }
 
+    /// A search that never ends would never be given back.
+    void TearDown() override
+    {
+        drainMainQueue(); // what was asked for begins now
+        for (const auto &promise : begun) {
+            if (!promise->future().isFinished())
+                promise->addResult(QList<SearchResult>());
+            promise->finish();
+        }
+        drainMainQueue();
+    }
+
     SearchScopeSettings settings;
     QStringList taggedPaths;
-    std::map<QString, Running> running;
+    std::map<QString, Running> running; ///< the last of each text
+    QList<std::shared_ptr<QPromise<QList<SearchResult>>>> begun;
     LogCapture log;
     const SearchSources sources{[this] { return settings; }, [this](const QString &) { return taggedPaths; },
                                 [this](const QString &text, const QList<FileUrl> &scope, int limit) {
