@@ -2,11 +2,11 @@
 // difficult should stay it; this program says how each was made, and makes new ones. Given the same releases
 // of the libraries it writes the same bytes.
 
+#include "media/NumberBytes.h"
 #include "media/PictureFiles.h"
 #include "media/PsdFile.h"
 
 #include <QFile>
-#include <QtEndian>
 
 #include <lcms2.h>
 #include <vips/vips.h>
@@ -18,20 +18,6 @@
 using namespace Qorvane;
 
 namespace {
-
-template <typename Number>
-QByteArray little(Number number)
-{
-    const Number bytes = qToLittleEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&bytes), sizeof bytes);
-}
-
-template <typename Number>
-QByteArray big(Number number)
-{
-    const Number bytes = qToBigEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&bytes), sizeof bytes);
-}
 
 /// Red at the top left, green at the top right, blue at the bottom left, white at the bottom right.
 QImage quarters(QSize size = {48, 32})

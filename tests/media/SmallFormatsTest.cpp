@@ -1,9 +1,8 @@
 // Formats without an encoder on every machine: each test writes a valid file by hand.
 
 #include "media/ImageSource.h"
+#include "media/NumberBytes.h"
 #include "media/PictureFiles.h"
-
-#include <QtEndian>
 
 #include <gtest/gtest.h>
 
@@ -12,20 +11,6 @@
 using namespace Qorvane;
 
 namespace {
-
-template <typename Number>
-QByteArray little(Number number)
-{
-    const Number bytes = qToLittleEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&bytes), sizeof bytes);
-}
-
-template <typename Number>
-QByteArray big(Number number)
-{
-    const Number bytes = qToBigEndian(number);
-    return QByteArray(reinterpret_cast<const char *>(&bytes), sizeof bytes);
-}
 
 /// Four by two pixels: red, green, blue, white; black, yellow, magenta, cyan.
 const std::vector<QRgb> colours = {0xffff0000, 0xff00ff00, 0xff0000ff, 0xffffffff,
