@@ -1,0 +1,14 @@
+#pragma once
+
+#include <onnx/onnx_pb.h>
+
+#include <string>
+
+namespace Qorvane::Encoders {
+
+/// Leaves of the graph only what its output `output` needs: nodes, constants, inputs and that one output.
+/// What two outputs share stays, so that a graph with two towers is cut by cutting two copies. False, with
+/// nothing changed, when no node, constant or input gives `output`. Any thread.
+bool cutTower(onnx::GraphProto &graph, const std::string &output);
+
+} // namespace Qorvane::Encoders
