@@ -1,6 +1,7 @@
 #include "encoders/CommandLine.h"
 
 #include "encoders/Console.h"
+#include "encoders/compare/CompareCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -11,7 +12,9 @@ namespace Qorvane::Encoders {
 namespace {
 
 // In the order of the help text.
-constexpr std::array<AddCommand, 0> commands{};
+constexpr std::array commands{
+    AddCommand{addCompareCommand},
+};
 
 // Help and version count as success; everything else that the parser throws is a wrong argument.
 int answer(const CLI::App &app, const CLI::ParseError &error, Console &console)
