@@ -9,6 +9,7 @@
 #include "semantic/ChineseLocale.h"
 #include "semantic/NumberText.h"
 
+#include <QCoreApplication>
 #include <QCoroFuture>
 #include <QPointer>
 #include <QThread>
@@ -29,14 +30,15 @@ void logLines(const QStringList &lines)
         Log::line(line);
 }
 
-/// Finds and loads the encoders on a thread of its own; the GUI thread may wait for the future.
+/// Finds and loads the encoders on a thread of its own. The future is finished by the event loop, so that who
+/// begins a load never finds it over within the same call, however quick the load is.
 QFuture<EncoderPair> loadInBackground(bool isChinese)
 {
     auto promise = std::make_shared<QPromise<EncoderPair>>();
     promise->start();
     DetachedTask::start(QualityOfService::utility, [promise, isChinese](const TaskHandle &) {
         promise->addResult(loadEncoders(findEncoders(isChinese)));
-        promise->finish();
+        QMetaObject::invokeMethod(qApp, [promise] { promise->finish(); }, Qt::QueuedConnection);
     });
     return promise->future();
 }
