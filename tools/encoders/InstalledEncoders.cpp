@@ -3,8 +3,6 @@
 #include "platform/Bundle.h"
 #include "semantic/FeatureExtraction.h"
 
-#include <QFileInfo>
-
 #include <utility>
 
 namespace Qorvane::Encoders {
@@ -20,10 +18,18 @@ QString placesText(const QStringList &directories)
                                  : directories.join(QStringLiteral(", "));
 }
 
-std::optional<QString> find(const QString &fileName, const QStringList &directories)
+/// A file, and whether it is of the language's own family.
+using FoundEncoder = std::pair<std::optional<QString>, bool>;
+
+// The names as the application has them; see semantic/EncoderFiles.
+FoundEncoder findEither(const QString &tower, bool isChinese, const QStringList &directories)
 {
-    const QFileInfo name(fileName);
-    return Bundle::urlForResource(name.completeBaseName(), name.suffix(), directories);
+    for (const bool isOwn : {true, false}) {
+        const QString family = isChinese == isOwn ? QStringLiteral("ChineseClip") : QStringLiteral("Clip");
+        if (auto path = Bundle::urlForResource(family + tower, QStringLiteral("onnx"), directories))
+            return {std::move(path), isOwn};
+    }
+    return {std::nullopt, false};
 }
 
 tl::unexpected<Problem> embeddingProblem(const QString &of, const QStringList &logLines)
@@ -41,36 +47,16 @@ Outcome<std::vector<float>> vectorOf(Extraction extraction, const QString &of)
 
 } // namespace
 
-FamilyFiles FamilyFiles::of(Family family)
-{
-    switch (family) {
-    case Family::chinese:
-        return {.vision = QStringLiteral("ChineseClipVisionEncoder.onnx"),
-                .text = QStringLiteral("ChineseClipTextEncoder.onnx"),
-                .vocabulary = QStringLiteral("chinese_vocab.json")};
-    case Family::openai:
-        return {.vision = QStringLiteral("ClipVisionEncoder.onnx"),
-                .text = QStringLiteral("ClipTextEncoder.onnx"),
-                .vocabulary = QStringLiteral("vocab.json")};
-    }
-    Q_UNREACHABLE();
-}
-
-InstalledPair::InstalledPair(Family family, EncoderPair encoders, TokenizerService tokenizer)
-    : m_family(family)
-    , m_encoders(std::move(encoders))
+InstalledPair::InstalledPair(EncoderPair encoders, TokenizerService tokenizer)
+    : m_encoders(std::move(encoders))
     , m_tokenizer(std::move(tokenizer))
 {
 }
 
 Outcome<InstalledPair> InstalledPair::load(bool isChinese, const QStringList &directories)
 {
-    const Family own = isChinese ? Family::chinese : Family::openai;
-    const Family other = isChinese ? Family::openai : Family::chinese;
-    const auto ownVision = find(FamilyFiles::of(own).vision, directories);
-    const auto ownText = find(FamilyFiles::of(own).text, directories);
-    const auto vision = ownVision ? ownVision : find(FamilyFiles::of(other).vision, directories);
-    const auto text = ownText ? ownText : find(FamilyFiles::of(other).text, directories);
+    const auto [vision, isOwnVision] = findEither(QStringLiteral("VisionEncoder"), isChinese, directories);
+    const auto [text, isOwnText] = findEither(QStringLiteral("TextEncoder"), isChinese, directories);
     const QString remedy = QStringLiteral("import a pair with \"qorvane-encoders import\"");
     if (!vision || !text) {
         return problem(
@@ -79,11 +65,10 @@ Outcome<InstalledPair> InstalledPair::load(bool isChinese, const QStringList &di
                 .arg(vision ? QStringLiteral("text") : QStringLiteral("vision"), placesText(directories)),
             remedy);
     }
-    if (ownVision.has_value() != ownText.has_value()) {
+    if (isOwnVision != isOwnText) {
         return problem(QStringLiteral("both encoders of one family"),
                        QStringLiteral("%1 beside %2").arg(*vision, *text), remedy);
     }
-    const Family family = ownVision ? own : other;
     QString error;
     EncoderPair encoders;
     encoders.vision = VisionEncoder::load(*vision, &error);
@@ -94,7 +79,7 @@ Outcome<InstalledPair> InstalledPair::load(bool isChinese, const QStringList &di
                        QStringLiteral("%1: %2").arg(encoders.vision ? *text : *vision, error), remedy);
     }
     // As in the application, the vocabulary follows the language, whatever family stands in.
-    InstalledPair pair(family, std::move(encoders), TokenizerService(isChinese, directories));
+    InstalledPair pair(std::move(encoders), TokenizerService(isChinese, directories));
     pair.m_visionPath = *vision;
     pair.m_textPath = *text;
     return pair;

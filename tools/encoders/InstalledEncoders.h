@@ -12,21 +12,6 @@
 
 namespace Qorvane::Encoders {
 
-/// The two families that the application looks for, by the names of their files.
-enum class Family { chinese, openai };
-
-/// What one family's three files are called.
-struct FamilyFiles
-{
-    QString vision;
-    QString text;
-    QString vocabulary;
-
-    static FamilyFiles of(Family family);
-
-    friend bool operator==(const FamilyFiles &, const FamilyFiles &) = default;
-};
-
 /// A pair of encoders with the tokenizer that goes with it, embedding as the application does.
 class InstalledPair
 {
@@ -40,16 +25,14 @@ public:
     Outcome<std::vector<float>> embedPicture(const QImage &thumbnail) const;
     Outcome<std::vector<float>> embedText(const QString &text) const;
 
-    Family family() const { return m_family; }
     const QString &visionPath() const { return m_visionPath; }
     const QString &textPath() const { return m_textPath; }
 
 private:
-    InstalledPair(Family family, EncoderPair encoders, TokenizerService tokenizer);
+    InstalledPair(EncoderPair encoders, TokenizerService tokenizer);
 
     TokenizerService::EncodedText encoded(const QString &text) const;
 
-    Family m_family;
     EncoderPair m_encoders;
     TokenizerService m_tokenizer;
     QString m_visionPath;
