@@ -38,7 +38,8 @@ QFuture<EncoderPair> loadInBackground(bool isChinese)
     promise->start();
     DetachedTask::start(QualityOfService::utility, [promise, isChinese](const TaskHandle &) {
         promise->addResult(loadEncoders(findEncoders(isChinese)));
-        QMetaObject::invokeMethod(qApp, [promise] { promise->finish(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            qApp, [promise] { promise->finish(); }, Qt::QueuedConnection);
     });
     return promise->future();
 }

@@ -188,9 +188,11 @@ TEST_F(ChineseClipServiceTest, keepsTheLinesOfSeveralPicturesAtWorkTogether)
 TEST_F(ChineseClipServiceTest, doesTheWorkOfAPictureOffTheGuiThread)
 {
     const auto service = loadedService();
-    // Nothing has been decoded or encoded when the call returns; the result needs a turn of the event loop.
-    const Image lazy = Image::fromFile(makePicture(QStringLiteral("lazy.png"), Qt::green).path());
-    auto task = service->extractImageFeatures(lazy);
+    // Nothing has been decoded or encoded when the call returns. The picture is so large that its decoding
+    // takes thousands of times the processor time of the call, on a busy machine too.
+    const FileUrl large = url(QStringLiteral("large.jpg"));
+    ASSERT_TRUE(plainPicture(Qt::green, {4000, 4000}).save(large.path()));
+    auto task = service->extractImageFeatures(Image::fromFile(large.path()));
     EXPECT_FALSE(task.isReady());
     EXPECT_TRUE(await(std::move(task)));
 }
