@@ -2,6 +2,7 @@
 
 #include "encoders/Console.h"
 #include "encoders/compare/CompareCommand.h"
+#include "encoders/import/ImportCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -13,6 +14,7 @@ namespace {
 
 // In the order of the help text.
 constexpr std::array commands{
+    AddCommand{addImportCommand},
     AddCommand{addCompareCommand},
 };
 

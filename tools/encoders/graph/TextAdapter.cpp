@@ -1,6 +1,7 @@
 #include "encoders/graph/Adapters.h"
 #include "encoders/graph/GraphFrame.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace Qorvane::Encoders {
@@ -10,17 +11,22 @@ namespace {
 // Tokens that the application sends.
 constexpr int ourContext = 77;
 
-/// The first `length` columns of ids or mask, or all of them and `filler` behind.
-std::string resized(GraphBuilder &builder, const std::string &values, int length, int filler)
+/// The first `length` columns.
+std::string cut(GraphBuilder &builder, const std::string &values, int length)
 {
-    if (length == ourContext)
+    if (length >= ourContext)
         return values;
-    if (length < ourContext) {
-        std::vector<std::int64_t> kept(static_cast<size_t>(length));
-        std::iota(kept.begin(), kept.end(), 0);
-        return builder.node("Gather", {values, builder.int64s("kept_tokens", {length}, kept)}, {{"axis", 1}});
-    }
+    std::vector<std::int64_t> kept(static_cast<size_t>(length));
+    std::iota(kept.begin(), kept.end(), 0);
+    return builder.node("Gather", {values, builder.int64s("kept_tokens", {length}, kept)}, {{"axis", 1}});
+}
+
+/// All columns and behind them as many of `filler` as make `length`.
+std::string padded(GraphBuilder &builder, const std::string &values, int length, int filler)
+{
     const int missing = length - ourContext;
+    if (missing <= 0)
+        return values;
     const auto more = builder.int32s("more_padding", {1, missing},
                                      std::vector<std::int32_t>(static_cast<size_t>(missing), filler));
     return builder.node("Concat", {values, more}, {{"axis", 1}});
@@ -36,13 +42,14 @@ std::string chosen(GraphBuilder &builder, const std::string &values, const std::
 }
 
 /// The ids with the end token in the last place when a text fills it, since a cut took it away: in the
-/// application, or here.
+/// application, or here. Without one many models give nonsense.
 std::string withEndToken(GraphBuilder &builder, const std::string &ids, const std::string &mask,
                          const TextForm &form)
 {
-    std::vector<std::int32_t> onlyLast(static_cast<size_t>(form.context), 0);
+    const int length = std::min(form.context, ourContext);
+    std::vector<std::int32_t> onlyLast(static_cast<size_t>(length), 0);
     onlyLast.back() = 1;
-    const auto last = builder.int32s("last_place", {1, form.context}, onlyLast);
+    const auto last = builder.int32s("last_place", {1, length}, onlyLast);
     return chosen(builder, ids, builder.node("Mul", {mask, last}), form.endToken);
 }
 
@@ -65,9 +72,10 @@ QStringList adaptText(onnx::ModelProto &model, const TextForm &form)
     std::string ids = builder.input("input_ids", onnx::TensorProto::INT32, {1, ourContext});
     std::string mask = builder.input("attention_mask", onnx::TensorProto::INT32, {1, ourContext});
 
-    ids = resized(builder, ids, form.context, form.padToken);
-    mask = resized(builder, mask, form.context, 0);
-    ids = withEndToken(builder, ids, mask, form);
+    mask = cut(builder, mask, form.context);
+    ids = withEndToken(builder, cut(builder, ids, form.context), mask, form);
+    ids = padded(builder, ids, form.context, form.padToken);
+    mask = padded(builder, mask, form.context, 0);
     if (form.context < ourContext)
         said.append(QStringLiteral("texts cut to %1 tokens, the end token kept").arg(form.context));
     if (form.context > ourContext)

@@ -1,0 +1,166 @@
+#include "encoders/import/EncoderInstall.h"
+
+#include "tools/encoders/import/SyntheticModels.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Qorvane::Encoders;
+
+namespace {
+
+const QStringList names{QStringLiteral("vocab.json"), QStringLiteral("ClipVisionEncoder.onnx"),
+                        QStringLiteral("ClipTextEncoder.onnx")};
+
+class EncoderInstallTest : public testing::Test
+{
+protected:
+    QString models() const { return m_folder.filePath(QStringLiteral("models")); }
+    QString at(const QString &name) const { return models() + u'/' + name; }
+
+    static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
+    }
+
+    Outcome<bool> installAs(const QByteArray &content, const std::function<void()> &onStep = {}) const
+    {
+        auto install = EncoderInstall::begin(models());
+        if (!install)
+            return tl::unexpected(install.error());
+        for (const QString &name : names)
+            Synthetic::writeFile(install->staging() + u'/' + name, content);
+        return install->commit(Family::openai, names, onStep);
+    }
+
+    /// The content of all three files, or "mixed".
+    QByteArray set() const
+    {
+        const QByteArray first = contentOf(at(names.constFirst()));
+        for (const QString &name : names) {
+            if (contentOf(at(name)) != first)
+                return "mixed";
+        }
+        return first;
+    }
+
+    QStringList beside() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_F(EncoderInstallTest, MakesTheFolderAndLeavesNothingBesideIt)
+{
+    const auto done = installAs("new");
+    ASSERT_TRUE(done) << done.error().text().toStdString();
+    EXPECT_TRUE(*done);
+    EXPECT_EQ(set(), "new");
+    EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+}
+
+TEST_F(EncoderInstallTest, KeepsOtherFilesAndRemovesWhatTheOldSetHadMore)
+{
+    ASSERT_TRUE(installAs("old"));
+    Synthetic::writeFile(at(QStringLiteral("ClipVisionEncoder.onnx.data")), "old weights");
+    Synthetic::writeFile(at(QStringLiteral("ClipLicence.txt")), "old licence");
+    Synthetic::writeFile(at(QStringLiteral("ChineseClipVisionEncoder.onnx")), "other");
+    Synthetic::writeFile(at(QStringLiteral("notes.txt")), "mine");
+    ASSERT_TRUE(QFile::link(QStringLiteral("notes.txt"), at(QStringLiteral("link"))));
+
+    ASSERT_TRUE(installAs("new").value_or(false));
+    EXPECT_EQ(set(), "new");
+    EXPECT_EQ(contentOf(at(QStringLiteral("ChineseClipVisionEncoder.onnx"))), "other");
+    EXPECT_EQ(contentOf(at(QStringLiteral("notes.txt"))), "mine");
+    EXPECT_EQ(contentOf(at(QStringLiteral("link"))), "mine");
+    EXPECT_FALSE(QFile::exists(at(QStringLiteral("ClipVisionEncoder.onnx.data"))));
+    EXPECT_FALSE(QFile::exists(at(QStringLiteral("ClipLicence.txt"))));
+}
+
+TEST_F(EncoderInstallTest, ChangesNothingWithoutCommit)
+{
+    ASSERT_TRUE(installAs("old"));
+    {
+        auto install = EncoderInstall::begin(models());
+        ASSERT_TRUE(install);
+        Synthetic::writeFile(install->staging() + QStringLiteral("/vocab.json"), "new");
+    }
+    EXPECT_EQ(set(), "old");
+    EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+}
+
+TEST_F(EncoderInstallTest, ReplacesWhatALinkedFolderHolds)
+{
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("real")));
+    ASSERT_TRUE(QFile::link(m_folder.filePath(QStringLiteral("real")), models()));
+    ASSERT_TRUE(installAs("new").value_or(false));
+    EXPECT_EQ(contentOf(m_folder.filePath(QStringLiteral("real/vocab.json"))), "new");
+    EXPECT_TRUE(QFileInfo(models()).isSymLink());
+}
+
+TEST_F(EncoderInstallTest, RenamesOneByOneWhereFoldersLieInside)
+{
+    ASSERT_TRUE(installAs("old"));
+    ASSERT_TRUE(QDir(models()).mkdir(QStringLiteral("sub")));
+    Synthetic::writeFile(at(QStringLiteral("sub/file")), "mine");
+    Synthetic::writeFile(at(QStringLiteral("ClipTextEncoder.onnx.data")), "old weights");
+    const auto done = installAs("new");
+    ASSERT_TRUE(done) << done.error().text().toStdString();
+    EXPECT_FALSE(*done);
+    EXPECT_EQ(set(), "new");
+    EXPECT_EQ(contentOf(at(QStringLiteral("sub/file"))), "mine");
+    EXPECT_FALSE(QFile::exists(at(QStringLiteral("ClipTextEncoder.onnx.data"))));
+    EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+}
+
+TEST_F(EncoderInstallTest, LeavesTheOldOrTheNewSetWhenKilledAtAnyStep)
+{
+    ASSERT_TRUE(installAs("old"));
+    Synthetic::writeFile(at(QStringLiteral("ChineseClipVisionEncoder.onnx")), "other");
+    QList<QByteArray> after;
+    bool isKilled = true;
+    for (int step = 0; isKilled; ++step) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            int left = step;
+            const auto done = installAs("new", [&left] {
+                if (left-- == 0)
+                    _exit(1);
+            });
+            _exit(done ? 0 : 2);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        ASSERT_NE(WEXITSTATUS(status), 2);
+        isKilled = WEXITSTATUS(status) == 1;
+        after.append(set());
+        EXPECT_TRUE(after.constLast() == "old" || after.constLast() == "new") << step;
+        EXPECT_EQ(contentOf(at(QStringLiteral("ChineseClipVisionEncoder.onnx"))), "other");
+        ASSERT_TRUE(installAs("old"));
+        // What the killed one left behind is gone with the next.
+        EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+    }
+    EXPECT_GE(after.size(), 4);
+    EXPECT_TRUE(after.contains("old"));
+    EXPECT_EQ(after.constLast(), "new");
+}
+
+TEST_F(EncoderInstallTest, SaysWhenTheFolderCannotBeMade)
+{
+    Synthetic::writeFile(models(), "a file in its place");
+    const auto install = EncoderInstall::begin(models());
+    ASSERT_FALSE(install);
+    EXPECT_TRUE(install.error().text().contains(models()));
+}
+
+} // namespace

@@ -1,0 +1,369 @@
+#include "tools/encoders/import/ImportFixture.h"
+
+#include <QFileInfo>
+
+using namespace Qorvane;
+using namespace Qorvane::Encoders;
+using namespace Qorvane::Encoders::Synthetic;
+
+namespace {
+
+const QByteArray clipPreprocessing = R"({"crop_size": 224, "do_center_crop": true, "do_normalize": true,
+    "do_resize": true, "feature_extractor_type": "CLIPFeatureExtractor",
+    "image_mean": [0.48145466, 0.4578275, 0.40821073], "image_std": [0.26862954, 0.26130258, 0.27577711],
+    "resample": 3, "size": 224})";
+
+constexpr TokensForm chineseTokens{.context = 77, .endToken = 102, .padding = 0};
+
+struct Variant
+{
+    const char *suffix;
+    Precision precision;
+    bool has16BitTensors;
+    double atLeast;
+};
+constexpr std::array<Variant, 4> variants{{{"", Precision::fp32, false, exactly},
+                                           {"_fp16", Precision::fp16, false, nearly},
+                                           {"_fp16", Precision::fp16, true, nearly},
+                                           {"_quantized", Precision::int8, false, nearly}}};
+
+class ImportLayouts : public ImportFixture, public testing::WithParamInterface<Variant>
+{
+protected:
+    QString graph(const char *stem) const
+    {
+        return published(QStringLiteral("onnx/%1%2.onnx")
+                             .arg(QLatin1StringView(stem), QLatin1StringView(GetParam().suffix)));
+    }
+
+    VisionSpec vision() const
+    {
+        VisionSpec spec;
+        spec.precision = GetParam().precision;
+        spec.has16BitTensors = GetParam().has16BitTensors;
+        return spec;
+    }
+
+    TextSpec text() const
+    {
+        TextSpec spec;
+        spec.precision = GetParam().precision;
+        return spec;
+    }
+
+    void writeSplitDescriptions() const
+    {
+        writeFile(published("config.json"),
+                  R"({"model_type": "clip", "text_config": {"max_position_embeddings": 77,
+            "eos_token_id": 2, "pad_token_id": 1}, "vision_config": {"image_size": 224}, "projection_dim": 512})");
+        writeFile(published("preprocessor_config.json"), clipPreprocessing);
+        writeFile(published("vocab.json"), openaiVocabulary());
+        writeFile(published("merges.txt"), "#version: 0.2\nt h\n");
+        writeFile(published("tokenizer.json"),
+                  R"({"model": {"type": "BPE", "vocab": {"a": 64}, "merges": []}})");
+        writeFile(published("tokenizer_config.json"),
+                  R"({"model_max_length": 77, "pad_token": "<|endoftext|>"})");
+    }
+
+    void expectSame(Family family, const QString &visionFile, const QString &textFile,
+                    const TokensForm &tokens = {})
+    {
+        expectSamePictures(family, visionFile, {}, GetParam().atLeast);
+        expectSameTexts(family, textFile, tokens, GetParam().atLeast);
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Precisions, ImportLayouts, testing::ValuesIn(variants), [](const auto &tested) {
+    return tested.index == 0   ? "fp32"
+           : tested.index == 1 ? "fp16"
+           : tested.index == 2 ? "fp16Tensors"
+                               : "int8";
+});
+
+TEST_P(ImportLayouts, TransformersJsSplit)
+{
+    TextSpec tokens = text();
+    tokens.isContextOpen = true;
+    writeModel(graph("vision_model"), visionModel(vision()));
+    writeModel(graph("text_model"), textModel(tokens));
+    writeSplitDescriptions();
+    expectImport();
+    EXPECT_EQ(m_report.family, Family::openai);
+    expectSame(Family::openai, graph("vision_model"), graph("text_model"));
+}
+
+TEST_P(ImportLayouts, TransformersJsSplitWithMask)
+{
+    TextSpec tokens = text();
+    tokens.isContextOpen = true;
+    tokens.mask = "attention_mask";
+    VisionSpec pictures = vision();
+    pictures.isSideOpen = true;
+    writeModel(graph("vision_model"), visionModel(pictures));
+    writeModel(graph("text_model"), textModel(tokens));
+    writeSplitDescriptions();
+    expectImport();
+    expectSame(Family::openai, graph("vision_model"), graph("text_model"));
+}
+
+TEST_P(ImportLayouts, TransformersJsJoint)
+{
+    TextSpec tokens = text();
+    tokens.isContextOpen = true;
+    tokens.isMaskedMean = true;
+    tokens.mask = "attention_mask";
+    tokens.vocabularySize = 21128;
+    writeModel(graph("model"), jointModel(vision(), tokens));
+    // The towers of the very same weights alone are the reference.
+    const QString visionFile = m_vocabularies.filePath(QStringLiteral("vision.onnx"));
+    const QString textFile = m_vocabularies.filePath(QStringLiteral("text.onnx"));
+    writeModel(visionFile, visionModel(vision()));
+    writeModel(textFile, textModel(tokens));
+    writeFile(published("config.json"), R"({"model_type": "chinese_clip", "text_config":
+        {"max_position_embeddings": 512}, "vision_config": {"image_size": 224}})");
+    writeFile(published("preprocessor_config.json"),
+              R"({"do_center_crop": false, "crop_size": {"height": 200, "width": 200}, "do_normalize": true,
+                  "image_mean": [0.48145466, 0.4578275, 0.40821073], "image_std": [0.26862954, 0.26130258, 0.27577711],
+                  "resample": 3, "rescale_factor": 0.00392156862745098, "size": {"height": 224, "width": 224}})");
+    writeFile(published("vocab.txt"), chineseVocabularyLines());
+    expectImport();
+    EXPECT_EQ(m_report.family, Family::chinese);
+    expectSame(Family::chinese, visionFile, textFile, chineseTokens);
+    // Each tower without the other.
+    const auto installedVision = OnnxGraph::load(installed("ChineseClipVisionEncoder.onnx"));
+    const auto original = OnnxGraph::load(graph("model"));
+    ASSERT_TRUE(installedVision && original);
+    EXPECT_LT(QFileInfo(installedVision->path()).size(), QFileInfo(original->path()).size() / 2);
+}
+
+TEST_F(ImportFixture, ServerStylePair)
+{
+    VisionSpec vision;
+    vision.input = "image";
+    vision.output = "embedding";
+    vision.batch = 1;
+    vision.isNormalised = true;
+    TextSpec text;
+    text.ids = "text";
+    text.output = "embedding";
+    text.type = onnx::TensorProto::INT32;
+    text.batch = 1;
+    text.isNormalised = true;
+    writeModel(published("visual/model.onnx"), visionModel(vision));
+    writeModel(published("textual/model.onnx"), textModel(text));
+    writeFile(published("config.json"), R"({"embed_dim": 512, "vision_cfg": {"image_size": 224},
+        "text_cfg": {"context_length": 77, "vocab_size": 49408}})");
+    writeFile(published("visual/preprocess_cfg.json"),
+              R"({"size": [224, 224], "mode": "RGB", "mean": [0.48145466, 0.4578275, 0.40821073],
+                  "std": [0.26862954, 0.26130258, 0.27577711], "interpolation": "bicubic", "resize_mode": "shortest"})");
+    writeFile(
+        published("textual/tokenizer.json"),
+        R"({"added_tokens": [{"id": 49407, "content": "<|endoftext|>"}], "model": {"type": "BPE", "vocab": )" +
+            openaiVocabulary() + "}}");
+    expectImport();
+    EXPECT_EQ(m_report.family, Family::openai);
+    expectSamePictures(Family::openai, published("visual/model.onnx"), {}, exactly);
+    expectSameTexts(Family::openai, published("textual/model.onnx"), {}, exactly);
+}
+
+TEST_F(ImportFixture, ChineseClipsOwnExport)
+{
+    VisionSpec vision;
+    vision.input = "image";
+    vision.output = "unnorm_image_features";
+    TextSpec text;
+    text.ids = "text";
+    text.output = "unnorm_text_features";
+    text.context = 52;
+    text.vocabularySize = 21128;
+    const QString picture = QStringLiteral("vit-b-16.img.fp32.onnx");
+    const QString sentence = QStringLiteral("vit-b-16.txt.fp32.onnx");
+    writeModelWithWeightsBeside(published(picture), visionModel(vision),
+                                picture + QStringLiteral(".extra_file"));
+    writeModelWithWeightsBeside(published(sentence), textModel(text),
+                                sentence + QStringLiteral(".extra_file"));
+    writeFile(published("vocab.txt"), chineseVocabularyLines().replace('\n', "\r\n"));
+    expectImport();
+    EXPECT_EQ(m_report.family, Family::chinese);
+    expectSamePictures(Family::chinese, published(picture), {}, exactly);
+    expectSameTexts(Family::chinese, published(sentence), {.context = 52, .endToken = 102, .padding = 0},
+                    exactly);
+}
+
+TEST_F(ImportFixture, WeightsThatDoNotFitAreCarriedAlongBeside)
+{
+    TextSpec text;
+    writeModelWithWeightsBeside(published("visual.onnx"), visionModel({}), QStringLiteral("v.data"));
+    writeModelWithWeightsBeside(published("textual.onnx"), textModel(text), QStringLiteral("t.data"));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    ImportRequest request;
+    request.paths = {published()};
+    request.destination = installed();
+    request.singleFile = 4000;
+    const auto report = importEncoders(request, [](double, const QString &) {});
+    ASSERT_TRUE(report) << report.error().text().toStdString();
+    EXPECT_TRUE(QFileInfo(installed("ClipVisionEncoder.onnx.data")).isFile());
+    EXPECT_TRUE(QFileInfo(installed("ClipTextEncoder.onnx.data")).isFile());
+    expectSamePictures(Family::openai, published("visual.onnx"), {}, exactly);
+    expectSameTexts(Family::openai, published("textual.onnx"), {}, exactly);
+}
+
+TEST_F(ImportFixture, RclipStyleWithTheVocabularyThatIsInstalled)
+{
+    VisionSpec vision;
+    vision.input = "input";
+    vision.output = "output";
+    vision.side = 256;
+    TextSpec text;
+    text.ids = "input";
+    text.output = "output";
+    writeModel(published("visual.onnx"), visionModel(vision));
+    writeModel(published("textual.onnx"), textModel(text));
+
+    const auto without = importFolder();
+    ASSERT_FALSE(without);
+    EXPECT_TRUE(without.error().text().contains(QStringLiteral("vocab.json")));
+    EXPECT_FALSE(QFileInfo::exists(installed("ClipVisionEncoder.onnx")));
+
+    writeFile(m_vocabularies.filePath(QStringLiteral("vocab.json")), openaiVocabulary());
+    expectImport();
+    PictureForm form;
+    form.side = 256;
+    expectSamePictures(Family::openai, published("visual.onnx"), form, exactly);
+    expectSameTexts(Family::openai, published("textual.onnx"), {}, exactly);
+}
+
+struct PictureVariant
+{
+    const char *name;
+    VisionSpec spec;
+    PictureForm form;
+    const char *preprocessing;
+};
+
+class ImportPictures : public ImportFixture, public testing::WithParamInterface<PictureVariant>
+{
+};
+
+PictureVariant sized(const char *name, int side, Kernel kernel, const char *preprocessing)
+{
+    PictureVariant variant{name, {}, {}, preprocessing};
+    variant.spec.side = side;
+    variant.form.side = side;
+    variant.form.kernel = kernel;
+    return variant;
+}
+
+std::vector<PictureVariant> pictureVariants()
+{
+    std::vector<PictureVariant> all{
+        sized("larger", 336, Kernel::bicubic, R"({"size": {"shortest_edge": 336}, "resample": 3})"),
+        sized("smaller", 160, Kernel::bicubic, R"({"size": 160, "resample": 3})"),
+        sized("muchSmallerBilinear", 64, Kernel::bilinear, R"({"size": 64, "interpolation": "bilinear"})"),
+    };
+    PictureVariant open =
+        sized("openSide", 288, Kernel::bicubic, R"({"crop_size": {"height": 288, "width": 288}})");
+    open.spec.isSideOpen = true;
+    all.push_back(open);
+
+    PictureVariant imageNet{"otherNormalisation",
+                            {},
+                            {},
+                            R"({"image_mean": [0.485, 0.456, 0.406], "image_std": [0.229, 0.224, 0.225]})"};
+    imageNet.form.mean = {0.485, 0.456, 0.406};
+    imageNet.form.deviation = {0.229, 0.224, 0.225};
+    all.push_back(imageNet);
+
+    PictureVariant plain{"withoutNormalisation", {}, {}, R"({"do_normalize": false})"};
+    plain.form.mean = {0, 0, 0};
+    plain.form.deviation = {1, 1, 1};
+    all.push_back(plain);
+
+    PictureVariant bytes{
+        "coloursTo255BlueFirst",
+        {},
+        {},
+        R"({"do_rescale": false, "mean": [120, 110, 100], "std": [60, 61, 62], "mode": "BGR"})"};
+    bytes.form.scale = 255;
+    bytes.form.mean = {120, 110, 100};
+    bytes.form.deviation = {60, 61, 62};
+    bytes.form.isBlueFirst = true;
+    all.push_back(bytes);
+
+    PictureVariant last =
+        sized("channelsLast", 240, Kernel::bicubic, R"({"size": [240, 240], "interpolation": "bicubic"})");
+    last.spec.isChannelsLast = true;
+    last.form.isChannelsLast = true;
+    last.spec.batch = 1;
+    all.push_back(last);
+
+    PictureVariant ours{"applicationsOwnNames", {}, {}, "{}"};
+    ours.spec.output = "image_features";
+    ours.spec.batch = 1;
+    all.push_back(ours);
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, ImportPictures, testing::ValuesIn(pictureVariants()),
+                         [](const auto &tested) { return tested.param.name; });
+
+TEST_P(ImportPictures, GiveWhatTheOriginalGives)
+{
+    writeModel(published("visual.onnx"), visionModel(GetParam().spec));
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    writeFile(published("preprocessor_config.json"), GetParam().preprocessing);
+    expectImport();
+    expectSamePictures(Family::openai, published("visual.onnx"), GetParam().form, exactly);
+}
+
+struct TextVariant
+{
+    const char *name;
+    TextSpec spec;
+    TokensForm form;
+};
+
+class ImportTexts : public ImportFixture, public testing::WithParamInterface<TextVariant>
+{
+};
+
+std::vector<TextVariant> textVariants()
+{
+    TextVariant shorter{"shorterContext", {}, {}};
+    shorter.spec.context = shorter.form.context = 52;
+    TextVariant longer{"longerContext", {}, {}};
+    longer.spec.context = longer.form.context = 128;
+    longer.spec.mask = "attention_mask";
+    TextVariant int32{"int32WithMask", {}, {}};
+    int32.spec.type = onnx::TensorProto::INT32;
+    int32.spec.mask = "attention_mask";
+    TextVariant types{"tokenTypesAndPositions", {}, {}};
+    types.spec.mask = "attention_mask";
+    types.spec.tokenTypes = "token_type_ids";
+    types.spec.positions = "position_ids";
+    types.spec.isMaskedMean = true;
+    TextVariant fixed{"batchOfOneNormalised", {}, {}};
+    fixed.spec.batch = 1;
+    fixed.spec.isNormalised = true;
+    TextVariant ours{"applicationsOwnNames", {}, {}};
+    ours.spec.type = onnx::TensorProto::INT32;
+    ours.spec.mask = "attention_mask";
+    ours.spec.output = "text_features";
+    ours.spec.batch = 1;
+    return {shorter, longer, int32, types, fixed, ours};
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, ImportTexts, testing::ValuesIn(textVariants()),
+                         [](const auto &tested) { return tested.param.name; });
+
+TEST_P(ImportTexts, GiveWhatTheOriginalGives)
+{
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel(GetParam().spec));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    expectImport();
+    expectSameTexts(Family::openai, published("textual.onnx"), GetParam().form, exactly);
+}
+
+} // namespace

@@ -1,0 +1,85 @@
+#include "encoders/import/ImportCommand.h"
+
+#include "encoders/Console.h"
+#include "encoders/import/Importer.h"
+#include "platform/Bundle.h"
+#include "platform/Directories.h"
+#include "platform/Log.h"
+
+#include <CLI/CLI.hpp>
+
+namespace Qorvane::Encoders {
+
+namespace {
+
+struct ImportArguments
+{
+    std::vector<std::string> paths;
+    std::string family;
+    std::string destination;
+};
+
+void printLines(Console &console, const QString &heading, const QStringList &lines)
+{
+    for (const QString &line : lines)
+        console.print(heading + QStringLiteral(": ") + line);
+}
+
+int runImport(const ImportArguments &arguments, Console &console)
+{
+    ImportRequest request;
+    for (const std::string &path : arguments.paths)
+        request.paths.append(QString::fromLocal8Bit(path.c_str()));
+    if (!arguments.family.empty())
+        request.family = arguments.family == "chinese" ? Family::chinese : Family::openai;
+    request.destination = QString::fromLocal8Bit(arguments.destination.c_str());
+    if (request.destination.isEmpty()) {
+        const auto data = Directories::applicationSupport();
+        if (!data)
+            return console.report({QStringLiteral("a folder for your application data"),
+                                   QStringLiteral("none"),
+                                   QStringLiteral("set HOME or XDG_DATA_HOME, or name a folder with --out")});
+        request.destination = *data + QStringLiteral("/Qorvane/models");
+    }
+    request.vocabularyFolders = QStringList{request.destination} + Bundle::resourceDirectories();
+
+    // The tokenizer tells its mode there; the report says the family.
+    Log::setSink([](const QString &) {});
+    const auto report = importEncoders(request, [&console](double fraction, const QString &activity) {
+        console.showProgress(fraction, activity);
+    });
+    Log::setSink({});
+    console.finishProgress();
+    if (!report)
+        return console.report(report.error());
+    printLines(console, QStringLiteral("recognised"), report->recognised);
+    printLines(console, QStringLiteral("adapted"), report->adapted);
+    printLines(console, QStringLiteral("mind"), report->missing);
+    console.print(QStringLiteral("self-test: vectors of %1 numbers, %2 of %3 drawings with their captions")
+                      .arg(report->selfTest.dimension)
+                      .arg(report->selfTest.ranked)
+                      .arg(report->selfTest.pairs));
+    console.print(
+        QStringLiteral("installed in %1; pictures indexed with other encoders must be indexed again")
+            .arg(request.destination));
+    return ExitCode::success;
+}
+
+} // namespace
+
+void addImportCommand(CLI::App &app, CommandBody &chosen)
+{
+    const auto arguments = std::make_shared<ImportArguments>();
+    CLI::App *command =
+        app.add_subcommand("import", "Adapts a published CLIP model in ONNX form to Qorvane and installs it");
+    command->add_option("PATH", arguments->paths, "Folder of the model, or its files")->required();
+    command->add_option("--family", arguments->family, "Which family it is, when its vocabulary doesn't tell")
+        ->check(CLI::IsMember({"chinese", "openai"}));
+    command->add_option("--out", arguments->destination,
+                        "Where to install it; $XDG_DATA_HOME/Qorvane/models if not given");
+    command->callback([arguments, &chosen] {
+        chosen = [arguments](Console &console) { return runImport(*arguments, console); };
+    });
+}
+
+} // namespace Qorvane::Encoders
