@@ -1,12 +1,13 @@
 #include "encoders/import/ImportCommand.h"
 
 #include "encoders/Console.h"
+#include "encoders/QuietLog.h"
 #include "encoders/import/Importer.h"
 #include "platform/Bundle.h"
 #include "platform/Directories.h"
-#include "platform/Log.h"
 
 #include <CLI/CLI.hpp>
+#include <memory>
 
 namespace Qorvane::Encoders {
 
@@ -43,12 +44,12 @@ int runImport(const ImportArguments &arguments, Console &console)
     }
     request.vocabularyFolders = QStringList{request.destination} + Bundle::resourceDirectories();
 
-    // The tokenizer tells its mode there; the report says the family.
-    Log::setSink([](const QString &) {});
-    const auto report = importEncoders(request, [&console](double fraction, const QString &activity) {
-        console.showProgress(fraction, activity);
-    });
-    Log::setSink({});
+    const auto report = [&] {
+        const QuietLog quiet;
+        return importEncoders(request, [&console](double fraction, const QString &activity) {
+            console.showProgress(fraction, activity);
+        });
+    }();
     console.finishProgress();
     if (!report)
         return console.report(report.error());
