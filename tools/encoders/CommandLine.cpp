@@ -1,6 +1,7 @@
 #include "encoders/CommandLine.h"
 
 #include "encoders/Console.h"
+#include "encoders/check/CheckCommand.h"
 #include "encoders/compare/CompareCommand.h"
 #include "encoders/import/ImportCommand.h"
 
@@ -15,6 +16,7 @@ namespace {
 // In the order of the help text.
 constexpr std::array commands{
     AddCommand{addImportCommand},
+    AddCommand{addCheckCommand},
     AddCommand{addCompareCommand},
 };
 
