@@ -1,0 +1,184 @@
+#include "PackageServer.h"
+#include "encoders/starter/NpmPackage.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace Qorvane::Encoders {
+namespace {
+
+QByteArray someContent()
+{
+    QByteArray content;
+    for (int number = 0; number < 20'000; ++number)
+        content += QByteArray::number(number * 7919);
+    return content;
+}
+
+class DownloadTest : public testing::Test
+{
+protected:
+    DownloadTest()
+        : m_pin{.length = m_content.size(), .sha512 = hash(m_content)}
+    {
+    }
+
+    static QByteArray hash(const QByteArray &bytes)
+    {
+        return QCryptographicHash::hash(bytes, QCryptographicHash::Sha512);
+    }
+
+    static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    }
+
+    Outcome<void> run() { return download(m_server.address(), m_path, m_pin, {}); }
+
+    void writePart(const QByteArray &bytes)
+    {
+        QFile file(m_part);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(bytes), bytes.size());
+    }
+
+    const QByteArray m_content = someContent();
+    DownloadPin m_pin;
+    PackageServer m_server{m_content};
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath(QStringLiteral("a.tgz"));
+    QString m_part = m_path + QStringLiteral(".part");
+};
+
+TEST_F(DownloadTest, BringsTheWholeFileAndReportsTheEnd)
+{
+    double last = 0;
+    const Outcome<void> done =
+        download(m_server.address(), m_path, m_pin, [&](double fraction) { last = fraction; });
+    ASSERT_TRUE(done) << done.error().text().toStdString();
+    EXPECT_EQ(contentOf(m_path), m_content);
+    EXPECT_FALSE(QFile::exists(m_part));
+    EXPECT_EQ(last, 1.0);
+}
+
+TEST_F(DownloadTest, GoesOnBehindWhatIsThere)
+{
+    writePart(m_content.first(5000));
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content);
+    EXPECT_EQ(m_server.ranges(), QList<QByteArray>{"bytes=5000-" + QByteArray::number(m_content.size() - 1)});
+}
+
+TEST_F(DownloadTest, AsksAgainWhenTheConnectionBreaks)
+{
+    m_server.breakAfter(m_content.size() / 3);
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content);
+    EXPECT_GE(m_server.ranges().size(), 3);
+}
+
+TEST_F(DownloadTest, KeepsWhatCameWhenTheServerGivesUp)
+{
+    writePart(m_content.first(5000));
+    m_server.breakAfter(0);
+    const Outcome<void> done = run();
+    ASSERT_FALSE(done);
+    EXPECT_TRUE(done.error().found.contains(QStringLiteral("5000 of")));
+    EXPECT_EQ(contentOf(m_part), m_content.first(5000));
+    EXPECT_FALSE(QFile::exists(m_path));
+}
+
+TEST_F(DownloadTest, BeginsAgainWithAServerWithoutRanges)
+{
+    writePart(QByteArray(5000, 'x'));
+    m_server.ignoreRanges();
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content);
+}
+
+TEST_F(DownloadTest, TakesOnlyTheBeginningWhenThatIsPinned)
+{
+    m_pin = {.length = 3000, .sha512 = hash(m_content.first(3000))};
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content.first(3000));
+
+    m_server.ignoreRanges();
+    QFile::remove(m_path);
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content.first(3000));
+}
+
+TEST_F(DownloadTest, DeletesWhatHasTheWrongHash)
+{
+    m_pin.sha512 = hash("something else");
+    const Outcome<void> done = run();
+    ASSERT_FALSE(done);
+    EXPECT_TRUE(done.error().found.contains(QStringLiteral("deleted")));
+    EXPECT_FALSE(QFile::exists(m_path));
+    EXPECT_FALSE(QFile::exists(m_part));
+}
+
+TEST_F(DownloadTest, RefusesAnotherPartThanItAskedFor)
+{
+    writePart(m_content.first(5000));
+    m_server.answerFrom(100);
+    ASSERT_FALSE(run());
+    EXPECT_EQ(contentOf(m_part), m_content.first(5000));
+}
+
+TEST_F(DownloadTest, DropsAPartThatIsTooLong)
+{
+    writePart(m_content + m_content);
+    ASSERT_TRUE(run());
+    EXPECT_EQ(contentOf(m_path), m_content);
+}
+
+TEST_F(DownloadTest, SaysWhatTheServerAnswered)
+{
+    m_server.refuseWith(404);
+    const Outcome<void> done = run();
+    ASSERT_FALSE(done);
+    EXPECT_TRUE(done.error().found.contains(QStringLiteral("404")));
+    EXPECT_EQ(m_server.ranges().size(), 1);
+}
+
+TEST_F(DownloadTest, ACachedPackageIsNotAskedForAgain)
+{
+    int questions = 0;
+    const NpmCache cache(m_folder.filePath(QStringLiteral("cache")),
+                         [&](const QString &title) -> Outcome<QUrl> {
+                             EXPECT_EQ(title, QStringLiteral("@scope/a@1.0.0"));
+                             ++questions;
+                             return m_server.address();
+                         });
+    const NpmPackage package{.name = QStringLiteral("@scope/a"),
+                             .version = QStringLiteral("1.0.0"),
+                             .archive = m_pin,
+                             .licence = {}};
+    const Outcome<QString> first = cache.fetch(package, {});
+    ASSERT_TRUE(first) << first.error().text().toStdString();
+    EXPECT_EQ(contentOf(*first), m_content);
+    EXPECT_EQ(cache.fetch(package, {}), first);
+    EXPECT_EQ(questions, 1);
+}
+
+TEST_F(DownloadTest, ADamagedCachedPackageIsFetchedAgain)
+{
+    const NpmCache cache(m_folder.path(),
+                         [&](const QString &) -> Outcome<QUrl> { return m_server.address(); });
+    const NpmPackage package{
+        .name = QStringLiteral("a"), .version = QStringLiteral("1"), .archive = m_pin, .licence = {}};
+    QFile file(m_folder.filePath(QStringLiteral("a-1.tgz")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(m_content.first(10));
+    file.close();
+    ASSERT_TRUE(cache.fetch(package, {}));
+    EXPECT_EQ(contentOf(file.fileName()), m_content);
+}
+
+} // namespace
+} // namespace Qorvane::Encoders
