@@ -4,6 +4,7 @@
 #include "encoders/check/CheckCommand.h"
 #include "encoders/compare/CompareCommand.h"
 #include "encoders/import/ImportCommand.h"
+#include "encoders/starter/StarterCommand.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -17,6 +18,7 @@ namespace {
 constexpr std::array commands{
     AddCommand{addImportCommand},
     AddCommand{addCheckCommand},
+    AddCommand{addStarterCommand},
     AddCommand{addCompareCommand},
 };
 
