@@ -58,4 +58,7 @@ struct TextForm
 QStringList adaptVision(onnx::ModelProto &model, const VisionForm &form);
 QStringList adaptText(onnx::ModelProto &model, const TextForm &form);
 
+/// Whether the model has been adapted before. A second time would turn its pictures over again.
+bool isAdapted(const onnx::ModelProto &model);
+
 } // namespace Qorvane::Encoders

@@ -1,6 +1,9 @@
 #include "encoders/graph/GraphFrame.h"
 
+#include "encoders/graph/Adapters.h"
 #include "encoders/graph/GraphNames.h"
+
+#include <algorithm>
 
 namespace Qorvane::Encoders {
 
@@ -9,7 +12,15 @@ namespace {
 // From this version on, constants needn't be inputs too.
 constexpr int irVersionOfOwnConstants = 4;
 
+constexpr char adaptedKey[] = "qorvane.adapted";
+
 } // namespace
+
+bool isAdapted(const onnx::ModelProto &model)
+{
+    return std::ranges::any_of(model.metadata_props(),
+                               [](const auto &entry) { return entry.key() == adaptedKey; });
+}
 
 GraphFrame::GraphFrame(onnx::ModelProto &model, const std::vector<std::string> &reserved)
     : m_graph(*model.mutable_graph())
@@ -18,6 +29,9 @@ GraphFrame::GraphFrame(onnx::ModelProto &model, const std::vector<std::string> &
 {
     if (model.ir_version() < irVersionOfOwnConstants)
         model.set_ir_version(irVersionOfOwnConstants);
+    auto *mark = model.add_metadata_props();
+    mark->set_key(adaptedKey);
+    mark->set_value("1");
     m_graph.clear_input();
     m_graph.clear_output();
     m_graph.mutable_node()->Swap(&m_published);

@@ -79,6 +79,11 @@ Outcome<void> Import::recognise()
     if (!towers)
         return tl::unexpected(towers.error());
     m_towers = *std::move(towers);
+    if (isAdapted(m_towers->vision.model()) || isAdapted(m_towers->text.model()))
+        return problem(QStringLiteral("a model as it was published"),
+                       QStringLiteral("%1 and %2, which are imported already")
+                           .arg(m_towers->vision.path(), m_towers->text.path()),
+                       QStringLiteral("copy the installed files as they are, with their vocabulary"));
     if (m_towers->isCut)
         m_report.recognised.append(
             QStringLiteral("%1: pictures and texts in one graph").arg(m_towers->vision.fileName()));

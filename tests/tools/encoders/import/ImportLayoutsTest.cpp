@@ -1,3 +1,4 @@
+#include "encoders/graph/GraphNames.h"
 #include "tools/encoders/import/ImportFixture.h"
 
 #include <QFileInfo>
@@ -231,6 +232,109 @@ TEST_F(ImportFixture, RclipStyleWithTheVocabularyThatIsInstalled)
     form.side = 256;
     expectSamePictures(Family::openai, published("visual.onnx"), form, exactly);
     expectSameTexts(Family::openai, published("textual.onnx"), {}, exactly);
+}
+
+TEST_F(ImportFixture, TakesTheMostPreciseOfSeveralVariants)
+{
+    VisionSpec vision;
+    TextSpec text;
+    writeModel(published("onnx/vision_model.onnx"), visionModel(vision));
+    writeModel(published("onnx/text_model.onnx"), textModel(text));
+    vision.precision = text.precision = Precision::int8;
+    writeModel(published("onnx/vision_model_quantized.onnx"), visionModel(vision));
+    writeModel(published("onnx/text_model_quantized.onnx"), textModel(text));
+    // Not looked at, so it needn't be readable.
+    writeFile(published("onnx/vision_model_q4.onnx"), "nonsense");
+    writeModel(published("onnx/model.onnx"), jointModel({}, {}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    expectImport();
+    expectSamePictures(Family::openai, published("onnx/vision_model.onnx"), {}, exactly);
+    expectSameTexts(Family::openai, published("onnx/text_model.onnx"), {}, exactly);
+    EXPECT_TRUE(m_report.recognised.join(u' ').contains(QStringLiteral("passed over: model.onnx")))
+        << m_report.recognised.join(u'\n').toStdString();
+
+    // Files by name, with the descriptions found above them.
+    const auto named = importPaths(
+        {published("onnx/vision_model_quantized.onnx"), published("onnx/text_model_quantized.onnx")});
+    ASSERT_TRUE(named) << named.error().text().toStdString();
+    expectSamePictures(Family::openai, published("onnx/vision_model_quantized.onnx"), {}, nearly);
+}
+
+TEST_F(ImportFixture, FamilyThatTheUserTells)
+{
+    TextSpec text;
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel(text));
+    writeFile(
+        m_vocabularies.filePath(QStringLiteral("chinese_vocab.json")),
+        R"({"[PAD]": 0, "[UNK]": 100, "[CLS]": 101, "[SEP]": 102, "海": 110, "日": 111, "天": 112, "心": 113})");
+    expectImport(Family::chinese);
+    EXPECT_TRUE(VisionEncoder::load(installed("ChineseClipVisionEncoder.onnx"), nullptr));
+    EXPECT_FALSE(QFileInfo::exists(installed("ClipVisionEncoder.onnx")));
+}
+
+TEST_F(ImportFixture, KeepsTheLicenceAndTheOtherFamily)
+{
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    writeFile(published("README.md"), "---\nlanguage: en\nlicense: mit\n---\n# A model\nlicense: no\n");
+    writeFile(installed("chinese_vocab.json"), "other");
+    expectImport();
+    const auto contentOf = [](const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    EXPECT_TRUE(contentOf(installed("ClipLicence.txt")).endsWith("says:\nlicense: mit\n"));
+    EXPECT_EQ(contentOf(installed("chinese_vocab.json")), "other");
+
+    writeFile(published("LICENSE"), "All of it.");
+    expectImport();
+    EXPECT_EQ(contentOf(installed("ClipLicence.txt")), "All of it.");
+    EXPECT_FALSE(m_report.missing.join(u' ').contains(QStringLiteral("licence")));
+}
+
+TEST_F(ImportFixture, GraphsThatUseTheApplicationsNamesForSomethingElse)
+{
+    VisionSpec vision;
+    vision.input = "image_features";
+    vision.output = "pixel_values";
+    TextSpec text;
+    text.ids = "attention_features";
+    text.output = "input_ids";
+    onnx::ModelProto model = visionModel(vision);
+    // Names as this program gives them.
+    renameValues(*model.mutable_graph(), {{"Tanh", "rows_from_the_last"}, {"Mul", "Gather"}});
+    writeModel(published("visual.onnx"), model);
+    writeModel(published("textual.onnx"), textModel(text));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    expectImport();
+    expectSamePictures(Family::openai, published("visual.onnx"), {}, exactly);
+    expectSameTexts(Family::openai, published("textual.onnx"), {}, exactly);
+}
+
+TEST_F(ImportFixture, OldFilesThatListConstantsAsInputsAndTellNoShapesOfOutputs)
+{
+    onnx::ModelProto vision = visionModel({});
+    vision.set_ir_version(3);
+    for (const auto &tensor : vision.graph().initializer()) {
+        auto &input = *vision.mutable_graph()->add_input();
+        input.set_name(tensor.name());
+        input.mutable_type()->mutable_tensor_type()->set_elem_type(tensor.data_type());
+        for (const auto size : tensor.dims())
+            input.mutable_type()->mutable_tensor_type()->mutable_shape()->add_dim()->set_dim_value(size);
+    }
+    vision.mutable_graph()->mutable_output(0)->mutable_type()->mutable_tensor_type()->clear_shape();
+    vision.mutable_graph()->mutable_output(0)->set_name("anything");
+    for (auto &node : *vision.mutable_graph()->mutable_node()) {
+        if (node.output(0) == "image_embeds")
+            node.set_output(0, "anything");
+    }
+    writeModel(published("visual.onnx"), vision);
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    expectImport();
+    expectSamePictures(Family::openai, published("visual.onnx"), {}, exactly);
 }
 
 struct PictureVariant

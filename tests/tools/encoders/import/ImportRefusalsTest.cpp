@@ -202,6 +202,14 @@ TEST_F(ImportRefusals, TwoModelsInOneFolder)
     expectRefusal("found two");
 }
 
+TEST_F(ImportRefusals, WhatIsImportedAlready)
+{
+    expectImport();
+    const auto report = importPaths({installed()});
+    ASSERT_FALSE(report);
+    EXPECT_TRUE(report.error().text().contains(QStringLiteral("imported already")));
+}
+
 TEST_F(ImportRefusals, LeaveTheOldSetInPlace)
 {
     expectImport();
