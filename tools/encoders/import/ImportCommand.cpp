@@ -2,6 +2,8 @@
 
 #include "encoders/Console.h"
 #include "encoders/QuietLog.h"
+#include "encoders/import/ApartProcess.h"
+#include "encoders/import/EncoderInstall.h"
 #include "encoders/import/Importer.h"
 #include "platform/Bundle.h"
 #include "platform/Directories.h"
@@ -26,7 +28,7 @@ void printLines(Console &console, const QString &heading, const QStringList &lin
         console.print(heading + QStringLiteral(": ") + line);
 }
 
-int runImport(const ImportArguments &arguments, Console &console)
+Outcome<ImportRequest> requestOf(const ImportArguments &arguments)
 {
     ImportRequest request;
     for (const std::string &path : arguments.paths)
@@ -37,13 +39,16 @@ int runImport(const ImportArguments &arguments, Console &console)
     if (request.destination.isEmpty()) {
         const auto data = Directories::applicationSupport();
         if (!data)
-            return console.report({QStringLiteral("a folder for your application data"),
-                                   QStringLiteral("none"),
-                                   QStringLiteral("set HOME or XDG_DATA_HOME, or name a folder with --out")});
+            return problem(QStringLiteral("a folder for your application data"), QStringLiteral("none"),
+                           QStringLiteral("set HOME or XDG_DATA_HOME, or name a folder with --out"));
         request.destination = *data + QStringLiteral("/Qorvane/models");
     }
     request.vocabularyFolders = QStringList{request.destination} + Bundle::resourceDirectories();
+    return request;
+}
 
+int importAndTell(const ImportRequest &request, Console &console)
+{
     const auto report = [&] {
         const QuietLog quiet;
         return importEncoders(request, [&console](double fraction, const QString &activity) {
@@ -64,6 +69,20 @@ int runImport(const ImportArguments &arguments, Console &console)
         QStringLiteral("installed in %1; pictures indexed with other encoders must be indexed again")
             .arg(request.destination));
     return ExitCode::success;
+}
+
+int runImport(const ImportArguments &arguments, Console &console)
+{
+    const auto request = requestOf(arguments);
+    if (!request)
+        return console.report(request.error());
+    if (const auto code = doneApart([&] { return importAndTell(*request, console); }))
+        return *code;
+    // What it left beside the destination goes away with the next beginning, which this is.
+    static_cast<void>(EncoderInstall::begin(request->destination));
+    return console.report({QStringLiteral("a model that can be run"),
+                           QStringLiteral("one that ended the process that tried it"),
+                           QStringLiteral("fetch the model again; if that doesn't help, don't use it")});
 }
 
 } // namespace

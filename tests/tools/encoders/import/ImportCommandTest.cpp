@@ -1,8 +1,13 @@
 #include "encoders/CommandLine.h"
+#include "encoders/import/ApartProcess.h"
 #include "tools/encoders/ConsoleText.h"
 #include "tools/encoders/import/ImportFixture.h"
 
+#include <QDir>
 #include <QFileInfo>
+
+#include <csignal>
+#include <random>
 
 using namespace Qorvane::Encoders;
 using namespace Qorvane::Encoders::Synthetic;
@@ -67,6 +72,49 @@ TEST_F(ImportCommand, TakesNoFamilyThatIsNone)
 {
     EXPECT_EQ(run({published().toStdString(), "--family", "french"}), ExitCode::usage);
     EXPECT_EQ(run({}), ExitCode::usage);
+}
+
+TEST_F(ImportCommand, OutlivesModelsThatEndTheRuntime)
+{
+    // As a damaged one can: some division by zero, or a jump to nowhere.
+    EXPECT_EQ(doneApart([] { return 3; }), 3);
+    EXPECT_EQ(doneApart([]() -> int {
+                  std::raise(SIGKILL);
+                  return 0;
+              }),
+              std::nullopt);
+}
+
+TEST_F(ImportCommand, RefusesDamagedModelsAndGoesOn)
+{
+    // A small graph, for damage to fall on what matters.
+    VisionSpec vision;
+    vision.side = 32;
+    const std::string whole = visionModel(vision).SerializeAsString();
+    // The nodes stand in front, the weights behind.
+    constexpr size_t nodesEnd = 1500;
+    bool isNumber = false;
+    const int asked = qEnvironmentVariableIntValue("QORVANE_DAMAGED_MODELS", &isNumber);
+    const int rounds = isNumber ? asked : 40;
+    std::mt19937 random(7);
+    int refused = 0;
+    for (int round = 0; round < rounds; ++round) {
+        std::string damaged = whole;
+        if (round % 4 == 0)
+            damaged.resize(random() % whole.size());
+        for (int flips = 0; flips < 3 && !damaged.empty(); ++flips)
+            damaged[random() % std::min(damaged.size(), nodesEnd)] ^= static_cast<char>(1u << (random() % 8));
+        writeFile(published("visual.onnx"), QByteArray::fromStdString(damaged));
+        const int code = run({published().toStdString(), "--out", installed().toStdString()});
+        ASSERT_TRUE(code == ExitCode::success || code == ExitCode::failure) << round;
+        refused += code == ExitCode::failure;
+        QStringList left =
+            QDir(m_installed.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        left.removeOne(QStringLiteral("models"));
+        ASSERT_EQ(left, QStringList()) << round;
+    }
+    EXPECT_GT(refused, rounds / 2);
+    EXPECT_TRUE(m_text.messages().contains(QStringLiteral("expected")));
 }
 
 } // namespace
