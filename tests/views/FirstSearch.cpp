@@ -1,0 +1,120 @@
+#include "views/FirstSearch.h"
+
+#include "QorvaneApp.h"
+#include "encoders/StarterEncoders.h"
+#include "encoders/TestEncoders.h"
+#include "semantic/FeatureExtraction.h"
+#include "store/EmbeddingStore.h"
+#include "support/Waiting.h"
+#include "views/ContentView.h"
+
+#include <QElapsedTimer>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+
+#include <ctime>
+#include <random>
+
+namespace Qorvane {
+
+namespace {
+
+const QString word = QStringLiteral("dog");
+constexpr double millisecondsPerSecond = 1e3;
+constexpr double nanosecondsPerSecond = 1e9;
+
+double seconds(const QElapsedTimer &timer)
+{
+    return double(timer.elapsed()) / millisecondsPerSecond;
+}
+
+double processorSeconds()
+{
+    timespec time = {};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) + double(time.tv_nsec) / nanosecondsPerSecond;
+}
+
+// With an encoder and a tokenizer of its own, which are gone when the application makes its.
+std::optional<std::vector<float>> vectorOfWord(QString *error)
+{
+    const QString starter = starterFolder();
+    const auto encoder = TextEncoder::load(starter + QStringLiteral("/ClipTextEncoder.onnx"), error);
+    if (!encoder)
+        return std::nullopt;
+    const TokenizerService tokenizer(false, {starter});
+    constexpr int contextLength = 77;
+    return extractText(*encoder, tokenizer.encode(tokenizer.tokenizeOpenAI(word), contextLength)).vector;
+}
+
+// One picture that is exactly what the word means, among others that mean anything.
+void fillLibrary(int pictureCount, const std::vector<float> &meant)
+{
+    std::mt19937 random(1);
+    std::normal_distribution<float> normal;
+    for (int number = 0; number < pictureCount; ++number) {
+        std::vector<float> vector = meant;
+        if (number > 0) {
+            for (float &value : vector)
+                value = normal(random);
+            vector = normalised(std::move(vector)).values;
+        }
+        EmbeddingStore::shared().upsert(QStringLiteral("/pictures/%1.jpg").arg(number), std::nullopt, vector,
+                                        int(vector.size()), 1);
+    }
+}
+
+} // namespace
+
+std::optional<FirstSearchTimes> measureFirstSearch(int pictureCount, QString *error)
+{
+    if (!installStarter()) {
+        *error = QString::fromLatin1(noStarter);
+        return std::nullopt;
+    }
+    const auto meant = vectorOfWord(error);
+    if (!meant)
+        return std::nullopt;
+    fillLibrary(pictureCount, *meant);
+
+    FirstSearchTimes times;
+    QorvaneApp app;
+    if (!app.openMainWindow() || !QTest::qWaitForWindowActive(app.contentView()->window())) {
+        *error = QStringLiteral("the window doesn't open");
+        return std::nullopt;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    ContentView &view = *app.contentView();
+    if (!waitUntil([&view] { return view.clipService().modelsLoaded(); })) {
+        *error = QStringLiteral("the encoders aren't loaded");
+        return std::nullopt;
+    }
+    times.untilLoaded = seconds(timer);
+
+    auto *const field = view.window()->findChild<QQuickItem *>(QStringLiteral("searchField"));
+    QTest::mouseClick(view.window(), Qt::LeftButton, {},
+                      field->mapToScene(QPointF(field->width() / 2, field->height() / 2)).toPoint());
+    const double processorBefore = processorSeconds();
+    timer.restart();
+    for (const QChar letter : word)
+        QTest::keyClick(view.window(), letter.toLatin1());
+    SearchController &search = *view.state().search();
+    const auto best = [&search] {
+        return search.results().isEmpty() ? 0.0F : search.results().constFirst().similarity;
+    };
+    // Searches for a part of the word don't reach that.
+    constexpr float same = 0.999F;
+    const bool isAnswered = waitUntil([&] { return best() > same; });
+    times.untilAnswered = seconds(timer);
+    times.processorTime = processorSeconds() - processorBefore;
+    times.bestSimilarity = best();
+    if (!isAnswered) {
+        *error = QStringLiteral("\"%1\" doesn't find its picture").arg(search.text());
+        return std::nullopt;
+    }
+    return times;
+}
+
+} // namespace Qorvane
