@@ -26,7 +26,7 @@ install_demo_encoders() {
         demo_queries=("blue sky" "grass" "red" "dark")
     else
         say "The demo uses the starter encoders. They know things and animals well, actions hardly."
-        demo_queries=("mountains" "a lake" "a flower" "beach")
+        demo_queries=("mountains" "an insect" "a flower" "a bridge")
     fi
 }
 
