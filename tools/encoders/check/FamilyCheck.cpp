@@ -111,7 +111,7 @@ QStringList selfTestLines(const Outcome<SelfTestReport> &outcome)
     if (!outcome)
         return {QStringLiteral("  self-test: FAILED: ") + outcome.error().text()};
     const QString remark =
-        outcome->isConvincing() ? QString() : QStringLiteral("; no more than chance would find");
+        outcome->isConvincing() ? QString() : QStringLiteral("; not clearly more than chance would find");
     return {QStringLiteral("  length: %1").arg(outcome->dimension),
             QStringLiteral("  self-test: passed, %1 of %2 drawings found by their captions%3")
                 .arg(outcome->ranked)
