@@ -7,6 +7,7 @@
 #include "encoders/layout/PublishedSettings.h"
 #include "encoders/layout/TowerSearch.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -46,6 +47,7 @@ public:
     Outcome<ImportReport> run();
 
 private:
+    void leaveOutInstalled();
     Outcome<void> recognise();
     Outcome<void> findVocabulary();
     Outcome<void> findForms();
@@ -68,6 +70,20 @@ private:
     ImportReport m_report;
 };
 
+/// Encoders that an earlier import put into a folder inside of the model's own.
+void Import::leaveOutInstalled()
+{
+    const QString installed = QDir(m_request.destination).absolutePath() + u'/';
+    QStringList others;
+    for (const QString &graph : m_folder.graphs) {
+        if (!graph.startsWith(installed))
+            others.append(graph);
+    }
+    // When there are no others, what they are is said.
+    if (!others.isEmpty())
+        m_folder.graphs = others;
+}
+
 Outcome<void> Import::recognise()
 {
     m_progress(0, QStringLiteral("reading"));
@@ -75,6 +91,7 @@ Outcome<void> Import::recognise()
     if (!folder)
         return tl::unexpected(folder.error());
     m_folder = *std::move(folder);
+    leaveOutInstalled();
     auto towers = findTowers(m_folder.graphs);
     if (!towers)
         return tl::unexpected(towers.error());

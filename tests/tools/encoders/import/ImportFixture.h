@@ -70,6 +70,15 @@ protected:
             PictureForm wrong = form;
             wrong.isLeftMirrored = true;
             EXPECT_LT(cosine(result.features, originalPicture(original, *tensor, wrong)), nearly);
+            // Colours that are normalised in another way are noticed, too.
+            wrong = form;
+            wrong.scale = 1;
+            wrong.mean = PictureForm().mean;
+            wrong.deviation = PictureForm().deviation;
+            wrong.isBlueFirst = false;
+            if (wrong.mean != form.mean || wrong.isBlueFirst != form.isBlueFirst) {
+                EXPECT_LT(cosine(result.features, originalPicture(original, *tensor, wrong)), atLeast);
+            }
             vectors.push_back(result.features);
         }
         EXPECT_LT(cosine(vectors[0], vectors[1]), nearly);

@@ -260,6 +260,20 @@ TEST_F(ImportFixture, TakesTheMostPreciseOfSeveralVariants)
     expectSamePictures(Family::openai, published("onnx/vision_model_quantized.onnx"), {}, nearly);
 }
 
+TEST_F(ImportFixture, CanBeRepeatedIntoAFolderInsideOfTheModels)
+{
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    ImportRequest request;
+    request.paths = {published()};
+    request.destination = published("installed");
+    for (int round = 0; round < 2; ++round) {
+        const auto report = importEncoders(request, [](double, const QString &) {});
+        EXPECT_TRUE(report) << report.error().text().toStdString();
+    }
+}
+
 TEST_F(ImportFixture, FamilyThatTheUserTells)
 {
     TextSpec text;
