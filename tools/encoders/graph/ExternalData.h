@@ -9,6 +9,7 @@
 #include <onnx/onnx_pb.h>
 
 #include <memory>
+#include <optional>
 
 namespace Qorvane::Encoders {
 

@@ -5,6 +5,7 @@
 #include <onnx/onnx_pb.h>
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Qorvane::Encoders {

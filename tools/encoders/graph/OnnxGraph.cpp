@@ -11,6 +11,12 @@
 #include <google/protobuf/io/zero_copy_stream_impl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <vector>
+
 namespace Qorvane::Encoders {
 
 namespace {

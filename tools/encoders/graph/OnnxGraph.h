@@ -7,7 +7,9 @@
 
 #include <onnx/onnx_pb.h>
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace Qorvane::Encoders {
 

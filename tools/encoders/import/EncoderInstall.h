@@ -31,7 +31,7 @@ struct FamilyFiles
 ///
 /// The new set is made in a folder beside, into which all other files of the old folder are linked; then the
 /// two folders change places, which the system does in one step. Where that can't be (the folder has folders
-/// in it, is a mount point, or the file system can't), the files are renamed one by one, and `isWhole` says
+/// in it, or the file system can't), the files are renamed one by one, and `isWhole` says
 /// so: then a kill in the middle may leave a mixture.
 class EncoderInstall
 {

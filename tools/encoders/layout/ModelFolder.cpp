@@ -7,6 +7,8 @@
 #include <QLocale>
 #include <QSet>
 
+#include <algorithm>
+
 namespace Qorvane::Encoders {
 
 namespace {

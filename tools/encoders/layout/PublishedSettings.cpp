@@ -2,7 +2,9 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Qorvane::Encoders {
 

@@ -8,6 +8,7 @@
 #include <QMap>
 
 #include <algorithm>
+#include <optional>
 
 namespace Qorvane::Encoders {
 
