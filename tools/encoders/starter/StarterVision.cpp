@@ -22,7 +22,7 @@ constexpr std::array classifierMean{123.68f, 116.779f, 103.939f};
 
 // The classifier's scores are flattened before they become probabilities: it is far surer of its one answer
 // than a picture of several things deserves.
-constexpr float classifierTemperature = 3;
+constexpr float classifierTemperature = 2.5f;
 
 // The classifier also judges parts of the picture, 3 x 3 windows of its last map. All of them together count
 // as much as the whole.
