@@ -51,9 +51,11 @@ Outcome<LabelSpace::Rows> encodedLabels(const onnx::ModelProto &sentenceEncoder,
     const TokenizerService tokenizer(parseVocabulary(vocabulary).value_or(TokenizerVocabulary()));
     const auto encode = [&](const QString &text) {
         const bool isChinese = tokenizer.mode() == TokenizerService::Mode::chineseClip;
-        const QStringList tokens =
-            isChinese ? tokenizer.tokenizeChinese(text) : tokenizer.tokenizeOpenAI(text);
-        return extractText(**encoder, tokenizer.encode(tokens, contextLength));
+        if (isChinese)
+            return extractText(**encoder, tokenizer.encode(tokenizer.tokenizeChinese(text), contextLength));
+        // A word with a comma behind it is cut in other places than the word alone.
+        const QString spaced = QString(text).replace(QStringLiteral(","), QStringLiteral(" ,"));
+        return extractText(**encoder, tokenizer.encode(tokenizer.tokenizeOpenAI(spaced), contextLength));
     };
 
     LabelSpace::Rows rows;

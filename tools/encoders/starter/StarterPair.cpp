@@ -7,8 +7,13 @@
 #include "encoders/starter/StarterPackages.h"
 #include "encoders/starter/StarterText.h"
 #include "encoders/starter/StarterVision.h"
+#include "semantic/TokenizerService.h"
 
+#include <QRegularExpression>
 #include <QSaveFile>
+#include <QSet>
+
+#include <algorithm>
 
 namespace Qorvane::Encoders {
 
@@ -47,6 +52,37 @@ LabelWording wording(QString LabelText::*name, QString LabelText::*phrase, float
         words.phrases.append(label.*phrase);
     }
     return words;
+}
+
+// Words that must not be misread: those that the encoder knows whole, and those that labels are described
+// with.
+QStringList wellKnownWords(const WordPiece &encoder)
+{
+    static const QRegularExpression word(QStringLiteral("[a-z0-9]+"));
+    static const QRegularExpression wholeWord(QStringLiteral("^[a-z0-9]+$"));
+    QSet<QString> words;
+    for (auto entry = encoder.vocabulary().begin(); entry != encoder.vocabulary().end(); ++entry) {
+        if (wholeWord.match(entry.key()).hasMatch())
+            words.insert(entry.key());
+    }
+    for (const LabelText &label : labelTexts()) {
+        auto matches = word.globalMatch((label.englishName + u' ' + label.englishPhrase).toLower());
+        while (matches.hasNext())
+            words.insert(matches.next().captured());
+    }
+    QStringList sorted(words.begin(), words.end());
+    // The same packages make the same files.
+    sorted.sort();
+    return sorted;
+}
+
+std::vector<std::int32_t> idsWithoutMarks(const TokenizerService &tokenizer, const QString &word)
+{
+    // Longer words don't matter.
+    constexpr int enough = 16;
+    const auto encoded = tokenizer.encode(tokenizer.tokenizeOpenAI(word), enough);
+    const auto count = std::count(encoded.mask.begin(), encoded.mask.end(), 1);
+    return {encoded.ids.begin() + 1, encoded.ids.begin() + std::max<std::ptrdiff_t>(count - 1, 1)};
 }
 
 // In the order of their ids.
@@ -129,11 +165,15 @@ Outcome<StarterPair::Language> StarterPair::english() const
     const auto tokens = bytePairVocabulary(mergeFiles->at(merges));
     if (!wordPiece || !tokens)
         return tl::unexpected(wordPiece ? tokens.error() : wordPiece.error());
-    const auto text =
-        StarterText::english(files->at(graph), TokenTable::make(*tokens, *wordPiece), *wordPiece);
+    const QByteArray vocabulary = vocabularyJson(*tokens);
+    const TokenTable table = TokenTable::make(*tokens, *wordPiece);
+    const TokenizerService tokenizer(parseVocabulary(vocabulary).value_or(TokenizerVocabulary()));
+    const WordTable words = WordTable::make(
+        wellKnownWords(*wordPiece), [&](const QString &word) { return idsWithoutMarks(tokenizer, word); },
+        table, *wordPiece);
+    const auto text = StarterText::english(files->at(graph), table, words, *wordPiece);
     if (!text)
         return tl::unexpected(text.error());
-    const QByteArray vocabulary = vocabularyJson(*tokens);
     return encodedLabels(
                text->sentenceEncoder(), vocabulary,
                wording(&LabelText::englishName, &LabelText::englishPhrase, englishPhraseShare),

@@ -2,6 +2,7 @@
 
 #include "encoders/graph/GraphBuilder.h"
 #include "encoders/graph/GraphNames.h"
+#include "encoders/starter/PieceGraph.h"
 
 #include <array>
 #include <optional>
@@ -107,34 +108,6 @@ std::string wide(GraphBuilder &builder, const std::string &numbers)
     return builder.node("Cast", {numbers}, {{"to", int(onnx::TensorProto_DataType_INT64)}});
 }
 
-// The pieces of all tokens in a row, without gaps.
-std::string pieces(GraphBuilder &builder, const TextInputs &inputs, const TokenTable &table)
-{
-    const auto tokenCount = std::int64_t(table.goesOn.size());
-    const std::string ids = shaped(builder, inputs.ids, {context});
-    // Whether a token is inside a word is known from the one before it.
-    const std::string goesOn =
-        builder.node("Gather", {builder.int32s("goes_on", {tokenCount}, table.goesOn), ids});
-    const std::string before =
-        builder.node("Slice", {goesOn, index(builder, 0), index(builder, context - 1), index(builder, 0)});
-    const std::string none = builder.int32s("none", {1}, std::array<std::int32_t, 1>{0});
-    const std::string isInside = builder.node("Concat", {none, before}, {{"axis", 0}});
-    const std::string two = builder.int32s("two", {}, std::array<std::int32_t, 1>{2});
-    const std::string rows = builder.node("Add", {builder.node("Mul", {ids, two}), isInside});
-    const std::string each = builder.node(
-        "Gather",
-        {builder.int32s("pieces", {2 * tokenCount, TokenTable::piecesPerToken}, table.pieces), rows});
-
-    const std::string noPiece = builder.int32s("no_piece", {}, std::array{TokenTable::noPiece});
-    const std::string isPiece = builder.node("Greater", {each, noPiece});
-    const std::string isToken = flag(builder, shaped(builder, inputs.mask, {context, 1}));
-    const std::string counts = builder.node("And", {isPiece, isToken});
-    const std::string all =
-        builder.node("Compress", {shaped(builder, each, {-1}), shaped(builder, counts, {-1})}, {{"axis", 0}});
-    return builder.node("Slice",
-                        {all, index(builder, 0), index(builder, greatestPieceCount), index(builder, 0)});
-}
-
 // 1 x tokens x width to 1 x width.
 std::string meanOfTokens(GraphBuilder &builder, const std::string &tokens)
 {
@@ -172,8 +145,8 @@ StarterText::StarterText(onnx::ModelProto model, std::string sentence)
 {
 }
 
-Outcome<StarterText> StarterText::english(const QByteArray &onnx, const TokenTable &table,
-                                          const WordPiece &marks)
+Outcome<StarterText> StarterText::english(const QByteArray &onnx, const TokenTable &tokens,
+                                          const WordTable &words, const WordPiece &marks)
 {
     Outcome<onnx::ModelProto> model = parsed(onnx);
     if (!model)
@@ -186,7 +159,12 @@ Outcome<StarterText> StarterText::english(const QByteArray &onnx, const TokenTab
     const auto mark = [&](const QString &piece) {
         return builder.int64s("mark", {1}, std::array<std::int64_t, 1>{marks.id(piece)});
     };
-    const std::string body = wide(builder, pieces(builder, inputs, table));
+    const std::string all =
+        PieceGraph(builder, tokens, words, context)
+            .append(shaped(builder, inputs.ids, {context}), shaped(builder, inputs.mask, {context}));
+    const std::string body =
+        wide(builder, builder.node("Slice", {all, index(builder, 0), index(builder, greatestPieceCount),
+                                             index(builder, 0)}));
     const std::string sentence = builder.node(
         "Concat", {mark(QStringLiteral("[CLS]")), body, mark(QStringLiteral("[SEP]"))}, {{"axis", 0}});
     encoder.run(shaped(builder, sentence, {1, -1}));

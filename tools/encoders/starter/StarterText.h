@@ -2,7 +2,7 @@
 
 #include "encoders/Problem.h"
 #include "encoders/starter/LabelSpace.h"
-#include "encoders/starter/TokenTable.h"
+#include "encoders/starter/WordTable.h"
 
 #include <QByteArray>
 
@@ -18,10 +18,10 @@ class StarterText
 {
 public:
     /// An English encoder, `onnx`, that takes WordPiece ids, while the application sends byte-pair ones:
-    /// `table` turns one into the other. `marks`: its pieces for beginning and end. The sentence's vector is
-    /// the mean of its tokens'.
-    static Outcome<StarterText> english(const QByteArray &onnx, const TokenTable &table,
-                                        const WordPiece &marks);
+    /// `tokens` and `words` turn one into the other. `marks`: its pieces for beginning and end. The
+    /// sentence's vector is the mean of its tokens'.
+    static Outcome<StarterText> english(const QByteArray &onnx, const TokenTable &tokens,
+                                        const WordTable &words, const WordPiece &marks);
 
     /// A Chinese encoder, whose ids the application sends. The sentence's vector is that of its first token.
     static Outcome<StarterText> chinese(const QByteArray &onnx, const QStringList &vocabulary);

@@ -80,7 +80,8 @@ void expectMean(const std::vector<float> &vector, const std::vector<int> &ids)
 
 WordPiece marks()
 {
-    return WordPiece({{text("[CLS]"), 1},
+    return WordPiece({{text("[UNK]"), 0},
+                      {text("[CLS]"), 1},
                       {text("[SEP]"), 2},
                       {text("snow"), 3},
                       {text("board"), 4},
@@ -91,10 +92,19 @@ WordPiece marks()
 StarterText english()
 {
     // The application's ids: 0 "snow", 1 "board</w>", 2 "dog</w>", 3 and 4 the marks.
-    const TokenTable table = TokenTable::make(
-        {text("snow"), text("board</w>"), text("dog</w>"), text("<|startoftext|>"), text("<|endoftext|>")},
-        marks());
-    return *StarterText::english(plainEncoder(), table, marks());
+    const TokenTable table =
+        TokenTable::make({text("snow"), text("board</w>"), text("dog</w>"), text("<|startoftext|>"),
+                          text("<|endoftext|>"), text("bo"), text("ard</w>")},
+                         marks());
+    // And "bo" and "ard</w>", 5 and 6, which are no pieces of their own, nor is "snowbo".
+    const WordTable words = WordTable::make(
+        {text("board"), text("snowboard")},
+        [](const QString &word) {
+            return word == text("board") ? std::vector<std::int32_t>{5, 6}
+                                         : std::vector<std::int32_t>{0, 5, 6};
+        },
+        table, marks());
+    return *StarterText::english(plainEncoder(), table, words, marks());
 }
 
 TEST(StarterText, EnglishTokensBecomeThePiecesOfTheirPlaceInAWord)
@@ -102,6 +112,19 @@ TEST(StarterText, EnglishTokensBecomeThePiecesOfTheirPlaceInAWord)
     const onnx::ModelProto encoder = english().sentenceEncoder();
     expectMean(runText(encoder, {3, 0, 1, 2, 4}), {1, 3, 5, 6, 2});
     expectMean(runText(encoder, {3, 1, 2, 4}), {1, 4, 6, 2});
+}
+
+TEST(StarterText, WordsThatTheApplicationCutsElsewhereAreKnownByAllTheirTokens)
+{
+    const onnx::ModelProto encoder = english().sentenceEncoder();
+    expectMean(runText(encoder, {3, 2, 5, 6, 2, 4}), {1, 6, 4, 6, 2});
+    expectMean(runText(encoder, {3, 0, 5, 6, 2, 5, 6, 4}), {1, 3, 5, 6, 4, 2});
+}
+
+TEST(StarterText, AKnownWordsTokensInsideOfAnotherWordAreNotThatWord)
+{
+    // "snow" goes on in "bo" and "ard", but as a word of four tokens that nobody listed.
+    expectMean(runText(english().sentenceEncoder(), {3, 0, 0, 5, 6, 4}), {1, 3, 0, 0, 0, 2});
 }
 
 TEST(StarterText, AnEmptyEnglishTextIsJustItsMarks)

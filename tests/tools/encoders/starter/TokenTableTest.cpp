@@ -1,6 +1,5 @@
-#include "encoders/starter/TokenTable.h"
-
 #include "encoders/starter/BytePairVocabulary.h"
+#include "encoders/starter/WordTable.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -75,6 +74,27 @@ TEST(TokenTable, HasARowForEachPlaceInAWord)
     EXPECT_TRUE(row(4, 0).empty());
     // A word goes on behind a part of it, but neither behind its end nor behind a sign.
     EXPECT_EQ(table.goesOn, (std::vector<std::int32_t>{1, 0, 0, 0, 0}));
+}
+
+TEST(WordTable, KeepsOnlyWordsThatComeOutWrong)
+{
+    const TokenTable table = TokenTable::make(
+        {QStringLiteral("snow"), QStringLiteral("board</w>"), QStringLiteral("do"), QStringLiteral("g</w>")},
+        someWordPiece());
+    const auto tokenize = [](const QString &word) -> std::vector<std::int32_t> {
+        if (word == QStringLiteral("snowboard"))
+            return {0, 1};
+        return word == QStringLiteral("dog") ? std::vector<std::int32_t>{2, 3} : std::vector<std::int32_t>{0};
+    };
+    const WordTable words =
+        WordTable::make({QStringLiteral("snowboard"), QStringLiteral("dog"), QStringLiteral("snow")},
+                        tokenize, table, someWordPiece());
+    ASSERT_EQ(words.lengths.size(), 3U);
+    EXPECT_EQ(words.base, 4);
+    EXPECT_EQ(words.lengths[0].tokens, 2);
+    EXPECT_EQ(words.lengths[0].keys, std::vector<std::int64_t>{2 * 4 + 3});
+    EXPECT_EQ(words.lengths[0].pieces, (std::vector<float>{6, 0, 0, 0, 0, 0}));
+    EXPECT_TRUE(words.lengths[1].keys.empty());
 }
 
 // As many merges as are used, none of them meaningful.
