@@ -12,7 +12,6 @@ struct FirstSearchTimes
     double untilLoaded = 0;   ///< from the window's first frame to the encoders being loaded
     double untilAnswered = 0; ///< from the first key to the hits of the whole word
     double processorTime = 0; ///< of all threads, within the latter
-    float bestSimilarity = 0; ///< of the hits
 };
 
 /// Starts the application on a library of `pictureCount` pictures and the starter pair, types a word into the
