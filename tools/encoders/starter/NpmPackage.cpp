@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLockFile>
 #include <QProcess>
 #include <QStandardPaths>
 
@@ -43,12 +44,17 @@ Outcome<QUrl> NpmCache::askNpm(const QString &title)
     if (!npm.waitForStarted())
         return problem(QStringLiteral("the program npm"), npm.errorString(),
                        QStringLiteral("install the package npm"));
-    if (!npm.waitForFinished(npmMilliseconds) || npm.exitCode() != 0) {
-        npm.kill();
-        return problem(QStringLiteral("npm to find %1").arg(title),
-                       QString::fromUtf8(npm.readAllStandardError()).simplified().left(300),
+    const auto notFound = [&title](const QString &found) {
+        return problem(QStringLiteral("npm to find %1").arg(title), found,
                        QStringLiteral("look after the network connection and npm's registry setting"));
+    };
+    if (!npm.waitForFinished(npmMilliseconds)) {
+        npm.kill();
+        npm.waitForFinished();
+        return notFound(QStringLiteral("no answer within %1 s").arg(npmMilliseconds / 1000));
     }
+    if (npm.exitStatus() != QProcess::NormalExit || npm.exitCode() != 0)
+        return notFound(QString::fromUtf8(npm.readAllStandardError()).simplified().left(300));
     const QUrl address(QString::fromUtf8(npm.readAllStandardOutput()).trimmed(), QUrl::StrictMode);
     if (!address.isValid() || !address.scheme().startsWith(QLatin1String("http")))
         return problem(QStringLiteral("the address of %1").arg(title),
@@ -66,6 +72,15 @@ Outcome<QString> NpmCache::fetch(const NpmPackage &package, const ProgressReport
         return problem(QStringLiteral("a folder to download to"),
                        QStringLiteral("%1 can't be made").arg(m_folder),
                        QStringLiteral("name another folder in QORVANE_DOWNLOAD_CACHE"));
+    // Source trees share the cache, and two downloads into one file would mix. Whoever waited finds it done.
+    QLockFile lock(path + QStringLiteral(".lock"));
+    lock.setStaleLockTime(0); // a download may take hours; only a dead owner's lock is void
+    if (!lock.lock())
+        return problem(QStringLiteral("a place to download to"),
+                       QStringLiteral("%1 can't be written").arg(m_folder),
+                       QStringLiteral("free the disk, or name another folder in QORVANE_DOWNLOAD_CACHE"));
+    if (isPinned(path, package.archive))
+        return path;
     const Outcome<QUrl> address = m_locate(package.title());
     if (!address)
         return tl::unexpected(address.error());

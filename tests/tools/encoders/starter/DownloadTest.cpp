@@ -4,6 +4,7 @@
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QLockFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -179,6 +180,21 @@ TEST_F(DownloadTest, ADamagedCachedPackageIsFetchedAgain)
     file.close();
     ASSERT_TRUE(cache.fetch(package, {}));
     EXPECT_EQ(contentOf(file.fileName()), m_content);
+}
+
+TEST_F(DownloadTest, OneProcessAtATimeFetchesAPackage)
+{
+    const QString lockPath = m_folder.filePath(QStringLiteral("a-1.tgz.lock"));
+    bool isHeld = false;
+    const NpmCache cache(m_folder.path(), [&](const QString &) -> Outcome<QUrl> {
+        isHeld = !QLockFile(lockPath).tryLock();
+        return m_server.address();
+    });
+    const NpmPackage package{
+        .name = QStringLiteral("a"), .version = QStringLiteral("1"), .archive = m_pin, .licence = {}};
+    ASSERT_TRUE(cache.fetch(package, {}));
+    EXPECT_TRUE(isHeld);
+    EXPECT_TRUE(QLockFile(lockPath).tryLock());
 }
 
 TEST_F(DownloadTest, TheStarterNeedsItsPackagesBeforeItWritesAnything)
