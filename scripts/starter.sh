@@ -4,9 +4,10 @@
 
 starter=$PWD/build/starter
 
-# What the pair is made by: it is built anew when one of these files changes.
+# What the pair is made by, the tokenizer that its label texts go through included: it is built anew when one of these
+# files changes.
 starter_recipe() {
-    find tools/encoders/starter tools/encoders/graph -type f -print0 | LC_ALL=C sort -z | xargs -0 sha256sum | sha256sum | cut -d ' ' -f 1
+    find tools/encoders/starter tools/encoders/graph Qorvane/semantic -type f -print0 | LC_ALL=C sort -z | xargs -0 sha256sum | sha256sum | cut -d ' ' -f 1
 }
 
 is_starter_built() { [[ $(cat "$starter/recipe" 2>/dev/null) == "$(starter_recipe)" ]]; }
@@ -26,7 +27,7 @@ make_starter() {
         rm -rf "$starter.new"
         # No long waits for a network that isn't there.
         # shellcheck disable=SC2154 # setup_log is set in setup.sh
-        if npm_config_fetch_retries=1 npm_config_fetch_timeout=30000 "$tool" starter --out "$starter.new" </dev/null >>"$setup_log" 2>&1; then
+        if npm_config_fetch_retries=0 npm_config_fetch_timeout=30000 "$tool" starter --out "$starter.new" </dev/null >>"$setup_log" 2>&1; then
             starter_recipe >"$starter.new/recipe"
             rm -rf "$starter"
             mv "$starter.new" "$starter"
@@ -49,8 +50,10 @@ link_starter() {
         "ChineseClipVisionEncoder.onnx ChineseClipTextEncoder.onnx chinese_vocab.json"; do
         read -ra files <<<"$family"
         for file in "${files[@]}"; do
-            # A link whose file is gone counts for nothing.
-            [[ ! -e $models/$file ]] || continue 2
+            # The link of a source tree that is gone counts for nothing. A link of the user's own stays, also while the
+            # disk that it leads to is away.
+            [[ -e $models/$file || -L $models/$file ]] || continue
+            [[ ! -e $models/$file && $(readlink "$models/$file") == */build/starter/"$file" ]] || continue 2
         done
         for file in "${files[@]}"; do
             ln -sfn "$starter/$file" "$models/$file"

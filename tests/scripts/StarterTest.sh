@@ -6,7 +6,7 @@ source_root=$1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
-mkdir -p build tools/encoders/starter tools/encoders/graph
+mkdir -p build tools/encoders/starter tools/encoders/graph Qorvane/semantic
 printf 'one\n' >tools/encoders/starter/pins
 
 # shellcheck source=scripts/setup.sh
@@ -66,11 +66,13 @@ expect "its family isn't mixed with the starter" refuse test -e "$models/ClipTex
 expect "the other family is shown" test "$(cat "$models/ChineseClipTextEncoder.onnx")" = starter
 
 # What a removed source tree left behind.
-ln -sfn "$work/gone/vocab.json" "$work/dangling.json"
 mkdir -p "$work/other"
-mv "$work/dangling.json" "$work/other/vocab.json"
+ln -s "$work/gone/build/starter/vocab.json" "$work/other/vocab.json"
+ln -s "$work/unmounted/chinese_vocab.json" "$work/other/chinese_vocab.json"
 link_starter "$work/other"
-expect "a link to nowhere is replaced" test "$(cat "$work/other/vocab.json")" = starter
+expect "its link is replaced" test "$(cat "$work/other/vocab.json")" = starter
+expect "a link to a disk that is away stays" test "$(readlink "$work/other/chinese_vocab.json")" = "$work/unmounted/chinese_vocab.json"
+expect "its family isn't mixed with the starter" refuse test -e "$work/other/ChineseClipTextEncoder.onnx"
 
 expect "models lie in the XDG folder" test "$(XDG_DATA_HOME=/x user_models)" = /x/Qorvane/models
 expect "a relative XDG folder is passed over" test "$(HOME=/h XDG_DATA_HOME=x user_models)" = /h/.local/share/Qorvane/models
