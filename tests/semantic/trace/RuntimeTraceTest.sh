@@ -34,7 +34,7 @@ traced() {
 # The calls of a trace that reach out or leave something behind. A failed attempt counts as well.
 misdeeds() {
     grep -E ' (socket|socketpair|connect|bind|listen|accept4?|send(to|m?msg)|recv(from|m?msg)|io_uring_setup)\(' "$1" || true
-    grep -E ' (open|openat|openat2)\(.*(O_WRONLY|O_RDWR|O_CREAT|O_TRUNC|O_APPEND|O_TMPFILE)' "$1" | grep -v '"/dev/' || true
+    grep -E ' (open|openat|openat2)\(.*(O_WRONLY|O_RDWR|O_CREAT|O_TRUNC|O_APPEND|O_TMPFILE)' "$1" | grep -vE '"/dev/(null|tty|u?random)"' || true
     grep -E ' (creat|mkdir(at)?|rename(at2?)?|link(at)?|symlink(at)?|unlink(at)?|rmdir|mknod(at)?|truncate|ftruncate|fallocate|chmod|fchmod(at)?|utimensat|setxattr)\(' "$1" || true
     # The first is the probe itself.
     grep -E ' execve(at)?\(' "$1" | tail -n +2 || true
