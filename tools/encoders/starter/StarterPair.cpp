@@ -9,11 +9,13 @@
 #include "encoders/starter/StarterVision.h"
 #include "semantic/TokenizerService.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QSaveFile>
 #include <QSet>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace Qorvane::Encoders {
 
@@ -42,6 +44,18 @@ Outcome<void> save(const QString &path, const onnx::ModelProto &model)
 {
     const std::string bytes = model.SerializeAsString();
     return save(path, QByteArray::fromRawData(bytes.data(), qsizetype(bytes.size())));
+}
+
+// The label space is the same in both languages, and so is the way of a picture into it: where `same` already
+// is that encoder, the new one takes no room of its own.
+Outcome<void> savePictures(const QString &path, const onnx::ModelProto &model, const QString &same,
+                           bool isSameThere)
+{
+    std::error_code error;
+    if (isSameThere)
+        std::filesystem::create_hard_link(QFile::encodeName(same).constData(),
+                                          QFile::encodeName(path).constData(), error);
+    return isSameThere && !error ? Outcome<void>() : save(path, model);
 }
 
 LabelWording wording(QString LabelText::*name, QString LabelText::*phrase, float phraseShare)
@@ -121,6 +135,7 @@ Outcome<void> StarterPair::build(const QString &folder) const
     if (!pictures)
         return tl::unexpected(pictures.error());
 
+    const QString shared = FamilyFiles::of(Family::openai).vision;
     const auto install = [&](Family family, const Language &language) -> Outcome<void> {
         m_report(family == Family::openai ? 0.0 : 0.5, QStringLiteral("writing the encoders"));
         const FamilyFiles names = FamilyFiles::of(family);
@@ -128,8 +143,7 @@ Outcome<void> StarterPair::build(const QString &folder) const
         if (!place)
             return tl::unexpected(place.error());
         const auto at = [&](const QString &name) { return place->staging() + u'/' + name; };
-        // The label space is the same in both languages, and so is the way of a picture into it.
-        return save(at(names.vision), *pictures)
+        return savePictures(at(names.vision), *pictures, folder + u'/' + shared, family == Family::chinese)
             .and_then([&] { return save(at(names.text), language.textEncoder); })
             .and_then([&] { return save(at(names.vocabulary), language.vocabulary); })
             .and_then([&] { return save(at(names.licence), licences()); })
