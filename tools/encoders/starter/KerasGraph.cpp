@@ -2,8 +2,10 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace Qorvane::Encoders {
 

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QStringList>
 
 #include <cstdint>
 #include <functional>

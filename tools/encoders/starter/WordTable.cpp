@@ -1,6 +1,7 @@
 #include "encoders/starter/WordTable.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Qorvane::Encoders {
 
