@@ -5,6 +5,7 @@
 #include "encoders/starter/PieceGraph.h"
 
 #include <array>
+#include <functional>
 #include <optional>
 
 namespace Qorvane::Encoders {

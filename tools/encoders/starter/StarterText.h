@@ -5,10 +5,11 @@
 #include "encoders/starter/WordTable.h"
 
 #include <QByteArray>
+#include <QStringList>
 
 #include <onnx/onnx_pb.h>
 
-#include <functional>
+#include <string>
 
 namespace Qorvane::Encoders {
 
