@@ -17,7 +17,7 @@ is_starter_built() { [[ $(cat "$starter/recipe" 2>/dev/null) == "$(starter_recip
 make_starter() {
     local tool=$1
     ! is_starter_built || return 0
-    say "Building the starter encoders (about 130 MB to download, once)"
+    say "Building the starter encoders (130 MB to download the first time)"
     # Whoever comes second finds it built.
     exec 8>build/starter.lock
     if command -v flock >/dev/null; then
