@@ -3,6 +3,8 @@
 #include "encoders/graph/GraphNames.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -11,31 +13,45 @@ namespace Qorvane::Encoders {
 namespace {
 
 /// The names that a node takes from its graph, those that graphs inside of it take included.
-void addNeeds(const onnx::NodeProto &node, std::unordered_set<std::string> &needed)
+std::unordered_set<std::string> namesTaken(const onnx::NodeProto &node)
 {
-    needed.insert(node.input().begin(), node.input().end());
+    std::unordered_set<std::string> taken(node.input().begin(), node.input().end());
     for (const auto &attribute : node.attribute()) {
         // Some of these are the inner graph's own; a name too many does no harm.
         if (attribute.has_g())
-            needed.merge(namesIn(attribute.g()));
+            taken.merge(namesIn(attribute.g()));
         for (const auto &inner : attribute.graphs())
-            needed.merge(namesIn(inner));
+            taken.merge(namesIn(inner));
     }
+    return taken;
 }
 
-/// Which nodes the needed values come from; `needed` grows by what these take.
+/// Which nodes the needed values come from; `needed` grows by what these take. Nodes may stand in any order:
+/// converters put some at the end that belong in between, and the runtime sorts them by itself.
 std::vector<bool> neededNodes(const onnx::GraphProto &graph, std::unordered_set<std::string> &needed)
 {
+    std::unordered_multimap<std::string_view, int> givers;
+    for (int index = 0; index < graph.node_size(); ++index) {
+        for (const std::string &name : graph.node(index).output())
+            givers.emplace(name, index);
+    }
     std::vector<bool> isNeeded(static_cast<size_t>(graph.node_size()));
-    // Nodes stand behind those they take from, so one pass from the end finds all.
-    for (int index = graph.node_size() - 1; index >= 0; --index) {
-        const onnx::NodeProto &node = graph.node(index);
-        const bool gives = std::ranges::any_of(node.output(), [&needed](const std::string &name) {
-            return !name.empty() && needed.contains(name);
-        });
-        isNeeded[static_cast<size_t>(index)] = gives;
-        if (gives)
-            addNeeds(node, needed);
+    std::vector<std::string> open(needed.begin(), needed.end());
+    while (!open.empty()) {
+        const std::string name = std::move(open.back());
+        open.pop_back();
+        const auto [first, end] = givers.equal_range(name);
+        for (auto giver = first; giver != end; ++giver) {
+            const auto index = static_cast<size_t>(giver->second);
+            if (isNeeded[index])
+                continue;
+            isNeeded[index] = true;
+            for (const std::string &taken : namesTaken(graph.node(giver->second))) {
+                // An input that is left out has no name.
+                if (!taken.empty() && needed.insert(taken).second)
+                    open.push_back(taken);
+            }
+        }
     }
     return isNeeded;
 }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace Qorvane::Encoders;
 
 namespace {
@@ -53,6 +55,40 @@ TEST(TowerCut, BothTowersOfACutGraphGiveWhatTheWholeGave)
     const auto result = run->run({{QStringLiteral("b"), Tensor::of(type, {1, 2}, {1, 2})}}, "right");
     ASSERT_TRUE(result);
     EXPECT_EQ(result->values, (std::vector<float>{12, 26}));
+}
+
+TEST(TowerCut, FindsWhatItNeedsInAnyOrderOfTheNodesAndKeepsThatOrder)
+{
+    // A cast at the end that belongs in between, as converters to 16 bits leave it.
+    onnx::ModelProto model = twoTowers();
+    auto &nodes = *model.mutable_graph()->mutable_node();
+    std::reverse(nodes.begin(), nodes.end());
+    nodes.SwapElements(0, 1);
+    ASSERT_EQ(nodes[0].output(0), "right");
+    onnx::ModelProto whole = model;
+    ASSERT_TRUE(cutTower(*whole.mutable_graph(), "both"));
+    EXPECT_EQ(whole.graph().node_size(), 4);
+
+    ASSERT_TRUE(cutTower(*model.mutable_graph(), "right"));
+    ASSERT_EQ(nodes.size(), 2);
+    EXPECT_EQ(nodes[0].output(0), "right");
+    EXPECT_EQ(nodes[1].output(0), "scaled");
+    auto run = GraphRun::fromBytes(model.SerializeAsString());
+    ASSERT_TRUE(run) << run.error().text().toStdString();
+    const auto result =
+        run->run({{QStringLiteral("b"), Tensor::of(onnx::TensorProto::FLOAT, {1, 2}, {1, 2})}}, "right");
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->values, (std::vector<float>{12, 26}));
+}
+
+TEST(TowerCut, EndsOnNodesThatLeadRoundInACircle)
+{
+    onnx::ModelProto model = GraphBuilder::emptyModel(13, "circle");
+    GraphBuilder builder(*model.mutable_graph());
+    builder.node("Neg", {"b"}, std::vector<std::string>{"a"});
+    builder.node("Neg", {"a"}, std::vector<std::string>{"b"});
+    ASSERT_TRUE(cutTower(*model.mutable_graph(), "a"));
+    EXPECT_EQ(model.graph().node_size(), 2);
 }
 
 TEST(TowerCut, KeepsWhatAnInnerGraphTakesFromOutside)
