@@ -92,6 +92,12 @@ Outcome<void> checkBatch(const ValueForm &form, const QString &fileName)
                    QStringLiteral("export the model with an open batch size, or one of 1"));
 }
 
+/// Scores, and states of one tower that its projection hasn't brought into the space of both.
+bool isBesideTheSpace(const std::string &name)
+{
+    return contains(name, "logits") || contains(name, "pooler") || contains(name, "hidden");
+}
+
 template <size_t count>
 Outcome<ValueForm> vectorOutput(const std::vector<ValueForm> &outputs, const QString &fileName,
                                 const std::array<std::string_view, count> &names, const QString &what)
@@ -112,7 +118,7 @@ Outcome<ValueForm> vectorOutput(const std::vector<ValueForm> &outputs, const QSt
     }
     std::vector<ValueForm> candidates;
     for (const ValueForm &output : outputs) {
-        if (output.shape.size() == 2 && !contains(output.name, "logits"))
+        if (output.shape.size() == 2 && !isBesideTheSpace(output.name))
             candidates.push_back(output);
     }
     if (candidates.size() == 1) {
