@@ -8,6 +8,8 @@
 #include <QSet>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace Qorvane::Encoders {
 
@@ -45,6 +47,12 @@ bool isLicence(const QString &lowerName)
 class Gathering
 {
 public:
+    /// `leftOut`: a folder, all links followed, that isn't looked into unless it is named.
+    explicit Gathering(QString leftOut)
+        : m_leftOut(std::move(leftOut))
+    {
+    }
+
     Outcome<ModelFolder> gather(const QStringList &paths);
 
 private:
@@ -52,7 +60,9 @@ private:
     Outcome<void> addDescriptionsIn(const QString &path);
     Outcome<void> addFile(const QFileInfo &file);
     Outcome<void> addDescription(const QFileInfo &file, QJsonObject &target);
+    void preferNamedVocabulary(const QStringList &paths);
 
+    const QString m_leftOut;
     ModelFolder m_found;
     QSet<QString> m_seen;
     int m_fileCount = 0;
@@ -139,6 +149,8 @@ Outcome<void> Gathering::addFolder(const QString &path, int depth)
         // Links to folders could lead round in circles.
         if (!entry.isDir() || entry.isSymLink() || depth == 0)
             continue;
+        if (!m_leftOut.isEmpty() && entry.canonicalFilePath() == m_leftOut)
+            continue;
         if (auto added = addFolder(entry.filePath(), depth - 1); !added)
             return added;
     }
@@ -158,9 +170,29 @@ Outcome<void> Gathering::addDescriptionsIn(const QString &path)
     return {};
 }
 
+/// A vocabulary that was named puts out of the way whatever else was found, of any kind.
+void Gathering::preferNamedVocabulary(const QStringList &paths)
+{
+    QSet<QString> named;
+    for (const QString &path : paths)
+        named.insert(QFileInfo(path).absoluteFilePath());
+    const std::array<QString *, 3> found{&m_found.vocabularyJson, &m_found.vocabularyText,
+                                         &m_found.tokenizerJson};
+    const auto isNamed = [&named](const QString *path) { return named.contains(*path); };
+    if (std::ranges::none_of(found, isNamed))
+        return;
+    for (QString *path : found) {
+        if (!isNamed(path))
+            path->clear();
+    }
+}
+
 Outcome<ModelFolder> Gathering::gather(const QStringList &paths)
 {
-    for (const QString &path : paths) {
+    // Files that were named count before those that lie in folders.
+    QStringList filesFirst = paths;
+    std::ranges::stable_partition(filesFirst, [](const QString &path) { return !QFileInfo(path).isDir(); });
+    for (const QString &path : std::as_const(filesFirst)) {
         const QFileInfo info(path);
         Outcome<void> added;
         if (info.isDir())
@@ -173,7 +205,7 @@ Outcome<ModelFolder> Gathering::gather(const QStringList &paths)
         if (!added)
             return tl::unexpected(added.error());
     }
-    // Files that were named count before those that lie around them.
+    // What lies around the files comes behind.
     for (const QString &path : paths) {
         const QFileInfo info(path);
         if (info.isDir())
@@ -194,14 +226,15 @@ Outcome<ModelFolder> Gathering::gather(const QStringList &paths)
                 return tl::unexpected(added.error());
         }
     }
+    preferNamedVocabulary(paths);
     return m_found;
 }
 
 } // namespace
 
-Outcome<ModelFolder> ModelFolder::open(const QStringList &paths)
+Outcome<ModelFolder> ModelFolder::open(const QStringList &paths, const QString &leftOut)
 {
-    return Gathering().gather(paths);
+    return Gathering(QFileInfo(leftOut).canonicalFilePath()).gather(paths);
 }
 
 } // namespace Qorvane::Encoders

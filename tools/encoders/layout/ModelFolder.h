@@ -27,10 +27,11 @@ struct ModelFolder
     QString readme;           ///< README.md
     QStringList descriptions; ///< names of the descriptions that were read
 
-    /// Looks into the folders, and those in them, and at the files; for a file also beside it and, where the
-    /// folder is one of those that publishers put graphs into, above it. A description that can't be read is
-    /// a problem. Reads the disk; any thread.
-    static Outcome<ModelFolder> open(const QStringList &paths);
+    /// Looks at the files, and into the folders and those in them, but not into `leftOut` where it lies in
+    /// one, in whatever way its path is written. A vocabulary that is named counts alone. For a file also
+    /// beside it and, where the folder is one of those that publishers put graphs into, above it. A
+    /// description that can't be read is a problem. Reads the disk; any thread.
+    static Outcome<ModelFolder> open(const QStringList &paths, const QString &leftOut = {});
 };
 
 } // namespace Qorvane::Encoders
