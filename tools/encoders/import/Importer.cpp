@@ -5,7 +5,9 @@
 #include "encoders/import/PublishedLicence.h"
 #include "encoders/layout/LayoutRecognition.h"
 #include "encoders/layout/PublishedSettings.h"
+#include "encoders/layout/TokenRows.h"
 #include "encoders/layout/TowerSearch.h"
+#include "semantic/ChineseLocale.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +22,12 @@ constexpr int usualSide = 224;
 constexpr int usualContext = 77;
 // The token that the application ends texts of the OpenAI family with.
 constexpr int openaiEndToken = 49407;
+// Tokens of the two families' own vocabularies.
+constexpr std::int64_t chineseTokens = 21128;
+constexpr std::int64_t openaiTokens = 49408;
+// What the Chinese family's own exports are told by.
+constexpr int chineseContext = 52;
+constexpr char chineseTextOutput[] = "unnorm_text_features";
 // Colours from 0 to 255.
 constexpr double greatestColour = 255;
 
@@ -47,7 +55,6 @@ public:
     Outcome<ImportReport> run();
 
 private:
-    void leaveOutInstalled();
     Outcome<void> recognise();
     Outcome<void> findVocabulary();
     Outcome<void> findForms();
@@ -70,28 +77,14 @@ private:
     ImportReport m_report;
 };
 
-/// Encoders that an earlier import put into a folder inside of the model's own.
-void Import::leaveOutInstalled()
-{
-    const QString installed = QDir(m_request.destination).absolutePath() + u'/';
-    QStringList others;
-    for (const QString &graph : m_folder.graphs) {
-        if (!graph.startsWith(installed))
-            others.append(graph);
-    }
-    // When there are no others, what they are is said.
-    if (!others.isEmpty())
-        m_folder.graphs = others;
-}
-
 Outcome<void> Import::recognise()
 {
     m_progress(0, QStringLiteral("reading"));
-    auto folder = ModelFolder::open(m_request.paths);
+    // What an earlier import put into a folder inside of the model's own is none of the model.
+    auto folder = ModelFolder::open(m_request.paths, m_request.destination);
     if (!folder)
         return tl::unexpected(folder.error());
     m_folder = *std::move(folder);
-    leaveOutInstalled();
     auto towers = findTowers(m_folder.graphs);
     if (!towers)
         return tl::unexpected(towers.error());
@@ -114,16 +107,27 @@ Outcome<void> Import::recognise()
     return {};
 }
 
-/// Of a model without a vocabulary.
+/// Of a model without a vocabulary: by the number of tokens that its graph knows, else by what its publisher
+/// calls and forms it.
 Family Import::guessedFamily() const
 {
-    const bool isChinese =
-        m_folder.config.value(u"model_type")
-            .toString()
-            .contains(QStringLiteral("chinese"), Qt::CaseInsensitive) ||
-        m_towers->text.fileName().contains(QStringLiteral("chinese"), Qt::CaseInsensitive) ||
-        m_towers->text.fileName().contains(QStringLiteral("-cn"), Qt::CaseInsensitive);
-    return m_request.family.value_or(isChinese ? Family::chinese : Family::openai);
+    if (m_request.family)
+        return *m_request.family;
+    const OnnxGraph &text = m_towers->text;
+    const auto form = recogniseText(text.graph(), m_towers->textOutput, usualContext, text.fileName());
+    const auto rows = form ? tokenRows(text.graph(), form->ids) : std::nullopt;
+    if (rows == chineseTokens)
+        return Family::chinese;
+    if (rows == openaiTokens)
+        return Family::openai;
+    const bool isChinese = m_towers->textOutput.name == chineseTextOutput ||
+                           (form && form->context == chineseContext) ||
+                           m_folder.config.value(u"model_type")
+                               .toString()
+                               .contains(QStringLiteral("chinese"), Qt::CaseInsensitive) ||
+                           text.fileName().contains(QStringLiteral("chinese"), Qt::CaseInsensitive) ||
+                           text.fileName().contains(QStringLiteral("-cn"), Qt::CaseInsensitive);
+    return isChinese ? Family::chinese : Family::openai;
 }
 
 Outcome<void> Import::findVocabulary()
@@ -154,9 +158,12 @@ Outcome<void> Import::findVocabulary()
             return problem(
                 QStringLiteral("a vocabulary with the model"),
                 QStringLiteral("none of vocab.json, vocab.txt, tokenizer.json"),
-                QStringLiteral(
-                    "fetch the one that the model's publisher gives, and name it as a further PATH; "
-                    "or build the starter pair first, whose vocabulary is that of most CLIP models"));
+                QStringLiteral("fetch the one that the model's publisher gives, %1, and name it as a further "
+                               "PATH; or build the starter pair first, whose vocabulary is that of most CLIP "
+                               "models; the model looks like one of the %2 family, which --family overrides")
+                    .arg(family == Family::chinese ? QStringLiteral("vocab.txt")
+                                                   : QStringLiteral("vocab.json"),
+                         familyText(family)));
     }
     m_report.family = m_request.family.value_or(m_vocabulary.family);
     m_report.recognised.append(QStringLiteral("vocabulary: %1, %2 tokens, %3 family")
@@ -186,10 +193,16 @@ void Import::describePictures(const PublishedSettings &settings)
     m_vision.isBlueFirst = settings.isBlueFirst;
     if (settings.rescaling)
         m_vision.scale = *settings.rescaling * greatestColour;
-    if (!settings.mean || !settings.deviation)
-        m_report.missing.append(
-            QStringLiteral("no description of the colours' normalisation was found: CLIP's own "
-                           "is assumed"));
+    if (settings.mean && settings.deviation)
+        return;
+    QString said = QStringLiteral("no description of the colours' normalisation was found: CLIP's own "
+                                  "is assumed; name the model's preprocessor_config.json as a further PATH");
+    if (m_vision.height != usualSide || m_vision.width != usualSide)
+        said += QStringLiteral(". Models of %1 x %2 pixels often want another, and with a wrong one searches "
+                               "find nonsense")
+                    .arg(m_vision.width)
+                    .arg(m_vision.height);
+    m_report.missing.append(said);
 }
 
 Outcome<void> Import::findForms()

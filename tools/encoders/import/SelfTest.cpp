@@ -118,10 +118,14 @@ Outcome<void> checkToken(const QString &path, const TextEncoder &encoder, qint32
     const EncoderResult result = encoder.predict(ids, mask);
     if (result.outcome == EncoderResult::Outcome::succeeded)
         return {};
-    return problem(QStringLiteral("a vector from %1 for token %2, the vocabulary's last")
-                       .arg(QFileInfo(path).fileName())
-                       .arg(id),
-                   result.error, QStringLiteral("use the vocabulary that belongs to the model"));
+    return problem(
+        QStringLiteral("a vector from %1 for token %2, which goes with the vocabulary")
+            .arg(QFileInfo(path).fileName())
+            .arg(id),
+        result.error,
+        QStringLiteral("name the vocabulary that belongs to the model, its vocab.json or vocab.txt, "
+                       "as a further PATH of the import; if the model is a Chinese one, add "
+                       "--family chinese"));
 }
 
 Outcome<void> checkDifference(const QString &path, const std::vector<std::vector<float>> &vectors,
@@ -180,8 +184,10 @@ Outcome<SelfTestReport> selfTest(const QString &vision, const QString &text, con
         return tl::unexpected(tokens.error());
     const auto byId = [](const auto &one, const auto &other) { return one.second < other.second; };
     const auto greatest = std::ranges::max_element(*tokens, byId);
-    const qint32 greatestId = greatest == tokens->end() ? 0 : greatest->second;
+    qint32 greatestId = greatest == tokens->end() ? 0 : greatest->second;
     const TokenizerService tokenizer(*std::move(tokens));
+    // Start and end aren't looked up in every vocabulary.
+    greatestId = std::max(greatestId, std::ranges::max(tokenizer.encode({}, tokenCount).ids));
     const bool isChinese = tokenizer.mode() == TokenizerService::Mode::chineseClip;
 
     QString error;
@@ -191,6 +197,10 @@ Outcome<SelfTestReport> selfTest(const QString &vision, const QString &text, con
     const auto textEncoder = TextEncoder::load(text, &error);
     if (!textEncoder)
         return refused(text, QStringLiteral("an encoder"), error);
+
+    // Before the captions, which wouldn't tell what the matter is.
+    if (auto known = checkToken(text, *textEncoder, greatestId); !known)
+        return tl::unexpected(known.error());
 
     Vectors vectors;
     for (const CaptionedDrawing &drawing : captionedDrawings()) {
@@ -212,8 +222,6 @@ Outcome<SelfTestReport> selfTest(const QString &vision, const QString &text, con
             return tl::unexpected(caption.error());
         vectors.texts.push_back(*std::move(caption));
     }
-    if (auto known = checkToken(text, *textEncoder, greatestId); !known)
-        return tl::unexpected(known.error());
     const qsizetype pictureLength = qsizetype(vectors.pictures.front().size());
     const qsizetype textLength = qsizetype(vectors.texts.front().size());
     if (pictureLength != textLength)

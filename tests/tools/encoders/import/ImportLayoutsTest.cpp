@@ -113,13 +113,9 @@ TEST_P(ImportLayouts, TransformersJsJoint)
     tokens.isContextOpen = true;
     tokens.isMaskedMean = true;
     tokens.mask = "attention_mask";
+    tokens.tokenTypes = "token_type_ids";
     tokens.vocabularySize = 21128;
     writeModel(graph("model"), jointModel(vision(), tokens));
-    // The towers of the very same weights alone are the reference.
-    const QString visionFile = m_vocabularies.filePath(QStringLiteral("vision.onnx"));
-    const QString textFile = m_vocabularies.filePath(QStringLiteral("text.onnx"));
-    writeModel(visionFile, visionModel(vision()));
-    writeModel(textFile, textModel(tokens));
     writeFile(published("config.json"), R"({"model_type": "chinese_clip", "text_config":
         {"max_position_embeddings": 512}, "vision_config": {"image_size": 224}})");
     writeFile(published("preprocessor_config.json"),
@@ -129,7 +125,7 @@ TEST_P(ImportLayouts, TransformersJsJoint)
     writeFile(published("vocab.txt"), chineseVocabularyLines());
     expectImport();
     EXPECT_EQ(m_report.family, Family::chinese);
-    expectSame(Family::chinese, visionFile, textFile, chineseTokens);
+    expectSame(Family::chinese, graph("model"), graph("model"), chineseTokens);
     // Each tower without the other.
     const auto installedVision = OnnxGraph::load(installed("ChineseClipVisionEncoder.onnx"));
     const auto original = OnnxGraph::load(graph("model"));
@@ -167,28 +163,77 @@ TEST_F(ImportFixture, ServerStylePair)
     expectSameTexts(Family::openai, published("textual/model.onnx"), {}, exactly);
 }
 
-TEST_F(ImportFixture, ChineseClipsOwnExport)
+class ChineseClipsOwnExport : public ImportFixture
 {
-    VisionSpec vision;
-    vision.input = "image";
-    vision.output = "unnorm_image_features";
-    TextSpec text;
-    text.ids = "text";
-    text.output = "unnorm_text_features";
-    text.context = 52;
-    text.vocabularySize = 21128;
-    const QString picture = QStringLiteral("vit-b-16.img.fp32.onnx");
-    const QString sentence = QStringLiteral("vit-b-16.txt.fp32.onnx");
-    writeModelWithWeightsBeside(published(picture), visionModel(vision),
-                                picture + QStringLiteral(".extra_file"));
-    writeModelWithWeightsBeside(published(sentence), textModel(text),
-                                sentence + QStringLiteral(".extra_file"));
+protected:
+    void SetUp() override
+    {
+        VisionSpec vision;
+        vision.input = "image";
+        vision.output = "unnorm_image_features";
+        TextSpec text;
+        text.ids = "text";
+        text.output = "unnorm_text_features";
+        text.context = 52;
+        text.isFirstOfNonZero = true;
+        text.vocabularySize = 21128;
+        writeModelWithWeightsBeside(m_picture, visionModel(vision),
+                                    QFileInfo(m_picture).fileName() + QStringLiteral(".extra_file"));
+        writeModelWithWeightsBeside(m_sentence, textModel(text),
+                                    QFileInfo(m_sentence).fileName() + QStringLiteral(".extra_file"));
+    }
+
+    void expectSame()
+    {
+        EXPECT_EQ(m_report.family, Family::chinese);
+        expectSamePictures(Family::chinese, m_picture, {}, exactly);
+        expectSameTexts(Family::chinese, m_sentence, {.context = 52, .endToken = 102, .padding = 0}, exactly);
+    }
+
+    const QString m_picture = published(QStringLiteral("vit-b-16.img.fp32.onnx"));
+    const QString m_sentence = published(QStringLiteral("vit-b-16.txt.fp32.onnx"));
+};
+
+TEST_F(ChineseClipsOwnExport, GivesWhatTheOriginalGives)
+{
     writeFile(published("vocab.txt"), chineseVocabularyLines().replace('\n', "\r\n"));
     expectImport();
-    EXPECT_EQ(m_report.family, Family::chinese);
-    expectSamePictures(Family::chinese, published(picture), {}, exactly);
-    expectSameTexts(Family::chinese, published(sentence), {.context = 52, .endToken = 102, .padding = 0},
-                    exactly);
+    expectSame();
+    // What the comparison would notice.
+    expectOtherTexts(Family::chinese, m_sentence, {.context = 52, .endToken = 103, .padding = 0});
+    expectOtherTexts(Family::chinese, m_sentence, {.context = 52, .endToken = 102, .padding = 5});
+}
+
+TEST_F(ChineseClipsOwnExport, DoesNotTakeTheOtherFamilysVocabularyWhenItBringsNone)
+{
+    writeFile(m_vocabularies.filePath(QStringLiteral("vocab.json")), openaiVocabulary());
+    const auto without = importFolder();
+    ASSERT_FALSE(without);
+    const QString said = without.error().text();
+    EXPECT_TRUE(said.contains(QStringLiteral("vocab.txt, and name it as a further PATH")))
+        << said.toStdString();
+    EXPECT_TRUE(said.contains(QStringLiteral("--family"))) << said.toStdString();
+
+    const auto wrong = importFolder(Family::openai);
+    ASSERT_FALSE(wrong);
+    EXPECT_TRUE(wrong.error().remedy.contains(QStringLiteral("--family chinese")))
+        << wrong.error().text().toStdString();
+
+    const auto vocabulary = m_vocabularies.filePath(QStringLiteral("vocab.txt"));
+    writeFile(vocabulary, chineseVocabularyLines());
+    const auto named = importPaths({published(), vocabulary});
+    ASSERT_TRUE(named) << named.error().text().toStdString();
+    m_report = *named;
+    expectSame();
+}
+
+TEST_F(ChineseClipsOwnExport, TakesTheFamilysInstalledVocabularyWhenItBringsNone)
+{
+    writeFile(m_vocabularies.filePath(QStringLiteral("vocab.json")), openaiVocabulary());
+    writeFile(m_vocabularies.filePath(QStringLiteral("chinese_vocab.json")),
+              R"({"[PAD]": 0, "[UNK]": 100, "[CLS]": 101, "[SEP]": 102, "蓝": 110, "天": 111, "心": 112})");
+    expectImport();
+    expectSame();
 }
 
 TEST_F(ImportFixture, WeightsThatDoNotFitAreCarriedAlongBeside)
@@ -264,14 +309,58 @@ TEST_F(ImportFixture, CanBeRepeatedIntoAFolderInsideOfTheModels)
 {
     writeModel(published("visual.onnx"), visionModel({}));
     writeModel(published("textual.onnx"), textModel({}));
-    writeFile(published("vocab.json"), openaiVocabulary());
+    const QString vocabulary = m_vocabularies.filePath(QStringLiteral("vocab.json"));
+    writeFile(vocabulary, openaiVocabulary());
+    // Another way to write the same path.
+    ASSERT_TRUE(QFile::link(m_published.path(), m_installed.filePath(QStringLiteral("link"))));
     ImportRequest request;
-    request.paths = {published()};
-    request.destination = published("installed");
+    request.destination = m_installed.filePath(QStringLiteral("link/installed"));
     for (int round = 0; round < 2; ++round) {
+        request.paths = {published(), vocabulary};
         const auto report = importEncoders(request, [](double, const QString &) {});
-        EXPECT_TRUE(report) << report.error().text().toStdString();
+        ASSERT_TRUE(report) << report.error().text().toStdString();
+        // What was installed stands for nothing that the model lacks.
+        EXPECT_TRUE(report->missing.join(u' ').contains(QStringLiteral("no licence text")));
+        writeFile(published("installed/ClipLicence.txt"), "of an earlier one");
+        writeFile(published("installed/LICENSE"), "of an earlier one");
     }
+    request.paths = {published()};
+    const auto without = importEncoders(request, [](double, const QString &) {});
+    ASSERT_FALSE(without);
+    EXPECT_EQ(without.error().expected, QStringLiteral("a vocabulary with the model"));
+}
+
+TEST_F(ImportFixture, TakesTheVocabularyThatIsNamedBeforeAnyThatLiesThere)
+{
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), R"({"a": 1})");
+    const QString named = m_vocabularies.filePath(QStringLiteral("vocab.txt"));
+    writeFile(named, chineseVocabularyLines());
+    writeFile(m_vocabularies.filePath(QStringLiteral("vocab.json")), openaiVocabulary());
+    const auto report = importPaths({published(), named});
+    ASSERT_TRUE(report) << report.error().text().toStdString();
+    EXPECT_EQ(report->family, Family::chinese);
+}
+
+TEST_F(ImportFixture, AsksForTheDescriptionOfColoursTheMoreForOtherSizes)
+{
+    VisionSpec vision;
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    for (const int side : {224, 256}) {
+        vision.side = side;
+        writeModel(published("visual.onnx"), visionModel(vision));
+        expectImport();
+        const QString mind = m_report.missing.join(u'\n');
+        EXPECT_TRUE(
+            mind.contains(QStringLiteral("name the model's preprocessor_config.json as a further PATH")))
+            << mind.toStdString();
+        EXPECT_EQ(mind.contains(QStringLiteral("256 x 256 pixels often want another")), side == 256);
+    }
+    writeFile(published("preprocessor_config.json"), clipPreprocessing);
+    expectImport();
+    EXPECT_FALSE(m_report.missing.join(u'\n').contains(QStringLiteral("preprocessor_config.json")));
 }
 
 TEST_F(ImportFixture, FamilyThatTheUserTells)

@@ -71,6 +71,16 @@ TEST_F(ImportRefusals, OutputOfAnotherRank)
     expectRefusal("last_hidden_state (float, ? x 1 x 24)");
 }
 
+TEST_F(ImportRefusals, StatesBeforeTheProjection)
+{
+    for (const char *name : {"pooler_output", "pooled_hidden"}) {
+        VisionSpec vision;
+        vision.output = name;
+        writeModel(published("visual.onnx"), visionModel(vision));
+        expectRefusal("use an export with its projection");
+    }
+}
+
 TEST_F(ImportRefusals, PictureOfAnotherRank)
 {
     onnx::ModelProto model = GraphBuilder::emptyModel(17, "flat");
@@ -128,9 +138,14 @@ TEST_F(ImportRefusals, TextNamedAsModel)
 
 TEST_F(ImportRefusals, WeightsOutsideOfTheFolder)
 {
-    writeModelWithWeightsBeside(published("visual.onnx"), visionModel({}), QStringLiteral("../outside.bin"));
+    const QString model = published("model");
+    for (const char *name : {"visual.onnx", "textual.onnx", "vocab.json"})
+        ASSERT_TRUE(QFile::remove(published(QLatin1StringView(name))));
+    writeModelWithWeightsBeside(model + QStringLiteral("/visual.onnx"), visionModel({}),
+                                QStringLiteral("../outside.bin"));
+    writeModel(model + QStringLiteral("/textual.onnx"), textModel({}));
+    ASSERT_TRUE(QFileInfo::exists(published("outside.bin")));
     expectRefusal("leaves the model's folder");
-    QFile::remove(m_published.path() + QStringLiteral("/../outside.bin"));
 }
 
 TEST_F(ImportRefusals, MissingWeights)
@@ -174,7 +189,8 @@ TEST_F(ImportRefusals, VocabularyOfAnotherModel)
     text.vocabularySize = 400;
     writeModel(published("textual.onnx"), textModel(text));
     // The end token that the application sends is none of these.
-    expectRefusal("ClipTextEncoder.onnx");
+    expectRefusal("a vector from ClipTextEncoder.onnx for token 49407");
+    expectRefusal("name the vocabulary that belongs to the model");
 }
 
 TEST_F(ImportRefusals, VocabularyThatIsNone)

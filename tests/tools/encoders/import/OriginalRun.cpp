@@ -48,7 +48,20 @@ double sampled(const std::vector<double> &plane, int to, Kernel kernel, int row,
     return sum / weights;
 }
 
-std::vector<float> runOriginal(const QString &path, const std::function<Tensor(const ValueForm &)> &tensorFor)
+/// Something for the other tower of a joint graph.
+Tensor dummyPicture(int type)
+{
+    return Tensor::of(type, {1, 3, side, side}, std::vector<double>(size_t(3) * side * side, 0.5));
+}
+
+Tensor dummyTokens(int type)
+{
+    constexpr int count = 5;
+    return Tensor::of(type, {1, count}, std::vector<double>(count, 1));
+}
+
+std::vector<float> runOriginal(const QString &path, const std::string &wanted,
+                               const std::function<Tensor(const ValueForm &)> &tensorFor)
 {
     auto run = GraphRun::open(path);
     if (!run)
@@ -57,10 +70,9 @@ std::vector<float> runOriginal(const QString &path, const std::function<Tensor(c
     for (const ValueForm &input : run->inputs())
         inputs.insert(QString::fromStdString(input.name), tensorFor(input));
     // Of a joint graph the vector that the caller wants is named for its kind of input.
-    const bool isPicture = inputs.size() == 1 && inputs.cbegin()->shape.size() == 4;
     std::string output = run->outputs().front().name;
     for (const ValueForm &candidate : run->outputs()) {
-        if (run->outputs().size() > 1 && candidate.name == (isPicture ? "image_embeds" : "text_embeds"))
+        if (run->outputs().size() > 1 && candidate.name == wanted)
             output = candidate.name;
     }
     const auto result = run->run(inputs, output);
@@ -104,7 +116,9 @@ std::vector<float> originalPicture(const QString &path, const std::vector<float>
                                    const PictureForm &form)
 {
     const std::vector<double> pixels = originalPixels(applicationTensor, form);
-    return runOriginal(path, [&](const ValueForm &input) {
+    return runOriginal(path, "image_embeds", [&](const ValueForm &input) {
+        if (input.shape.size() == 2)
+            return dummyTokens(input.type);
         return Tensor::of(input.type,
                           form.isChannelsLast ? std::vector<std::int64_t>{1, form.side, form.side, 3}
                                               : std::vector<std::int64_t>{1, 3, form.side, form.side},
@@ -125,7 +139,9 @@ std::vector<float> originalText(const QString &path, const std::vector<qint32> &
     }
     const size_t count = tokens.size();
     tokens.resize(size_t(form.context), form.padding);
-    return runOriginal(path, [&](const ValueForm &input) {
+    return runOriginal(path, "text_embeds", [&](const ValueForm &input) {
+        if (input.shape.size() == 4)
+            return dummyPicture(input.type);
         std::vector<double> values = tokens;
         for (size_t index = 0; index < values.size(); ++index) {
             if (input.name == "attention_mask")

@@ -9,6 +9,7 @@
 
 /// What an original model gives for what the application sends, computed apart from the program: the
 /// published file run as it is, with the picture and the tokens brought to its own form in double precision.
+/// A graph with both towers gets something without meaning for the other one.
 namespace Qorvane::Encoders::Synthetic {
 
 enum class Kernel { bilinear, bicubic };

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numeric>
 #include <random>
@@ -222,6 +223,22 @@ void addText(GraphBuilder &builder, onnx::GraphProto &graph, const TextSpec &spe
         const auto sum = builder.node("ReduceSum", {value, numbers("sequence", {1})}, {{"keepdims", 0}});
         value = builder.node(
             "Div", {sum, builder.node("ReduceSum", {mask, numbers("sequence", {1})}, {{"keepdims", 0}})});
+    } else if (spec.isFirstOfNonZero) {
+        const auto isPadding = builder.node("Equal", {spec.ids, tower.cast(numbers("zero", {0}), spec.type)});
+        const auto seen =
+            builder.node("Unsqueeze", {tower.cast(builder.node("Not", {isPadding}), tower.type()),
+                                       numbers("last_axis", {2})});
+        // Each place knows of all others, with more weight for the nearer.
+        std::vector<float> others(size_t(positionCount) * positionCount);
+        for (int row = 0; row < positionCount; ++row) {
+            for (int column = 0; column < positionCount; ++column)
+                others[size_t(row * positionCount + column)] = std::pow(0.97f, float(std::abs(row - column)));
+        }
+        const auto square =
+            firstOnes(tower.constant("attention", {positionCount, positionCount}, others), {0, 1});
+        value = builder.node("MatMul", {square, builder.node("Mul", {value, seen})});
+        value = builder.node("Gather", {value, builder.int64s("first", {}, std::vector<std::int64_t>{0})},
+                             {{"axis", 1}});
     } else {
         // Each place knows of those before it, with more weight for the nearer.
         std::vector<float> earlier(size_t(positionCount) * positionCount, 0);
@@ -268,9 +285,26 @@ onnx::ModelProto textModel(const TextSpec &spec)
 onnx::ModelProto jointModel(const VisionSpec &vision, const TextSpec &text)
 {
     onnx::ModelProto model = GraphBuilder::emptyModel(opset, "joint");
-    GraphBuilder builder(*model.mutable_graph());
-    addText(builder, *model.mutable_graph(), text);
-    addVision(builder, *model.mutable_graph(), vision);
+    onnx::GraphProto &graph = *model.mutable_graph();
+    GraphBuilder builder(graph);
+    VisionSpec rawVision = vision;
+    rawVision.output = "image_raw";
+    TextSpec rawText = text;
+    rawText.output = "text_raw";
+    addText(builder, graph, rawText);
+    addVision(builder, graph, rawVision);
+
+    const auto own = builder.floats("shared", {1, vision.dimension}, random(size_t(vision.dimension), 1, 8));
+    const auto shared = builder.node("Expand", {own, builder.node("Shape", {own})});
+    const std::array<std::string, 2> outputs{text.output, vision.output};
+    for (int index = 0; index < 2; ++index) {
+        auto &output = *graph.mutable_output(index);
+        const auto scale =
+            builder.node("Cast", {shared}, {{"to", int(output.type().tensor_type().elem_type())}});
+        builder.node("Mul", {output.name(), scale}, std::vector<std::string>{outputs[size_t(index)]});
+        output.set_name(outputs[size_t(index)]);
+    }
+
     std::string picture = vision.output;
     std::string sentence = text.output;
     if (vision.precision == Precision::fp16) {

@@ -39,6 +39,8 @@ struct TextSpec
     int context = 77;
     bool isContextOpen = false;
     bool isMaskedMean = false; ///< as BERT's kin pool, else the place of the greatest token as CLIP does
+    /// As Chinese-CLIP's own exports pool: the first place, which sees all that aren't the padding token 0.
+    bool isFirstOfNonZero = false;
     bool isNormalised = false;
     Precision precision = Precision::fp32;
     int vocabularySize = 49408;
@@ -51,7 +53,8 @@ void addText(GraphBuilder &builder, onnx::GraphProto &graph, const TextSpec &spe
 
 onnx::ModelProto visionModel(const VisionSpec &spec);
 onnx::ModelProto textModel(const TextSpec &spec);
-/// Both towers, and two logits that need both, as the joint exports have them.
+/// Both towers, and two logits that need both, as the joint exports have them. A constant, its shape and what
+/// is made of these belong to both.
 onnx::ModelProto jointModel(const VisionSpec &vision, const TextSpec &text);
 
 /// Writes a file, and the folders above it.
