@@ -43,6 +43,10 @@ ContentView::ContentView(QorManage &qorManager, QObject *parent)
     setUpEngine(m_engine, std::make_unique<ThumbnailProvider>(m_thumbnails, loadThumbnail));
     connect(&m_engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit,
             Qt::QueuedConnection);
+    // A search meets no encoders while they are loaded, and finds nothing: whoever typed at once isn't left
+    // with that.
+    connect(&m_clipService, &ChineseClipService::modelsLoadedChanged, m_state.search(),
+            &SearchController::searchAgain);
 }
 
 ContentView::~ContentView() = default;

@@ -65,11 +65,13 @@ void SearchController::setText(const QString &text)
         return;
     }
     Q_EMIT searchBegan();
-    setSearching(true);
-    MainQueue::async([self = QPointer(this), text] {
-        if (self)
-            self->run(text);
-    });
+    beginSearch();
+}
+
+void SearchController::searchAgain()
+{
+    if (!m_text.isEmpty())
+        beginSearch();
 }
 
 void SearchController::reset()
@@ -77,6 +79,15 @@ void SearchController::reset()
     setText({});
     setResults({});
     setSearching(false);
+}
+
+void SearchController::beginSearch()
+{
+    setSearching(true);
+    MainQueue::async([self = QPointer(this), text = m_text] {
+        if (self)
+            self->run(text);
+    });
 }
 
 QCoro::Task<> SearchController::run(QString text)

@@ -58,6 +58,9 @@ public:
     bool isSearching() const { return m_isSearching; }
     const QList<SearchResult> &results() const { return m_results; }
 
+    /// Searches for what stands in the field once more, as after a change of what searches are answered with.
+    void searchAgain();
+
     /// Back to the empty field, as another folder or rating asks for.
     void reset();
 
@@ -69,6 +72,7 @@ Q_SIGNALS:
     void searchBegan();
 
 private:
+    void beginSearch();
     QCoro::Task<> run(QString text);
     static QCoro::Task<QList<FileUrl>> candidates(SearchSources sources);
     void setResults(const QList<SearchResult> &results);

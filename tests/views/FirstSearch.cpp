@@ -84,15 +84,7 @@ std::optional<FirstSearchTimes> measureFirstSearch(int pictureCount, QString *er
         *error = QStringLiteral("the window doesn't open");
         return std::nullopt;
     }
-    QElapsedTimer timer;
-    timer.start();
     ContentView &view = *app.contentView();
-    if (!waitUntil([&view] { return view.clipService().modelsLoaded(); })) {
-        *error = QStringLiteral("the encoders aren't loaded");
-        return std::nullopt;
-    }
-    times.untilLoaded = seconds(timer);
-
     auto *const field = view.window()->findChild<QQuickItem *>(QStringLiteral("searchField"));
     QTest::mouseClick(view.window(), Qt::LeftButton, {},
                       field->mapToScene(QPointF(field->width() / 2, field->height() / 2)).toPoint());
@@ -101,6 +93,7 @@ std::optional<FirstSearchTimes> measureFirstSearch(int pictureCount, QString *er
     constexpr float same = 0.999F; // searches for a part of the word don't reach that
     SearchController &search = *view.state().search();
     bool isAnswered = false;
+    QElapsedTimer timer;
     const double processorBefore = processorSeconds();
     const auto note = [&] {
         if (isAnswered || search.results().isEmpty() || search.results().constFirst().similarity < same)
@@ -110,7 +103,9 @@ std::optional<FirstSearchTimes> measureFirstSearch(int pictureCount, QString *er
         times.processorTime = processorSeconds() - processorBefore;
     };
     const auto connection = QObject::connect(&search, &SearchController::resultsChanged, &search, note);
-    timer.restart();
+    QObject::connect(&view.clipService(), &ChineseClipService::modelsLoadedChanged, &search,
+                     [&] { times.untilLoaded = seconds(timer); });
+    timer.start();
     for (const QChar letter : word)
         QTest::keyClick(view.window(), letter.toLatin1());
     waitUntil([&isAnswered] { return isAnswered; });

@@ -19,9 +19,10 @@ TEST(FirstSearch, answersWithinASecondOfTheFirstKey)
     QString error;
     const auto times = measureFirstSearch(pictureCount, &error);
     ASSERT_TRUE(times) << qPrintable(error) << '\n' << qPrintable(log.lines().join(u'\n').right(2000));
-    std::printf("loaded %.2f s after the first frame; answered %.2f s after the first key, with %.2f s of "
-                "processor time\n",
-                times->untilLoaded, times->untilAnswered, times->processorTime);
+    std::printf(
+        "after the first key: encoders loaded %.2f s, answered %.2f s, with %.2f s of processor time\n",
+        times->untilLoaded, times->untilAnswered, times->processorTime);
     // Other work on the machine stretches the one, not the other; bench-first-search is strict.
     EXPECT_LT(std::min(times->untilAnswered, times->processorTime), 1.0);
+    EXPECT_LT(times->untilAnswered, 10.0); // however busy it is: no idle wait either
 }

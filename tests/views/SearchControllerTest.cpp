@@ -126,6 +126,29 @@ TEST_F(SearchControllerTest, emptyingTheFieldDropsTheResultsButNotTheRunningSear
     EXPECT_EQ(controller.results().size(), 1); // hidden, since the field is empty
 }
 
+TEST_F(SearchControllerTest, searchesAgainForWhatStandsInTheField)
+{
+    controller.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    finish(QStringLiteral("dog"), {});
+    running.clear();
+    QSignalSpy began(&controller, &SearchController::searchBegan);
+    controller.searchAgain();
+    EXPECT_TRUE(controller.isSearching());
+    ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_TRUE(began.isEmpty()); // the text is no new one
+    finish(QStringLiteral("dog"), {hit(QStringLiteral("dog.jpg"))});
+    EXPECT_EQ(controller.results().size(), 1);
+}
+
+TEST_F(SearchControllerTest, doesNotSearchAgainForNothing)
+{
+    controller.searchAgain();
+    EXPECT_FALSE(controller.isSearching());
+    drainMainQueue();
+    EXPECT_TRUE(running.empty());
+}
+
 TEST_F(SearchControllerTest, resetEmptiesEverything)
 {
     controller.setText(QStringLiteral("dog"));
