@@ -7,6 +7,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkProxyFactory>
 #include <QNetworkReply>
+#include <QSslConfiguration>
 
 #include <memory>
 
@@ -40,6 +41,17 @@ bool beginsAt(const QNetworkReply &reply, qint64 offset)
     return reply.rawHeader("Content-Range").trimmed().startsWith("bytes " + QByteArray::number(offset) + '-');
 }
 
+// Behind a proxy of a company's own, npm is told with this variable whom to trust besides the system's
+// authorities. It has just given the address.
+QSslConfiguration asNpmTrusts()
+{
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    const QString more = qEnvironmentVariable("NODE_EXTRA_CA_CERTS");
+    if (!more.isEmpty())
+        configuration.addCaCertificates(more);
+    return configuration;
+}
+
 /// One request for what is missing of the part file.
 class Transfer
 {
@@ -60,6 +72,7 @@ public:
         // A compressed transfer would count other bytes than the pin.
         request.setRawHeader("Accept-Encoding", "identity");
         request.setTransferTimeout(silenceMilliseconds);
+        request.setSslConfiguration(asNpmTrusts());
         const std::unique_ptr<QNetworkReply> reply(network.get(request));
         QEventLoop loop;
         QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);

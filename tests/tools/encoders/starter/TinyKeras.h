@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <map>
 #include <random>
 #include <vector>
@@ -66,7 +67,7 @@ public:
     /// The weights lie in two shards, cut in the middle of one.
     QByteArray shard(const QString &name) const
     {
-        const qsizetype cut = m_bytes.size() / 2 + 1;
+        const qsizetype cut = std::min(m_bytes.size(), m_bytes.size() / 2 + 1);
         return name == QStringLiteral("s1") ? m_bytes.first(cut) : m_bytes.sliced(cut);
     }
 
