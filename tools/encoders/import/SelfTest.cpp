@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <random>
 
 namespace Qorvane::Encoders {
@@ -66,12 +67,42 @@ QRgb chessboard(double x, double y)
     return (int(x * 8) + int(y * 8)) % 2 == 0 ? qRgb(240, 240, 235) : qRgb(25, 25, 25);
 }
 
-QRgb redHeart(double x, double y)
+/// Whether the place lies within `width` of the line from the middle towards `angle` (from the top,
+/// clockwise).
+bool isHand(double x, double y, double angle, double length, double width)
 {
-    const double across = (x - 0.5) * 2.8;
-    const double up = (0.55 - y) * 2.8;
-    const double rim = across * across + up * up - 1;
-    return rim * rim * rim - across * across * up * up * up < 0 ? qRgb(220, 20, 40) : qRgb(255, 255, 255);
+    const double along = x * std::sin(angle) - y * std::cos(angle);
+    const double aside = x * std::cos(angle) + y * std::sin(angle);
+    return along > 0 && along < length && std::abs(aside) < width;
+}
+
+QRgb clockFace(double x, double y)
+{
+    constexpr int hours = 12;
+    const double across = x - 0.5;
+    const double down = y - 0.5;
+    const double radius = std::hypot(across, down);
+    if (radius > 0.44)
+        return qRgb(190, 200, 205);
+    bool isDark =
+        radius > 0.4 || isHand(across, down, 5.24, 0.2, 0.016) || isHand(across, down, 1.05, 0.3, 0.01);
+    for (int hour = 0; hour < hours && radius > 0.33 && radius < 0.38; ++hour)
+        isDark = isDark || isHand(across, down, hour * 2 * std::numbers::pi / hours, 1, 0.012);
+    return isDark ? qRgb(20, 20, 25) : qRgb(250, 250, 245);
+}
+
+QRgb trafficLight(double x, double y)
+{
+    const auto isLamp = [x, y](double height) { return std::hypot(x - 0.5, y - height) < 0.09; };
+    if (isLamp(0.24))
+        return qRgb(255, 40, 30);
+    if (isLamp(0.47))
+        return qRgb(90, 70, 10);
+    if (isLamp(0.7))
+        return qRgb(10, 70, 30);
+    const bool isHousing = std::abs(x - 0.5) < 0.14 && y > 0.1 && y < 0.84;
+    const bool isPole = std::abs(x - 0.5) < 0.03 && y >= 0.84;
+    return isHousing || isPole ? qRgb(25, 28, 28) : mixed(qRgb(120, 170, 225), qRgb(200, 220, 240), y);
 }
 
 struct Vectors
@@ -173,7 +204,8 @@ QList<CaptionedDrawing> captionedDrawings()
         {drawn(sunset), QStringLiteral("a sunset over the sea"), QStringLiteral("海上的日落")},
         {drawn(field), QStringLiteral("a green field under a blue sky"), QStringLiteral("蓝天下的绿色田野")},
         {drawn(chessboard), QStringLiteral("a black and white chessboard"), QStringLiteral("黑白棋盘")},
-        {drawn(redHeart), QStringLiteral("a red heart"), QStringLiteral("一颗红心")},
+        {drawn(clockFace), QStringLiteral("the face of a clock"), QStringLiteral("一个时钟的钟面")},
+        {drawn(trafficLight), QStringLiteral("a traffic light"), QStringLiteral("交通信号灯")},
     };
 }
 
