@@ -12,7 +12,88 @@ namespace {
 // How deep graphs may lie inside of nodes; protobuf's own limit is a hundred messages.
 constexpr int greatestDepth = 90;
 
-enum class Kind { model, graph, node, attribute, tensor, sparseTensor, function, other };
+// Of a model: graphs of its own for the training, which nothing else here looks into.
+constexpr std::uint64_t trainingField = 20;
+
+enum class Kind {
+    model,
+    graph,
+    node,
+    attribute,
+    tensor,
+    sparseTensor,
+    function,
+    value,
+    type,
+    tensorType,
+    innerType, ///< a list's or an optional's, of what lies in it
+    mapType,
+    shape,
+    entries, ///< names and texts
+    other
+};
+
+Kind childOfGraph(std::uint64_t field)
+{
+    switch (field) {
+    case 1:
+        return Kind::node;
+    case 5:
+        return Kind::tensor;
+    case 11: // inputs
+    case 12: // outputs
+    case 13: // values in between
+        return Kind::value;
+    case 14: // what belongs to quantised values
+    case 16: // remarks
+        return Kind::entries;
+    case 15:
+        return Kind::sparseTensor;
+    default:
+        return Kind::other;
+    }
+}
+
+Kind childOfFunction(std::uint64_t field)
+{
+    return field == 7 ? Kind::node : field == 11 ? Kind::attribute : field == 12 ? Kind::value : Kind::other;
+}
+
+Kind childOfAttribute(std::uint64_t field)
+{
+    switch (field) {
+    case 5:
+    case 10:
+        return Kind::tensor;
+    case 6:
+    case 11:
+        return Kind::graph;
+    case 14:
+    case 15:
+        return Kind::type;
+    case 22:
+    case 23:
+        return Kind::sparseTensor;
+    default:
+        return Kind::other;
+    }
+}
+
+Kind childOfType(std::uint64_t field)
+{
+    switch (field) {
+    case 1:
+    case 8:
+        return Kind::tensorType;
+    case 4:
+    case 9:
+        return Kind::innerType;
+    case 5:
+        return Kind::mapType;
+    default:
+        return Kind::other;
+    }
+}
 
 /// What lies in field `field` of a message of kind `kind`, by the numbers of the ONNX file format.
 Kind childKind(Kind kind, std::uint64_t field)
@@ -21,22 +102,29 @@ Kind childKind(Kind kind, std::uint64_t field)
     case Kind::model:
         return field == 7 ? Kind::graph : field == 25 ? Kind::function : Kind::other;
     case Kind::graph:
-        return field == 1    ? Kind::node
-               : field == 5  ? Kind::tensor
-               : field == 15 ? Kind::sparseTensor
-                             : Kind::other;
+        return childOfGraph(field);
     case Kind::function:
-        return field == 7 ? Kind::node : Kind::other;
+        return childOfFunction(field);
     case Kind::node:
         return field == 5 ? Kind::attribute : Kind::other;
     case Kind::attribute:
-        return field == 5 || field == 10    ? Kind::tensor
-               : field == 6 || field == 11  ? Kind::graph
-               : field == 22 || field == 23 ? Kind::sparseTensor
-                                            : Kind::other;
+        return childOfAttribute(field);
     case Kind::sparseTensor:
         return field == 1 || field == 2 ? Kind::tensor : Kind::other;
+    case Kind::value:
+        return field == 2 ? Kind::type : Kind::other;
+    case Kind::type:
+        return childOfType(field);
+    case Kind::tensorType:
+        return field == 2 ? Kind::shape : Kind::other;
+    case Kind::innerType:
+        return field == 1 ? Kind::type : Kind::other;
+    case Kind::mapType:
+        return field == 2 ? Kind::type : Kind::other;
+    case Kind::shape:
+        return field == 1 ? Kind::entries : Kind::other;
     case Kind::tensor:
+    case Kind::entries:
     case Kind::other:
         return Kind::other;
     }
@@ -47,7 +135,7 @@ Kind childKind(Kind kind, std::uint64_t field)
 bool isPackedIntegers(Kind kind, std::uint64_t field)
 {
     return (kind == Kind::tensor && (field == 1 || field == 5 || field == 7 || field == 11)) ||
-           (kind == Kind::attribute && field == 8);
+           (kind == Kind::sparseTensor && field == 3) || (kind == Kind::attribute && field == 8);
 }
 
 class Scan
@@ -61,10 +149,9 @@ public:
 
     bool walk(Kind kind, qsizetype end, int depth);
     bool hasGraph() const { return m_hasGraph; }
-    bool isOverLimit() const
-    {
-        return m_elements > m_limits.elements || m_packedIntegers > m_limits.packedIntegers;
-    }
+    bool hasTraining() const { return m_hasTraining; }
+    bool hasTooManyElements() const { return m_elements > m_limits.elements; }
+    bool hasTooManyPackedIntegers() const { return m_packedIntegers > m_limits.packedIntegers; }
 
 private:
     std::optional<std::uint64_t> varint(qsizetype end);
@@ -77,6 +164,7 @@ private:
     qint64 m_elements = 0;
     qint64 m_packedIntegers = 0;
     bool m_hasGraph = false;
+    bool m_hasTraining = false;
 };
 
 std::optional<std::uint64_t> Scan::varint(qsizetype end)
@@ -113,6 +201,7 @@ bool Scan::walkField(Kind kind, std::uint64_t key, qsizetype end, int depth)
         const Kind child = childKind(kind, field);
         // Also of a graph that its file breaks off in.
         m_hasGraph |= kind == Kind::model && child == Kind::graph;
+        m_hasTraining |= kind == Kind::model && field == trainingField;
         const auto length = varint(end);
         if (!length || *length > static_cast<std::uint64_t>(end - m_at))
             return false;
@@ -135,7 +224,9 @@ bool Scan::walk(Kind kind, qsizetype end, int depth)
     while (m_at < end) {
         ++m_elements;
         const auto key = varint(end);
-        if (!key || *key >> 3 == 0 || isOverLimit() || !walkField(kind, *key, end, depth))
+        if (!key || *key >> 3 == 0 || !walkField(kind, *key, end, depth))
+            return false;
+        if (hasTraining() || hasTooManyElements() || hasTooManyPackedIntegers())
             return false;
     }
     return m_at == end;
@@ -157,7 +248,14 @@ Outcome<void> scanModel(QByteArrayView bytes, const QString &name, const ModelLi
 
     Scan scan(bytes, limits);
     const bool isWhole = scan.walk(Kind::model, bytes.size(), 0);
-    if (scan.isOverLimit())
+    if (scan.hasTraining())
+        return problem(expected, QStringLiteral("one that is being trained"),
+                       QStringLiteral("use an export for use, without instructions for training"));
+    if (scan.hasTooManyPackedIntegers())
+        return problem(expected,
+                       QStringLiteral("weights in an unusual form, as numbers packed one behind the other"),
+                       QStringLiteral("save the model again with raw data, as the usual converters do"));
+    if (scan.hasTooManyElements())
         return problem(expected, QStringLiteral("more nodes and numbers than any encoder has"),
                        QStringLiteral("don't trust this file"));
     if (isWhole && scan.hasGraph())

@@ -12,13 +12,13 @@ struct ModelLimits
 {
     /// The file format can't hold more.
     qint64 fileSize = (qint64(1) << 31) - 1;
-    /// Nodes, constants, attributes and names together; a large encoder has a tenth of that. Each takes two
-    /// bytes in a file and about a hundred in memory.
+    /// Nodes, constants, attributes, types, sizes and names together; a large encoder has a tenth of that.
+    /// Each takes two bytes in a file and about a hundred in memory.
     qint64 elements = 2'000'000;
     /// Bytes of integers in the packed form, which takes up to eight times as much in memory.
     qint64 packedIntegers = qint64(256) << 20;
     /// Weights in files beside the model; what they take on disk.
-    qint64 externalData = qint64(64) << 30;
+    qint64 externalData = qint64(8) << 30;
 };
 
 /// Walks the file's bytes, before anything is allocated from them: true when they have the form of a model

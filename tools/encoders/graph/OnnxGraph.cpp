@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QStorageInfo>
 
 #include <fcntl.h>
 #include <google/protobuf/io/zero_copy_stream_impl.h>
@@ -108,7 +109,7 @@ Outcome<OnnxGraph> OnnxGraph::load(const QString &path, const ModelLimits &limit
         return tl::unexpected(external.error());
     qint64 total = 0;
     for (const ExternalTensor &tensor : *external)
-        total += std::min(tensor.place.length, limits.externalData);
+        total += std::min(tensor.place.length, limits.externalData + 1);
     if (total > limits.externalData)
         return problem(QStringLiteral("weights of at most %1 beside %2")
                            .arg(QLocale::c().formattedDataSize(limits.externalData), name),
@@ -172,6 +173,15 @@ Outcome<void> OnnxGraph::putInside(const std::vector<ExternalTensor> &tensors)
 
 Outcome<void> OnnxGraph::putBeside(const std::vector<ExternalTensor> &tensors, const QString &path)
 {
+    qint64 needed = 0;
+    for (const ExternalTensor &tensor : tensors)
+        needed += tensor.place.length + pageSize;
+    // A disk that is full to the last byte troubles all else that is at work.
+    const qint64 left = QStorageInfo(QFileInfo(path).absolutePath()).bytesAvailable();
+    if (left >= 0 && left < needed)
+        return notWritten(
+            path, QStringLiteral("%1 on the disk where %2 are needed")
+                      .arg(QLocale::c().formattedDataSize(left), QLocale::c().formattedDataSize(needed)));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return notWritten(path, file.errorString());

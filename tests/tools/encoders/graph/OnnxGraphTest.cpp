@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -209,6 +210,94 @@ TEST_F(OnnxGraphTest, RefusesMoreElementsThanTheLimitBeforeMakingThem)
     limits = {};
     limits.fileSize = 100;
     ASSERT_FALSE(OnnxGraph::load(at("a.onnx"), limits));
+}
+
+TEST_F(OnnxGraphTest, CountsTypesAndSizesToo)
+{
+    // Each of these takes two bytes in the file and many times as much in memory.
+    constexpr int count = 5000;
+    ModelLimits limits;
+    limits.elements = count - 1000;
+    const auto refusalOf = [&](const onnx::ModelProto &large) {
+        write("a.onnx", bytesOf(large));
+        const auto graph = OnnxGraph::load(at("a.onnx"), limits);
+        return graph ? std::string() : graph.error().text().toStdString();
+    };
+    EXPECT_EQ(refusalOf(model()), "");
+    const auto addSizes = [](onnx::TypeProto &type) {
+        for (int index = 0; index < count; ++index)
+            type.mutable_tensor_type()->mutable_shape()->add_dim();
+    };
+    onnx::ModelProto input = model();
+    addSizes(*input.mutable_graph()->mutable_input(0)->mutable_type());
+    EXPECT_NE(refusalOf(input).find("more nodes and numbers"), std::string::npos);
+
+    onnx::ModelProto output = model();
+    addSizes(*output.mutable_graph()
+                  ->mutable_output(0)
+                  ->mutable_type()
+                  ->mutable_sequence_type()
+                  ->mutable_elem_type());
+    EXPECT_NE(refusalOf(output).find("more nodes and numbers"), std::string::npos);
+
+    onnx::ModelProto between = model();
+    addSizes(*between.mutable_graph()->add_value_info()->mutable_type());
+    EXPECT_NE(refusalOf(between).find("more nodes and numbers"), std::string::npos);
+
+    onnx::ModelProto attribute = model();
+    addSizes(*attribute.mutable_graph()->mutable_node(0)->add_attribute()->mutable_tp());
+    EXPECT_NE(refusalOf(attribute).find("more nodes and numbers"), std::string::npos);
+}
+
+TEST_F(OnnxGraphTest, RefusesModelsInTraining)
+{
+    onnx::ModelProto training = model();
+    training.add_training_info()->mutable_algorithm()->add_node();
+    write("a.onnx", bytesOf(training));
+    EXPECT_NE(refusal("a.onnx").find("being trained"), std::string::npos);
+}
+
+TEST_F(OnnxGraphTest, SaysWhatToDoAboutWeightsPackedAsIntegers)
+{
+    onnx::ModelProto packed = model();
+    auto &tensor = *packed.mutable_graph()->mutable_initializer(0);
+    tensor.clear_raw_data();
+    tensor.set_data_type(onnx::TensorProto::FLOAT16);
+    for (int index = 0; index < 1000; ++index)
+        tensor.add_int32_data(index);
+    write("a.onnx", bytesOf(packed));
+    EXPECT_EQ(refusal("a.onnx"), "");
+    ModelLimits limits;
+    limits.packedIntegers = 900;
+    const auto graph = OnnxGraph::load(at("a.onnx"), limits);
+    ASSERT_FALSE(graph);
+    EXPECT_TRUE(graph.error().found.contains(QStringLiteral("an unusual form")));
+    EXPECT_TRUE(graph.error().remedy.contains(QStringLiteral("raw data")));
+}
+
+TEST_F(OnnxGraphTest, AsksForRoomBeforeItCopiesWeights)
+{
+    // A file of this length without a byte on the disk.
+    const qint64 size = (QStorageInfo(m_folder.path()).bytesTotal() / 4 + (qint64(1) << 30)) * 4;
+    QFile large(at("large.bin"));
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(large.resize(size));
+    onnx::ModelProto external = externalModel("large.bin", "0", std::to_string(size));
+    auto &tensor = *external.mutable_graph()->mutable_initializer(0);
+    tensor.clear_dims();
+    tensor.add_dims(size / 4);
+    write("a.onnx", bytesOf(external));
+    EXPECT_NE(refusal("a.onnx").find("weights of at most 8"), std::string::npos) << refusal("a.onnx");
+
+    ModelLimits limits;
+    limits.externalData = size;
+    auto graph = OnnxGraph::load(at("a.onnx"), limits);
+    ASSERT_TRUE(graph) << graph.error().text().toStdString();
+    const auto saved = graph->save(at("b.onnx"));
+    ASSERT_FALSE(saved);
+    EXPECT_TRUE(saved.error().found.contains(QStringLiteral("on the disk where")))
+        << saved.error().text().toStdString();
+    EXPECT_FALSE(QFile::exists(at("b.onnx.data")));
 }
 
 TEST_F(OnnxGraphTest, SurvivesDamageOfAnyKind)
