@@ -45,16 +45,47 @@ bool synchronise(const QString &path)
     return isDone;
 }
 
-QString stagingPrefix(const QString &destination)
+using Place = EncoderInstall::Place;
+
+QString stagingPrefix(const QString &destination, Place place)
 {
-    return QFileInfo(destination).absolutePath() + QStringLiteral("/.") + QFileInfo(destination).fileName() +
-           QStringLiteral("-import-");
+    switch (place) {
+    case Place::beside:
+        return QFileInfo(destination).absolutePath() + QStringLiteral("/.") +
+               QFileInfo(destination).fileName() + QStringLiteral("-import-");
+    case Place::inside:
+        return destination + QStringLiteral("/.import-");
+    }
+    return {};
+}
+
+bool isThere(const QString &path)
+{
+    struct stat attributes;
+    return ::lstat(QFile::encodeName(path).constData(), &attributes) == 0;
+}
+
+bool renamed(const QString &from, const QString &to)
+{
+    return ::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+/// Gives the file a second name, or where the file system has none for it moves it there. A folder stays.
+bool keep(const QString &file, const QString &kept)
+{
+    const QFileInfo info(file);
+    if (info.isDir() && !info.isSymLink()) {
+        errno = EISDIR;
+        return false;
+    }
+    return ::link(QFile::encodeName(file).constData(), QFile::encodeName(kept).constData()) == 0 ||
+           renamed(file, kept);
 }
 
 /// What imports that were killed left behind. The lock is held, so none is at work.
-void removeRemains(const QString &destination)
+void removeRemains(const QString &stagingPrefix)
 {
-    const QFileInfo prefix(stagingPrefix(destination));
+    const QFileInfo prefix(stagingPrefix);
     const QStringList remains =
         QDir(prefix.absolutePath())
             .entryList({prefix.fileName() + u'*'}, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -91,22 +122,50 @@ FamilyFiles FamilyFiles::of(Family family)
     return {};
 }
 
-Outcome<EncoderInstall> EncoderInstall::begin(const QString &destination)
+EncoderInstall::MadeFolder::~MadeFolder()
+{
+    // Only when it is empty.
+    ::rmdir(QFile::encodeName(m_path).constData());
+}
+
+EncoderInstall::Place EncoderInstall::placeFor(const QString &folder)
+{
+    struct statx own;
+    struct statx parent;
+    const QByteArray parentPath = QFile::encodeName(QFileInfo(folder).absolutePath());
+    const auto read = [](const QByteArray &path, struct statx &attributes) {
+        return ::statx(AT_FDCWD, path.constData(), 0, STATX_BASIC_STATS, &attributes) == 0;
+    };
+    if (::access(parentPath.constData(), W_OK | X_OK) != 0 || !read(QFile::encodeName(folder), own) ||
+        !read(parentPath, parent))
+        return Place::inside;
+    // A folder may also be mounted from elsewhere in the same file system.
+    const bool isMountPoint = (own.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    const bool isOfTheSameDisk =
+        own.stx_dev_major == parent.stx_dev_major && own.stx_dev_minor == parent.stx_dev_minor;
+    return isOfTheSameDisk && !isMountPoint ? Place::beside : Place::inside;
+}
+
+Outcome<EncoderInstall> EncoderInstall::begin(const QString &destination, std::optional<Place> place)
 {
     const QString absolute = QDir::cleanPath(QDir(destination).absolutePath());
+    const bool wasThere = QFileInfo::exists(absolute);
     if (!Directories::create(absolute))
         return notInstalled(absolute, QStringLiteral("that it can't be made"));
     EncoderInstall install;
     // The folder itself, not a link to it, is what changes places.
     install.m_destination = QFileInfo(absolute).canonicalFilePath();
-    const QString prefix = stagingPrefix(install.m_destination);
+    if (!wasThere)
+        install.m_made = std::make_unique<MadeFolder>(install.m_destination);
+    install.m_place = place.value_or(placeFor(install.m_destination));
+    const QString prefix = stagingPrefix(install.m_destination, install.m_place);
     install.m_lock = std::make_unique<QLockFile>(prefix + QStringLiteral("lock"));
     install.m_lock->setStaleLockTime(0);
     if (!install.m_lock->tryLock(std::chrono::milliseconds(longestWait).count()))
         return notInstalled(absolute, install.m_lock->error() == QLockFile::LockFailedError
                                           ? QStringLiteral("another import at work there")
-                                          : QStringLiteral("that nothing can be put beside it"));
-    removeRemains(install.m_destination);
+                                          : QStringLiteral("that nothing can be put there"));
+    removeRemains(prefix);
     install.m_staging = std::make_unique<QTemporaryDir>(prefix + QStringLiteral("XXXXXX"));
     if (!install.m_staging->isValid())
         return notInstalled(absolute, install.m_staging->errorString());
@@ -133,22 +192,54 @@ bool EncoderInstall::linkOthers(const QStringList &replaced) const
            ::chmod(QFile::encodeName(staging()).constData(), attributes.st_mode & 07777) == 0;
 }
 
+bool EncoderInstall::putBack(const QStringList &replaced, const QStringList &placed) const
+{
+    bool isBack = true;
+    for (const QString &name : replaced) {
+        const QString target = m_destination + u'/' + name;
+        if (isThere(keptFolder() + u'/' + name))
+            isBack &= renamed(keptFolder() + u'/' + name, target);
+        else if (placed.contains(name))
+            isBack &= QFile::remove(target);
+    }
+    // What couldn't be put back is all that there is of it.
+    m_staging->setAutoRemove(isBack);
+    return isBack;
+}
+
 Outcome<bool> EncoderInstall::renameOneByOne(const QStringList &names, const QStringList &replaced,
                                              const std::function<void()> &onStep) const
 {
+    QStringList placed;
+    const auto undone = [&](const QString &name) {
+        const QString reason = QStringLiteral("%1: %2").arg(name, systemError());
+        return putBack(replaced, placed)
+                   ? notInstalled(m_destination, reason)
+                   : notInstalled(m_destination,
+                                  QStringLiteral("%1; files of the old set lie in %2, move them back")
+                                      .arg(reason, keptFolder()));
+    };
+    if (!QDir().mkdir(keptFolder()))
+        return notInstalled(m_destination, systemError());
+    for (const QString &name : replaced) {
+        const QString target = m_destination + u'/' + name;
+        if (isThere(target) && !keep(target, keptFolder() + u'/' + name))
+            return undone(name);
+    }
+    onStep();
     for (const QString &name : replaced) {
         const QString target = m_destination + u'/' + name;
         if (names.contains(name)) {
-            if (::rename(QFile::encodeName(staging() + u'/' + name).constData(),
-                         QFile::encodeName(target).constData()) != 0)
-                return notInstalled(m_destination, systemError());
-        } else if (QFileInfo(target).isFile() && !QFile::remove(target)) {
-            return notInstalled(m_destination, QStringLiteral("that %1 can't be removed").arg(name));
+            if (!renamed(staging() + u'/' + name, target))
+                return undone(name);
+            placed.append(name);
+        } else if (isThere(target) && ::unlink(QFile::encodeName(target).constData()) != 0) {
+            return undone(name);
         }
         onStep();
     }
     if (!synchronise(m_destination))
-        return notInstalled(m_destination, systemError());
+        return undone(m_destination);
     return false;
 }
 
@@ -162,7 +253,7 @@ Outcome<bool> EncoderInstall::commit(Family family, const QStringList &names,
             return notInstalled(m_destination, systemError());
     }
     step();
-    const bool isLinked = linkOthers(replaced);
+    const bool isLinked = m_place == Place::beside && linkOthers(replaced);
     step();
     if (!isLinked || !synchronise(staging()) || !exchange(staging(), m_destination))
         return renameOneByOne(names, replaced, step);

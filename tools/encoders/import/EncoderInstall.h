@@ -9,6 +9,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace Qorvane::Encoders {
 
@@ -30,15 +32,23 @@ struct FamilyFiles
 /// either the whole old set or the whole new one. Other files in the folder stay.
 ///
 /// The new set is made in a folder beside, into which all other files of the old folder are linked; then the
-/// two folders change places, which the system does in one step. Where that can't be (the folder has folders
-/// in it, or the file system can't), the files are renamed one by one, and `isWhole` says
-/// so: then a kill in the middle may leave a mixture.
+/// two folders change places, which the system does in one step. Where that can't be, the files are renamed
+/// one by one, and `commit` says so: one that fails has the old set put back, but a kill in the middle may
+/// leave a mixture. So it is where the folder has folders in it, where it is a mount point, and where nothing
+/// may be put beside it: then the new set is made in a hidden folder inside of it.
 class EncoderInstall
 {
 public:
-    /// For a folder that need not be there. It is made, and another import into it is waited for. What an
-    /// earlier one left behind when it was killed is removed.
-    static Outcome<EncoderInstall> begin(const QString &destination);
+    /// Where the new set is made.
+    enum class Place { beside, inside };
+
+    /// Which of them suits this folder, which must be there.
+    static Place placeFor(const QString &folder);
+
+    /// For a folder that need not be there. It is made, and removed again when nothing comes into it; another
+    /// import into it is waited for. What an earlier one left behind when it was killed is removed. `place`
+    /// is for tests.
+    static Outcome<EncoderInstall> begin(const QString &destination, std::optional<Place> place = {});
 
     /// Where the new files are to be put before `commit`.
     QString staging() const { return m_staging->path(); }
@@ -48,13 +58,34 @@ public:
     Outcome<bool> commit(Family family, const QStringList &names, const std::function<void()> &onStep = {});
 
 private:
+    /// A folder that goes away again unless it is used.
+    class MadeFolder
+    {
+    public:
+        explicit MadeFolder(QString path)
+            : m_path(std::move(path))
+        {
+        }
+        ~MadeFolder();
+        MadeFolder(const MadeFolder &) = delete;
+        MadeFolder &operator=(const MadeFolder &) = delete;
+
+    private:
+        const QString m_path;
+    };
+
     EncoderInstall() = default;
 
+    QString keptFolder() const { return staging() + QStringLiteral("/replaced"); }
+    bool putBack(const QStringList &replaced, const QStringList &placed) const;
     bool linkOthers(const QStringList &replaced) const;
     Outcome<bool> renameOneByOne(const QStringList &names, const QStringList &replaced,
                                  const std::function<void()> &onStep) const;
 
     QString m_destination;
+    Place m_place = Place::beside;
+    // In this order: the lock and the new set may lie in the folder.
+    std::unique_ptr<MadeFolder> m_made;
     std::unique_ptr<QLockFile> m_lock;
     std::unique_ptr<QTemporaryDir> m_staging;
 };

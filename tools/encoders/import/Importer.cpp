@@ -316,6 +316,12 @@ Outcome<void> Import::install()
     const auto committed = install->commit(m_report.family, m_installed);
     if (!committed)
         return tl::unexpected(committed.error());
+    if (!*committed)
+        m_report.missing.append(
+            QStringLiteral(
+                "the files were put into %1 one by one, since it holds folders, is a mount point or "
+                "lies where nothing else may be put; should that be interrupted, import again")
+                .arg(m_request.destination));
     m_progress(1, QStringLiteral("installed"));
     return {};
 }

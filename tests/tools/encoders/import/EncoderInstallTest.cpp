@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -29,9 +30,10 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
     }
 
-    Outcome<bool> installAs(const QByteArray &content, const std::function<void()> &onStep = {}) const
+    Outcome<bool> installAs(const QByteArray &content, const std::function<void()> &onStep = {},
+                            std::optional<EncoderInstall::Place> place = {}) const
     {
-        auto install = EncoderInstall::begin(models());
+        auto install = EncoderInstall::begin(models(), place);
         if (!install)
             return tl::unexpected(install.error());
         for (const QString &name : names)
@@ -118,6 +120,95 @@ TEST_F(EncoderInstallTest, RenamesOneByOneWhereFoldersLieInside)
     EXPECT_EQ(set(), "new");
     EXPECT_EQ(contentOf(at(QStringLiteral("sub/file"))), "mine");
     EXPECT_FALSE(QFile::exists(at(QStringLiteral("ClipTextEncoder.onnx.data"))));
+    EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+}
+
+TEST_F(EncoderInstallTest, PutsTheOldSetBackWhenAFileCannotBeRenamed)
+{
+    for (const auto place : {EncoderInstall::Place::beside, EncoderInstall::Place::inside}) {
+        ASSERT_TRUE(installAs("old"));
+        QDir(models()).mkdir(QStringLiteral("sub"));
+        const QString weights = at(QStringLiteral("ClipVisionEncoder.onnx.data"));
+        Synthetic::writeFile(weights, "old weights");
+        auto install = EncoderInstall::begin(models(), place);
+        ASSERT_TRUE(install) << install.error().text().toStdString();
+        for (const QString &name : names)
+            Synthetic::writeFile(install->staging() + u'/' + name, "new");
+        bool wasMixed = false;
+        const auto done = install->commit(Family::openai, names, [&] {
+            if (set() == "mixed" && !QFile::exists(weights))
+                wasMixed |= QFile::remove(install->staging() + QStringLiteral("/ClipTextEncoder.onnx"));
+        });
+        ASSERT_FALSE(done);
+        EXPECT_TRUE(done.error().found.startsWith(QStringLiteral("ClipTextEncoder.onnx")))
+            << done.error().text().toStdString();
+        EXPECT_TRUE(wasMixed);
+        EXPECT_EQ(set(), "old");
+        EXPECT_EQ(contentOf(weights), "old weights");
+    }
+}
+
+TEST_F(EncoderInstallTest, ChangesNothingWhenAFolderLiesInAFilesPlace)
+{
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(at(QStringLiteral("ClipTextEncoder.onnx/sub"))));
+    ASSERT_FALSE(installAs("new"));
+    EXPECT_EQ(QDir(models()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("ClipTextEncoder.onnx")});
+}
+
+TEST_F(EncoderInstallTest, WorksInsideOfTheFolderWhereItMust)
+{
+    for (const char *content : {"new", "newer"}) {
+        const auto done = installAs(content, {}, EncoderInstall::Place::inside);
+        ASSERT_TRUE(done) << done.error().text().toStdString();
+        EXPECT_FALSE(*done);
+        EXPECT_EQ(set(), content);
+        EXPECT_EQ(QDir(models()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(),
+                  names.size());
+        EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+    }
+}
+
+TEST_F(EncoderInstallTest, ChoosesTheInsideForMountPoints)
+{
+    ASSERT_TRUE(QDir().mkdir(models()));
+    EXPECT_EQ(EncoderInstall::placeFor(models()), EncoderInstall::Place::beside);
+    EXPECT_EQ(EncoderInstall::placeFor(QStringLiteral("/proc")), EncoderInstall::Place::inside);
+}
+
+TEST_F(EncoderInstallTest, InstallsWhereNothingMayBePutBeside)
+{
+    ASSERT_TRUE(QDir().mkdir(models()));
+    // Root may write everywhere, so it becomes someone else for this.
+    constexpr uid_t someone = 65534;
+    const bool isRoot = geteuid() == 0;
+    for (const QString &path : {m_folder.path(), models()})
+        ASSERT_EQ(chown(QFile::encodeName(path).constData(), isRoot ? someone : geteuid(), gid_t(-1)), 0);
+    ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0500), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        if (isRoot && setresuid(someone, someone, someone) != 0)
+            _exit(3);
+        const auto done = installAs("new");
+        _exit(!done ? 2 : *done ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0700), 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(set(), "new");
+}
+
+TEST_F(EncoderInstallTest, RemovesTheFolderThatItMadeWhenNothingComesIntoIt)
+{
+    for (const auto place : {EncoderInstall::Place::beside, EncoderInstall::Place::inside}) {
+        ASSERT_TRUE(EncoderInstall::begin(models(), place));
+        EXPECT_EQ(beside(), QStringList());
+    }
+    ASSERT_TRUE(QDir().mkdir(models()));
+    ASSERT_TRUE(EncoderInstall::begin(models()));
     EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
 }
 

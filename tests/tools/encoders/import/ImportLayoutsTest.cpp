@@ -397,6 +397,18 @@ TEST_F(ImportFixture, KeepsTheLicenceAndTheOtherFamily)
     EXPECT_FALSE(m_report.missing.join(u' ').contains(QStringLiteral("licence")));
 }
 
+TEST_F(ImportFixture, SaysWhenTheFilesWentInOneByOne)
+{
+    writeModel(published("visual.onnx"), visionModel({}));
+    writeModel(published("textual.onnx"), textModel({}));
+    writeFile(published("vocab.json"), openaiVocabulary());
+    expectImport();
+    EXPECT_FALSE(m_report.missing.join(u' ').contains(QStringLiteral("one by one")));
+    writeFile(installed("folder/file"), "mine");
+    expectImport();
+    EXPECT_TRUE(m_report.missing.join(u' ').contains(QStringLiteral("one by one, since it holds folders")));
+}
+
 TEST_F(ImportFixture, GraphsThatUseTheApplicationsNamesForSomethingElse)
 {
     VisionSpec vision;

@@ -28,10 +28,8 @@ protected:
             return {};
         const QStringList left =
             QDir(m_installed.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
-        for (const QString &name : left) {
-            if (name != QStringLiteral("models") || !QDir(installed()).isEmpty())
-                return "left behind: " + name.toStdString();
-        }
+        if (!left.isEmpty())
+            return "left behind: " + left.constFirst().toStdString();
         return report.error().text().toStdString();
     }
 
