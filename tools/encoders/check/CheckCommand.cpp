@@ -1,8 +1,10 @@
 #include "encoders/check/CheckCommand.h"
 
 #include "encoders/Console.h"
+#include "encoders/LanguageRemark.h"
 #include "encoders/QuietLog.h"
 #include "encoders/check/FamilyCheck.h"
+#include "encoders/import/ApartProcess.h"
 #include "platform/Bundle.h"
 
 #include <QFile>
@@ -13,6 +15,20 @@
 namespace Qorvane::Encoders {
 
 namespace {
+
+// What a family's check ends with, apart from codes that a process gives for reasons of its own.
+constexpr int isSoundCode = 10;
+constexpr int isAbsentCode = 11;
+constexpr int isFaultyCode = 12;
+
+int checkAndTell(Family family, const QStringList &directories, Console &console)
+{
+    const FamilyCheck check = checkFamily(family, directories);
+    for (const QString &line : checkLines(check))
+        console.print(line);
+    console.finishProgress();
+    return check.isSound() ? isSoundCode : check.isAbsent() ? isAbsentCode : isFaultyCode;
+}
 
 int run(const QStringList &directories, Console &console)
 {
@@ -26,15 +42,25 @@ int run(const QStringList &directories, Console &console)
     for (const Family family : {Family::openai, Family::chinese}) {
         console.showProgress(done, QStringLiteral("trying the encoders"));
         done += 0.5; // one family of two
-        const FamilyCheck check = checkFamily(family, directories);
-        for (const QString &line : checkLines(check))
-            console.print(line);
-        isAnySound |= check.isSound();
-        isAllSound &= check.isSound() || check.isAbsent();
+        const ApartResult result = doneApart([&] { return checkAndTell(family, directories, console); });
+        if (result.isInterrupted())
+            return console.report(apartProblem(result));
+        const int code = result.code.value_or(isFaultyCode);
+        if (!result.code || code < isSoundCode || code > isFaultyCode) {
+            FamilyCheck check = foundFamily(family, directories);
+            check.selfTest = tl::unexpected(apartProblem(result));
+            for (const QString &line : checkLines(check))
+                console.print(line);
+        }
+        isAnySound |= code == isSoundCode;
+        isAllSound &= code == isSoundCode || code == isAbsentCode;
     }
+    console.finishProgress();
     if (!isAnySound)
         console.note(
             QStringLiteral("No pair can be searched with: install one with \"qorvane-encoders import\"."));
+    if (const QString remark = languageRemark(directories); !remark.isEmpty())
+        console.note(remark);
     return isAnySound && isAllSound ? ExitCode::success : ExitCode::failure;
 }
 

@@ -132,7 +132,7 @@ QString nameOf(Family family)
 
 } // namespace
 
-FamilyCheck checkFamily(Family family, const QStringList &directories)
+FamilyCheck foundFamily(Family family, const QStringList &directories)
 {
     const FamilyFiles names = FamilyFiles::of(family);
     FamilyCheck check;
@@ -149,6 +149,12 @@ FamilyCheck checkFamily(Family family, const QStringList &directories)
         check.vocabularySize = tokensIn(check.vocabulary);
     if (!check.isAbsent())
         check.licence = licenceBeside(check.vision.isEmpty() ? check.text : check.vision, names.licence);
+    return check;
+}
+
+FamilyCheck checkFamily(Family family, const QStringList &directories)
+{
+    FamilyCheck check = foundFamily(family, directories);
     if (check.missing.isEmpty()) {
         check.selfTest = selfTest(check.vision, check.text, check.vocabulary);
         if (check.isSound())

@@ -35,8 +35,11 @@ struct FamilyCheck
     bool isSound() const { return selfTest && selfTest->has_value(); }
 };
 
-/// Looks a family up in `directories`, the first that has a file giving it, and tries it out. Takes seconds;
-/// not on a thread that waits.
+/// Looks a family up in `directories`, the first that has a file giving it.
+FamilyCheck foundFamily(Family family, const QStringList &directories);
+
+/// The same, and tries it out. Takes seconds; not on a thread that waits. A damaged model may end the
+/// process.
 FamilyCheck checkFamily(Family family, const QStringList &directories);
 
 /// The findings in lines for a reader.

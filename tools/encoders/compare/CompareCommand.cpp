@@ -6,6 +6,7 @@
 #include "encoders/compare/ComparisonReport.h"
 #include "encoders/compare/LabelledSet.h"
 #include "encoders/compare/PictureEmbedding.h"
+#include "encoders/import/ApartProcess.h"
 #include "media/WholeFile.h"
 #include "platform/Bundle.h"
 
@@ -91,6 +92,17 @@ public:
                                      QStringLiteral("none can be made in %1").arg(QDir::tempPath()),
                                      QStringLiteral("make room there, or set TMPDIR")});
         }
+        // A large set takes its time.
+        const ApartResult result = doneApart([this] { return compareAndTell(); }, anyProcessorTime);
+        if (result.code)
+            return *result.code;
+        m_console.finishProgress();
+        return m_console.report(apartProblem(result));
+    }
+
+private:
+    int compareAndTell()
+    {
         const Outcome<ComparisonResult> result =
             findRows().and_then([this](const FoundSet &found) { return compare(found); });
         if (!result)
@@ -100,7 +112,6 @@ public:
         return writeJson(*result);
     }
 
-private:
     Outcome<FoundSet> findRows()
     {
         const QString folder = QFileInfo(QString::fromStdString(m_arguments.pictures)).absoluteFilePath();

@@ -8,6 +8,9 @@
 #include "platform/Bundle.h"
 #include "platform/Directories.h"
 
+#include <QDir>
+#include <QFileInfo>
+
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -76,13 +79,17 @@ int runImport(const ImportArguments &arguments, Console &console)
     const auto request = requestOf(arguments);
     if (!request)
         return console.report(request.error());
-    if (const auto code = doneApart([&] { return importAndTell(*request, console); }))
-        return *code;
+    const bool wasThere = QFileInfo::exists(request->destination);
+    const ApartResult result = doneApart([&] { return importAndTell(*request, console); });
+    if (result.code)
+        return *result.code;
+    console.finishProgress();
     // What it left beside the destination goes away with the next beginning, which this is.
     static_cast<void>(EncoderInstall::begin(request->destination));
-    return console.report({QStringLiteral("a model that can be run"),
-                           QStringLiteral("one that ended the process that tried it"),
-                           QStringLiteral("fetch the model again; if that doesn't help, don't use it")});
+    // Only when it is empty.
+    if (!wasThere)
+        QDir().rmdir(request->destination);
+    return console.report(apartProblem(result));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "encoders/import/Importer.h"
 
+#include "encoders/LanguageRemark.h"
 #include "encoders/graph/Adapters.h"
 #include "encoders/import/EncoderInstall.h"
 #include "encoders/import/PublishedLicence.h"
@@ -7,7 +8,6 @@
 #include "encoders/layout/PublishedSettings.h"
 #include "encoders/layout/TokenRows.h"
 #include "encoders/layout/TowerSearch.h"
-#include "semantic/ChineseLocale.h"
 
 #include <QDir>
 #include <QFile>
@@ -322,6 +322,9 @@ Outcome<void> Import::install()
                 "the files were put into %1 one by one, since it holds folders, is a mount point or "
                 "lies where nothing else may be put; should that be interrupted, import again")
                 .arg(m_request.destination));
+    const QString remark = languageRemark(QStringList{m_request.destination} + m_request.vocabularyFolders);
+    if (!remark.isEmpty())
+        m_report.missing.append(remark);
     m_progress(1, QStringLiteral("installed"));
     return {};
 }

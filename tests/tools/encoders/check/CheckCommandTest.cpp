@@ -1,15 +1,21 @@
 #include "encoders/CommandLine.h"
 #include "encoders/Console.h"
 #include "encoders/TestEncoders.h"
+#include "encoders/graph/GraphBuilder.h"
+#include "platform/Languages.h"
 #include "tools/encoders/ConsoleText.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
+#include <QScopeGuard>
+#include <QSysInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <limits>
 #include <string>
 
 using namespace Qorvane;
@@ -91,6 +97,52 @@ TEST_F(CheckCommand, anEncoderThatDoesNotLoadFailsTheSelfTest)
     EXPECT_TRUE(says(QStringLiteral("self-test: FAILED: expected .*; found .*; ")))
         << qPrintable(m_text.results());
     EXPECT_FALSE(says(QStringLiteral("speed:")));
+}
+
+TEST_F(CheckCommand, outlivesAnEncoderThatEndsItsProcess)
+{
+    if (QSysInfo::currentCpuArchitecture() != QStringLiteral("x86_64"))
+        GTEST_SKIP() << "only this processor ends processes for their arithmetic";
+    ASSERT_TRUE(installTestFamily(QStringLiteral("openai")));
+    ASSERT_TRUE(installTestFamily(QStringLiteral("chinese")));
+    // The quotient is one more than the type holds, for which the processor ends the process.
+    onnx::ModelProto model = GraphBuilder::emptyModel(13, "deadly");
+    GraphBuilder builder(*model.mutable_graph());
+    builder.input("pixel_values", onnx::TensorProto::FLOAT, {1, 3, 224, 224});
+    const auto whole = builder.node("Cast", {"pixel_values"}, {{"to", onnx::TensorProto::INT32}});
+    const auto none = builder.node("Sub", {whole, whole});
+    const auto number = [&](int value) {
+        return builder.node("Add", {none, builder.int32s("number", {1}, std::vector<std::int32_t>{value})});
+    };
+    const auto divided = builder.node("Mod", {number(std::numeric_limits<int>::min()), number(-1)});
+    builder.node("ReduceMean", {builder.node("Cast", {divided}, {{"to", onnx::TensorProto::FLOAT}})},
+                 std::vector<std::string>{"image_features"},
+                 {{"axes", std::vector<std::int64_t>{2, 3}}, {"keepdims", 0}});
+    builder.output("image_features", onnx::TensorProto::FLOAT, {1, 3});
+    write(userModelsFolder() + QStringLiteral("/ClipVisionEncoder.onnx"),
+          QByteArray::fromStdString(model.SerializeAsString()));
+
+    EXPECT_EQ(run(), ExitCode::failure);
+    EXPECT_TRUE(says(QStringLiteral("English: installed\n"))) << qPrintable(m_text.results());
+    EXPECT_TRUE(says(QStringLiteral("self-test: FAILED: .*ended the process that tried it")))
+        << qPrintable(m_text.results());
+    EXPECT_TRUE(says(QStringLiteral("Chinese: installed\n")));
+    EXPECT_TRUE(says(QStringLiteral("self-test: passed")));
+}
+
+TEST_F(CheckCommand, saysWhichVocabularyAChineseUserLacks)
+{
+    const auto restore = qScopeGuard([] { Languages::endOverrideForTests(); });
+    Languages::overrideForTests({QStringLiteral("zh-Hans-CN")}, QStringLiteral("zh"));
+    const QString lacking = QStringLiteral("it will know 16 tokens only");
+    ASSERT_TRUE(installTestFamily(QStringLiteral("openai")));
+    EXPECT_EQ(run(), ExitCode::success);
+    EXPECT_TRUE(m_text.messages().contains(lacking)) << qPrintable(m_text.messages());
+    ASSERT_TRUE(installTestFamily(QStringLiteral("chinese")));
+    ConsoleText second;
+    const std::array<const char *, 2> arguments{"qorvane-encoders", "check"};
+    EXPECT_EQ(runCommandLine(2, arguments.data(), second.console()), ExitCode::success);
+    EXPECT_FALSE(second.messages().contains(lacking));
 }
 
 TEST_F(CheckCommand, followsLinksToTheLicenceBesideTheirTargets)

@@ -1,11 +1,17 @@
 #include "encoders/CommandLine.h"
 #include "encoders/import/ApartProcess.h"
+#include "platform/Languages.h"
 #include "tools/encoders/ConsoleText.h"
 #include "tools/encoders/import/ImportFixture.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QScopeGuard>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <csignal>
 #include <random>
 
@@ -35,6 +41,32 @@ protected:
     ConsoleText m_text;
 };
 
+/// A tower that goes round in its last step for longer than any computer lives.
+onnx::ModelProto endlessModel()
+{
+    onnx::ModelProto model = visionModel({});
+    onnx::GraphProto &graph = *model.mutable_graph();
+    graph.clear_output();
+    GraphBuilder builder(graph);
+    const auto count = builder.int64s("count", {}, std::vector<std::int64_t>{std::int64_t(1) << 60});
+    auto &loop =
+        builder.node("Loop", {count, "", "image_embeds"}, std::vector<std::string>{"image_features"});
+    auto &attribute = *loop.add_attribute();
+    attribute.set_name("body");
+    attribute.set_type(onnx::AttributeProto::GRAPH);
+    attribute.mutable_g()->set_name("body");
+    GraphBuilder body(*attribute.mutable_g());
+    body.input("round", onnx::TensorProto::INT64, {});
+    body.input("goes_on", onnx::TensorProto::BOOL, {});
+    body.input("before", onnx::TensorProto::FLOAT, {-1, 24});
+    body.node("Identity", {"goes_on"}, std::vector<std::string>{"goes_on_still"});
+    body.node("Tanh", {"before"}, std::vector<std::string>{"behind"});
+    body.output("goes_on_still", onnx::TensorProto::BOOL, {});
+    body.output("behind", onnx::TensorProto::FLOAT, {-1, 24});
+    builder.output("image_features", onnx::TensorProto::FLOAT, {-1, 24});
+    return model;
+}
+
 TEST_F(ImportCommand, TellsWhatItRecognisedAdaptedAndMissed)
 {
     EXPECT_EQ(run({published().toStdString(), "--out", installed().toStdString()}), ExitCode::success);
@@ -60,6 +92,19 @@ TEST_F(ImportCommand, InstallsWhereTheApplicationLooksWithoutAnotherPlace)
         QFileInfo::exists(m_installed.filePath(QStringLiteral("Qorvane/models/ClipVisionEncoder.onnx"))));
 }
 
+TEST_F(ImportCommand, SaysWhichVocabularyAChineseUserLacks)
+{
+    const auto restore = qScopeGuard([] { Qorvane::Languages::endOverrideForTests(); });
+    const QString lacking = QStringLiteral("mind: your language is Chinese, for which Qorvane takes "
+                                           "chinese_vocab.json, and there is none: it will know 16 tokens");
+    Qorvane::Languages::overrideForTests({QStringLiteral("en")}, QStringLiteral("en"));
+    EXPECT_EQ(run({published().toStdString(), "--out", installed().toStdString()}), ExitCode::success);
+    EXPECT_FALSE(m_text.results().contains(lacking));
+    Qorvane::Languages::overrideForTests({QStringLiteral("zh-Hans-CN")}, QStringLiteral("zh"));
+    EXPECT_EQ(run({published().toStdString(), "--out", installed().toStdString()}), ExitCode::success);
+    EXPECT_TRUE(m_text.results().contains(lacking)) << m_text.results().toStdString();
+}
+
 TEST_F(ImportCommand, FailsWithWhatWasExpectedAndFound)
 {
     writeFile(published("visual.onnx"), "no model");
@@ -77,12 +122,68 @@ TEST_F(ImportCommand, TakesNoFamilyThatIsNone)
 TEST_F(ImportCommand, OutlivesModelsThatEndTheRuntime)
 {
     // As a damaged one can: some division by zero, or a jump to nowhere.
-    EXPECT_EQ(doneApart([] { return 3; }), 3);
-    EXPECT_EQ(doneApart([]() -> int {
-                  std::raise(SIGKILL);
-                  return 0;
-              }),
-              std::nullopt);
+    EXPECT_EQ(doneApart([] { return 3; }).code, 3);
+    const ApartResult killed = doneApart([]() -> int {
+        std::raise(SIGKILL);
+        return 0;
+    });
+    EXPECT_EQ(killed.code, std::nullopt);
+    EXPECT_EQ(killed.signal, SIGKILL);
+    EXPECT_FALSE(killed.isInterrupted());
+    EXPECT_TRUE(apartProblem(killed).found.contains(QStringLiteral("ended the process that tried it")));
+}
+
+TEST_F(ImportCommand, EndsModelsThatNeverComeToAnEnd)
+{
+    const ApartResult late = doneApart(
+        []() -> int {
+            std::atomic_uint round = 0;
+            for (;;)
+                ++round;
+        },
+        std::chrono::seconds(1));
+    EXPECT_EQ(late.signal, SIGXCPU);
+    EXPECT_TRUE(apartProblem(late).found.contains(QStringLiteral("10 minutes of the processor's time")));
+}
+
+TEST_F(ImportCommand, HandsTheWishToEndToTheCopyAndLivesOn)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const ApartResult interrupted = doneApart([signal]() -> int {
+            kill(getppid(), signal);
+            for (;;)
+                pause();
+        });
+        EXPECT_EQ(interrupted.code, std::nullopt);
+        EXPECT_EQ(interrupted.signal, signal);
+        EXPECT_TRUE(interrupted.isInterrupted());
+        EXPECT_TRUE(apartProblem(interrupted).found.contains(QStringLiteral("interrupted")));
+    }
+}
+
+TEST_F(ImportCommand, LeavesNothingBehindWhenItIsInterrupted)
+{
+    writeModel(published("visual.onnx"), endlessModel());
+    const pid_t whole = fork();
+    ASSERT_GE(whole, 0);
+    if (whole == 0)
+        _exit(run({published().toStdString(), "--out", installed().toStdString()}));
+    const auto staged = [this] {
+        return !QDir(m_installed.path())
+                    .entryList({QStringLiteral(".models-import-*")}, QDir::Dirs | QDir::Hidden)
+                    .isEmpty();
+    };
+    int status = 0;
+    bool isOver = false;
+    while (!staged() && !isOver)
+        isOver = waitpid(whole, &status, WNOHANG) == whole;
+    ASSERT_FALSE(isOver);
+    kill(whole, SIGTERM);
+    ASSERT_EQ(waitpid(whole, &status, 0), whole);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), ExitCode::failure);
+    EXPECT_EQ(QDir(m_installed.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList());
 }
 
 TEST_F(ImportCommand, RefusesDamagedModelsAndGoesOn)
