@@ -42,6 +42,12 @@ QString familyText(Family family)
     return {};
 }
 
+QString adaptedLine(const QString &what, const QStringList &said)
+{
+    return QStringLiteral("%1: %2").arg(what, said.isEmpty() ? QStringLiteral("nothing had to be")
+                                                             : said.join(QStringLiteral(", ")));
+}
+
 /// One import, from step to step.
 class Import
 {
@@ -268,10 +274,9 @@ Outcome<void> Import::adapt(EncoderInstall &install)
 {
     m_progress(0.3, QStringLiteral("adapting"));
     const FamilyFiles files = FamilyFiles::of(m_report.family);
-    m_report.adapted.append(QStringLiteral("pictures: ") +
-                            adaptVision(m_towers->vision.model(), m_vision).join(QStringLiteral(", ")));
-    m_report.adapted.append(QStringLiteral("texts: ") +
-                            adaptText(m_towers->text.model(), m_text).join(QStringLiteral(", ")));
+    m_report.adapted.append(
+        adaptedLine(QStringLiteral("pictures"), adaptVision(m_towers->vision.model(), m_vision)));
+    m_report.adapted.append(adaptedLine(QStringLiteral("texts"), adaptText(m_towers->text.model(), m_text)));
     if (auto saved = saveGraph(m_towers->vision, install, files.vision); !saved)
         return saved;
     if (auto saved = saveGraph(m_towers->text, install, files.text); !saved)

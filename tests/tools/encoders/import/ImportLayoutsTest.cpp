@@ -583,6 +583,8 @@ TEST_P(ImportTexts, GiveWhatTheOriginalGives)
     writeFile(published("vocab.json"), openaiVocabulary());
     expectImport();
     expectSameTexts(Family::openai, published("textual.onnx"), GetParam().form, exactly);
+    for (const QString &line : m_report.adapted)
+        EXPECT_FALSE(line.endsWith(QStringLiteral(": "))) << line.toStdString();
 }
 
 } // namespace
