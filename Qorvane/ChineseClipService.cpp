@@ -4,9 +4,9 @@
 #include "clip/EmbeddingPicture.h"
 #include "clip/MemorySearch.h"
 #include "clip/SearchVerification.h"
+#include "platform/ChineseLocale.h"
 #include "platform/DetachedTask.h"
 #include "platform/Log.h"
-#include "semantic/ChineseLocale.h"
 #include "semantic/NumberText.h"
 
 #include <QCoreApplication>

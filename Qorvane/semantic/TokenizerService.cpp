@@ -2,9 +2,9 @@
 
 #include "platform/Bundle.h"
 #include "platform/Characters.h"
+#include "platform/ChineseLocale.h"
 #include "platform/Log.h"
 #include "platform/WhiteSpace.h"
-#include "semantic/ChineseLocale.h"
 
 #include <algorithm>
 #include <utility>

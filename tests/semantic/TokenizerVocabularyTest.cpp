@@ -2,7 +2,6 @@
 
 #include "platform/Directories.h"
 #include "platform/Languages.h"
-#include "semantic/ChineseLocale.h"
 #include "semantic/TokenizerService.h"
 #include "support/LogCapture.h"
 
@@ -154,21 +153,6 @@ TEST(ParseVocabulary, anythingButAnObjectIsAFailure)
 {
     for (const char *json : {"", "[]", "7", "\"text\"", "{\"a\": 1", "{\"a\": 1} x", "null"})
         EXPECT_FALSE(parseVocabulary(json).has_value()) << json;
-}
-
-TEST(ChineseLocale, goesByTheFirstLanguageOrElseTheLocale)
-{
-    const auto isChinese = [](const QStringList &preferred, const char *code) {
-        Languages::overrideForTests(preferred, QLatin1String(code));
-        return isChineseLocale();
-    };
-    EXPECT_TRUE(isChinese({QStringLiteral("zh-Hans-CN"), QStringLiteral("en")}, "en"));
-    EXPECT_TRUE(isChinese({QStringLiteral("ZH")}, "en"));
-    EXPECT_TRUE(isChinese({QStringLiteral("en-CN")}, "zh"));
-    EXPECT_TRUE(isChinese({}, "ZH"));
-    EXPECT_FALSE(isChinese({QStringLiteral("en"), QStringLiteral("zh-Hans-CN")}, "en"));
-    EXPECT_FALSE(isChinese({}, ""));
-    Languages::endOverrideForTests();
 }
 
 TEST(SharedTokenizer, isMadeOnceFromTheUsersLanguageAndResources)

@@ -2,7 +2,7 @@
 
 #include "encoders/import/EncoderInstall.h"
 #include "platform/Bundle.h"
-#include "semantic/ChineseLocale.h"
+#include "platform/ChineseLocale.h"
 #include "semantic/TokenizerVocabulary.h"
 
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "semantic/ChineseLocale.h"
+#include "platform/ChineseLocale.h"
 
 #include "platform/Languages.h"
 
