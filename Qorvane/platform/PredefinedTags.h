@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+namespace Qorvane {
+
+/// The built-in vocabulary of tags: what is suggested while a tag is typed, and recommended for a photo. The
+/// order is part of it: suggestions come in it. Both lists hold repeats, and their entries aren't paired with
+/// one another's. Any thread.
+const QStringList &predefinedTagsEnglish();
+const QStringList &predefinedTagsChinese();
+
+/// The one in the user's language, looked at anew with every call.
+const QStringList &predefinedTags();
+
+} // namespace Qorvane
