@@ -19,6 +19,8 @@ EmbeddingStore::EmbeddingStore()
     : m_images(m_connection)
     , m_tags(m_connection)
     , m_ratings(m_connection)
+    , m_tagVectors(m_connection)
+    , m_settings(m_connection)
     , m_queue("com.qorvane.embeddingstore", QualityOfService::utility)
 {
     m_connection.openDatabase();
@@ -148,6 +150,11 @@ QStringList EmbeddingStore::getTags(const QString &path)
     return onQueue([&] { return m_tags.getTags(path); });
 }
 
+int EmbeddingStore::getTagCount(const QString &tag)
+{
+    return onQueue([&] { return m_tags.getTagCount(tag); });
+}
+
 QStringList EmbeddingStore::fetchPathsByTag(const QString &tag)
 {
     Log::line(QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: '") + tag + u'\'');
@@ -172,9 +179,50 @@ std::optional<int> EmbeddingStore::getRating(const QString &path)
     return onQueue([&] { return m_ratings.getRating(path); });
 }
 
+int EmbeddingStore::getRatingCount(int rating)
+{
+    return onQueue([&] { return m_ratings.getRatingCount(rating); });
+}
+
 QStringList EmbeddingStore::fetchPathsByRating(int rating)
 {
     return onQueue([&] { return m_ratings.fetchPathsByRating(rating); });
+}
+
+void EmbeddingStore::storeTagVector(const QString &tag, const std::vector<float> &vector)
+{
+    if (!vector.empty())
+        onQueue([&] { m_tagVectors.storeTagVector(tag, vector); });
+}
+
+std::optional<std::vector<float>> EmbeddingStore::loadTagVector(const QString &tag)
+{
+    return onQueue([&] { return m_tagVectors.loadTagVector(tag); });
+}
+
+TagVectors EmbeddingStore::loadAllTagVectors()
+{
+    return onQueue([&] { return m_tagVectors.loadAllTagVectors(); });
+}
+
+void EmbeddingStore::cleanupObsoleteTagVectors(const QSet<QString> &validTags)
+{
+    onQueue([&] { m_tagVectors.cleanupObsoleteTagVectors(validTags); });
+}
+
+void EmbeddingStore::setSetting(const QString &key, const QString &value)
+{
+    onQueue([&] { m_settings.setSetting(key, value); });
+}
+
+std::optional<QString> EmbeddingStore::getSetting(const QString &key)
+{
+    return onQueue([&] { return m_settings.getSetting(key); });
+}
+
+void EmbeddingStore::deleteSetting(const QString &key)
+{
+    onQueue([&] { m_settings.deleteSetting(key); });
 }
 
 } // namespace Qorvane

@@ -4,8 +4,10 @@
 #include "store/ImageVectorRecords.h"
 #include "store/ImageVectorRow.h"
 #include "store/RatingRecords.h"
+#include "store/SettingRecords.h"
 #include "store/StoreConnection.h"
 #include "store/TagRecords.h"
+#include "store/TagVectorRecords.h"
 
 #include <QString>
 #include <QStringList>
@@ -17,7 +19,7 @@
 namespace Qorvane {
 
 /// The single owner of the application's one SQLite database: image vectors, tags and ratings, all keyed by
-/// the file's path exactly as it stands.
+/// the file's path exactly as it stands, the vectors of tags' texts, and settings.
 ///
 /// Every operation runs on the store's queue and blocks its caller until it is done; any thread may call, but
 /// not from inside a visitor of `scanVectors`. No operation throws or returns an error: a failure ends in one
@@ -79,6 +81,8 @@ public:
     QStringList listAllTags();
     /// The tags of one file, in the order of `listAllTags`.
     QStringList getTags(const QString &path);
+    /// How many files carry the tag.
+    int getTagCount(const QString &tag);
     QStringList fetchPathsByTag(const QString &tag);
 
     /// Sets 1 to 5 stars; absent, or any other number, removes the rating.
@@ -86,7 +90,23 @@ public:
     void clearRating(const QString &path);
     /// Nothing without a rating, and nothing after a failure: the caller can't tell the two apart.
     std::optional<int> getRating(const QString &path);
+    /// How many files have so many stars.
+    int getRatingCount(int rating);
     QStringList fetchPathsByRating(int rating);
+
+    /// Keeps the embedding of a tag's text, in place of an earlier one; an empty one changes nothing.
+    void storeTagVector(const QString &tag, const std::vector<float> &vector);
+    /// Nothing for a tag without one.
+    std::optional<std::vector<float>> loadTagVector(const QString &tag);
+    TagVectors loadAllTagVectors();
+    /// Removes the vectors of all tags that aren't in `validTags`, to the letter, with a log line for each.
+    void cleanupObsoleteTagVectors(const QSet<QString> &validTags);
+
+    /// Texts that have to live and go with the database; preferences lie elsewhere.
+    void setSetting(const QString &key, const QString &value);
+    /// Nothing for an unknown key, and nothing after a failure.
+    std::optional<QString> getSetting(const QString &key);
+    void deleteSetting(const QString &key);
 
 private:
     /// Runs `body` on the queue and gives its result.
@@ -97,6 +117,8 @@ private:
     ImageVectorRecords m_images;
     TagRecords m_tags;
     RatingRecords m_ratings;
+    TagVectorRecords m_tagVectors;
+    SettingRecords m_settings;
     SerialQueue m_queue; // last: its thread ends before what it works on goes
 };
 

@@ -62,6 +62,17 @@ std::optional<int> RatingRecords::getRating(const QString &path) const
     return statement.integer(0);
 }
 
+int RatingRecords::getRatingCount(int rating) const
+{
+    Statement statement(m_connection.handle(), "SELECT COUNT(*) FROM image_ratings WHERE rating = ?");
+    if (!statement.isPrepared()) {
+        m_connection.logFailure("getRatingCount", Phase::prepare);
+        return 0;
+    }
+    statement.bindInt(1, rating);
+    return statement.stepToRow() ? statement.integer(0) : 0;
+}
+
 QStringList RatingRecords::fetchPathsByRating(int rating) const
 {
     Statement statement(m_connection.handle(), "SELECT path FROM image_ratings WHERE rating = ?");

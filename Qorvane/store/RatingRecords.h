@@ -21,6 +21,7 @@ public:
 
     void setRating(const QString &path, std::optional<int> rating);
     std::optional<int> getRating(const QString &path) const;
+    int getRatingCount(int rating) const;
     QStringList fetchPathsByRating(int rating) const;
 
 private:

@@ -62,6 +62,11 @@ bool Statement::stepToEnd()
     return sqlite3_step(m_statement) == SQLITE_DONE;
 }
 
+void Statement::reset()
+{
+    sqlite3_reset(m_statement);
+}
+
 std::optional<std::string_view> Statement::utf8(int column) const
 {
     const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(m_statement, column));

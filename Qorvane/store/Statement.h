@@ -44,6 +44,8 @@ public:
     bool stepToRow();
     /// Steps once; true when the statement has run to its end.
     bool stepToEnd();
+    /// Makes the statement ready to be bound and stepped once more.
+    void reset();
 
     /// The bytes of a text up to its first NUL, in place until the next step; nothing for NULL.
     std::optional<std::string_view> utf8(int column) const;

@@ -92,6 +92,17 @@ QStringList TagRecords::listAllTags() const
     return statement.remainingTexts();
 }
 
+int TagRecords::getTagCount(const QString &tag) const
+{
+    Statement statement(m_connection.handle(), "SELECT COUNT(*) FROM image_tags WHERE tag = ?");
+    if (!statement.isPrepared()) {
+        m_connection.logFailure("getTagCount", Phase::prepare);
+        return 0;
+    }
+    statement.bindText(1, tag);
+    return statement.stepToRow() ? statement.integer(0) : 0;
+}
+
 QStringList TagRecords::fetchPathsByTag(const QString &tag) const
 {
     Statement statement(m_connection.handle(), "SELECT path FROM image_tags WHERE tag = ?");

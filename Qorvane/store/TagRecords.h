@@ -25,6 +25,7 @@ public:
     void deleteTagGlobally(const QString &tag);
     QStringList getTags(const QString &path) const;
     QStringList listAllTags() const;
+    int getTagCount(const QString &tag) const;
     QStringList fetchPathsByTag(const QString &tag) const;
 
 private:

@@ -56,6 +56,16 @@ TEST_F(RatingRecordsTest, pathsOfARating)
     EXPECT_EQ(store.fetchPathsByRating(1), QStringList());
 }
 
+TEST_F(RatingRecordsTest, countsTheFilesOfARating)
+{
+    EXPECT_EQ(store.getRatingCount(3), 0);
+    store.setRating(QStringLiteral("/p/a.jpg"), 5);
+    store.setRating(QStringLiteral("/p/b.jpg"), 4);
+    store.setRating(QStringLiteral("/p/c.jpg"), 5);
+    EXPECT_EQ(store.getRatingCount(5), 2);
+    EXPECT_EQ(store.getRatingCount(3), 0);
+}
+
 TEST_F(RatingRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
 {
     changeSchema(store, "DROP TABLE image_ratings");
@@ -64,11 +74,13 @@ TEST_F(RatingRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
     store.clearRating(path);
     EXPECT_EQ(store.getRating(path), std::nullopt);
     EXPECT_EQ(store.fetchPathsByRating(3), QStringList());
+    EXPECT_EQ(store.getRatingCount(3), 0);
     const QString reason = QStringLiteral(" prepare error: no such table: image_ratings");
     EXPECT_EQ(log.lines(),
               QStringList({QStringLiteral("❌ setRating") + reason, QStringLiteral("❌ clearRating") + reason,
                            QStringLiteral("❌ clearRating") + reason, QStringLiteral("❌ getRating") + reason,
-                           QStringLiteral("❌ fetchPathsByRating") + reason}));
+                           QStringLiteral("❌ fetchPathsByRating") + reason,
+                           QStringLiteral("❌ getRatingCount") + reason}));
 }
 
 TEST_F(RatingRecordsTest, failedStepsAreLogged)

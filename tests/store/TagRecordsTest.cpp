@@ -169,6 +169,16 @@ TEST_F(TagRecordsTest, deletingATagGloballyIsOneStatement)
     EXPECT_EQ(store.getTagVectorCount(), 1);
 }
 
+TEST_F(TagRecordsTest, countsTheFilesOfATag)
+{
+    EXPECT_EQ(store.getTagCount(cat), 0);
+    store.addTag(QStringLiteral("/p/a.jpg"), cat);
+    store.addTag(QStringLiteral("/p/b.jpg"), cat);
+    store.addTag(QStringLiteral("/p/b.jpg"), QStringLiteral("Cat"));
+    EXPECT_EQ(store.getTagCount(cat), 2);
+    EXPECT_EQ(store.getTagCount(QStringLiteral("c%")), 0);
+}
+
 TEST_F(TagRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
 {
     changeSchema(store, "DROP TABLE image_tags");
@@ -178,16 +188,18 @@ TEST_F(TagRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
     store.deleteTagGlobally(cat);
     EXPECT_EQ(store.getTags(path), QStringList());
     EXPECT_EQ(store.listAllTags(), QStringList());
+    EXPECT_EQ(store.getTagCount(cat), 0);
     EXPECT_EQ(store.fetchPathsByTag(cat), QStringList());
     const QString reason = QStringLiteral(" prepare error: no such table: image_tags");
-    EXPECT_EQ(log.lines(),
-              QStringList({QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
-                           QStringLiteral("❌ deleteTagGlobally") + reason,
-                           QStringLiteral("❌ getTags") + reason, QStringLiteral("❌ listAllTags") + reason,
-                           QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
-                           QStringLiteral("❌ fetchPathsByTag") + reason,
-                           QStringLiteral(
-                               "🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
+    EXPECT_EQ(
+        log.lines(),
+        QStringList(
+            {QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
+             QStringLiteral("❌ deleteTagGlobally") + reason, QStringLiteral("❌ getTags") + reason,
+             QStringLiteral("❌ listAllTags") + reason, QStringLiteral("❌ getTagCount") + reason,
+             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
+             QStringLiteral("❌ fetchPathsByTag") + reason,
+             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
 }
 
 TEST_F(TagRecordsTest, failedStepsAreLoggedButForReplacement)
