@@ -82,15 +82,47 @@ bool keep(const QString &file, const QString &kept)
            renamed(file, kept);
 }
 
-/// What imports that were killed left behind. The lock is held, so none is at work.
-void removeRemains(const QString &stagingPrefix)
+QString keptIn(const QString &staging)
+{
+    return staging + QStringLiteral("/replaced");
+}
+
+/// The kept files aren't needed any more. Only under another name may they go one by one: what lies under
+/// their own is put back.
+void dropKept(const QString &staging)
+{
+    renamed(keptIn(staging), staging + QStringLiteral("/dropped"));
+}
+
+tl::unexpected<Problem> notPutBack(const QString &folder, const QString &reason, const QString &kept)
+{
+    return problem(QStringLiteral("a folder for the encoders at %1").arg(folder),
+                   QStringLiteral("%1; files of the old set lie in %2").arg(reason, kept),
+                   QStringLiteral("make room and look after the permissions, then run this again: it puts "
+                                  "them back first"));
+}
+
+/// Puts back what an import that was killed, or that couldn't, had kept of the old set, and removes the rest
+/// of what it left behind. The lock is held, so none is at work. A file that only the new set has stays: who
+/// put it there can't be told, and the old set doesn't mind it.
+Outcome<void> clearRemains(const QString &stagingPrefix, const QString &destination)
 {
     const QFileInfo prefix(stagingPrefix);
     const QStringList remains =
         QDir(prefix.absolutePath())
             .entryList({prefix.fileName() + u'*'}, QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
-    for (const QString &name : remains)
-        QDir(prefix.absolutePath() + u'/' + name).removeRecursively();
+    for (const QString &name : remains) {
+        const QString staging = prefix.absolutePath() + u'/' + name;
+        const QString kept = keptIn(staging);
+        const QStringList files = QDir(kept).entryList(QDir::Files | QDir::Hidden | QDir::System);
+        for (const QString &file : files) {
+            if (!renamed(kept + u'/' + file, destination + u'/' + file))
+                return notPutBack(destination, QStringLiteral("%1: %2").arg(file, systemError()), kept);
+        }
+        dropKept(staging);
+        QDir(staging).removeRecursively();
+    }
+    return {};
 }
 
 /// Both folders change places in one step of the file system.
@@ -165,7 +197,8 @@ Outcome<EncoderInstall> EncoderInstall::begin(const QString &destination, std::o
         return notInstalled(absolute, install.m_lock->error() == QLockFile::LockFailedError
                                           ? QStringLiteral("another import at work there")
                                           : QStringLiteral("that nothing can be put there"));
-    removeRemains(prefix);
+    if (const Outcome<void> cleared = clearRemains(prefix, install.m_destination); !cleared)
+        return tl::unexpected(cleared.error());
     install.m_staging = std::make_unique<QTemporaryDir>(prefix + QStringLiteral("XXXXXX"));
     if (!install.m_staging->isValid())
         return notInstalled(absolute, install.m_staging->errorString());
@@ -194,36 +227,37 @@ bool EncoderInstall::linkOthers(const QStringList &replaced) const
 
 bool EncoderInstall::putBack(const QStringList &replaced, const QStringList &placed) const
 {
+    const QString kept = keptIn(staging());
     bool isBack = true;
     for (const QString &name : replaced) {
         const QString target = m_destination + u'/' + name;
-        if (isThere(keptFolder() + u'/' + name))
-            isBack &= renamed(keptFolder() + u'/' + name, target);
+        if (isThere(kept + u'/' + name))
+            isBack &= renamed(kept + u'/' + name, target);
         else if (placed.contains(name))
             isBack &= QFile::remove(target);
     }
-    // What couldn't be put back is all that there is of it.
+    // What couldn't be put back is all that there is of it; the next `begin` tries again.
     m_staging->setAutoRemove(isBack);
+    if (isBack)
+        dropKept(staging());
     return isBack;
 }
 
 Outcome<bool> EncoderInstall::renameOneByOne(const QStringList &names, const QStringList &replaced,
                                              const std::function<void()> &onStep) const
 {
+    const QString kept = keptIn(staging());
     QStringList placed;
     const auto undone = [&](const QString &name) {
         const QString reason = QStringLiteral("%1: %2").arg(name, systemError());
-        return putBack(replaced, placed)
-                   ? notInstalled(m_destination, reason)
-                   : notInstalled(m_destination,
-                                  QStringLiteral("%1; files of the old set lie in %2, move them back")
-                                      .arg(reason, keptFolder()));
+        return putBack(replaced, placed) ? notInstalled(m_destination, reason)
+                                         : notPutBack(m_destination, reason, kept);
     };
-    if (!QDir().mkdir(keptFolder()))
+    if (!QDir().mkdir(kept))
         return notInstalled(m_destination, systemError());
     for (const QString &name : replaced) {
         const QString target = m_destination + u'/' + name;
-        if (isThere(target) && !keep(target, keptFolder() + u'/' + name))
+        if (isThere(target) && !keep(target, kept + u'/' + name))
             return undone(name);
     }
     onStep();
@@ -240,6 +274,7 @@ Outcome<bool> EncoderInstall::renameOneByOne(const QStringList &names, const QSt
     }
     if (!synchronise(m_destination))
         return undone(m_destination);
+    dropKept(staging());
     return false;
 }
 

@@ -33,9 +33,10 @@ struct FamilyFiles
 ///
 /// The new set is made in a folder beside, into which all other files of the old folder are linked; then the
 /// two folders change places, which the system does in one step. Where that can't be, the files are renamed
-/// one by one, and `commit` says so: one that fails has the old set put back, but a kill in the middle may
-/// leave a mixture. So it is where the folder has folders in it, where it is a mount point, and where nothing
-/// may be put beside it: then the new set is made in a hidden folder inside of it.
+/// one by one, and `commit` says so: one that fails has the old set put back, but a kill in the middle leaves
+/// a mixture until the next `begin` puts the old files back. So it is where the folder has folders in it,
+/// where it is a mount point, and where nothing may be put beside it: then the new set is made in a hidden
+/// folder inside of it.
 class EncoderInstall
 {
 public:
@@ -46,8 +47,8 @@ public:
     static Place placeFor(const QString &folder);
 
     /// For a folder that need not be there. It is made, and removed again when nothing comes into it; another
-    /// import into it is waited for. What an earlier one left behind when it was killed is removed. `place`
-    /// is for tests.
+    /// import into it is waited for. What an earlier one took away without coming to its end is put back,
+    /// which must succeed, and what else it left behind is removed. `place` is for tests.
     static Outcome<EncoderInstall> begin(const QString &destination, std::optional<Place> place = {});
 
     /// Where the new files are to be put before `commit`.
@@ -76,7 +77,6 @@ private:
 
     EncoderInstall() = default;
 
-    QString keptFolder() const { return staging() + QStringLiteral("/replaced"); }
     bool putBack(const QStringList &replaced, const QStringList &placed) const;
     bool linkOthers(const QStringList &replaced) const;
     Outcome<bool> renameOneByOne(const QStringList &names, const QStringList &replaced,

@@ -84,8 +84,9 @@ int runImport(const ImportArguments &arguments, Console &console)
     if (result.code)
         return *result.code;
     console.finishProgress();
-    // What it left beside the destination goes away with the next beginning, which this is.
-    static_cast<void>(EncoderInstall::begin(request->destination));
+    // What it took away comes back, and what it left behind goes, with the next beginning, which this is.
+    if (const auto begun = EncoderInstall::begin(request->destination); !begun)
+        console.note(begun.error().text());
     // Only when it is empty.
     if (!wasThere)
         QDir().rmdir(request->destination);

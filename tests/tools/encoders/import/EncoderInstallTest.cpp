@@ -246,6 +246,72 @@ TEST_F(EncoderInstallTest, LeavesTheOldOrTheNewSetWhenKilledAtAnyStep)
     EXPECT_EQ(after.constLast(), "new");
 }
 
+TEST_F(EncoderInstallTest, PutsTheOldFilesBackAfterAKillBetweenRenames)
+{
+    const QString weights = at(QStringLiteral("ClipVisionEncoder.onnx.data"));
+    for (const auto place : {EncoderInstall::Place::beside, EncoderInstall::Place::inside}) {
+        ASSERT_TRUE(installAs("old"));
+        QDir(models()).mkdir(QStringLiteral("sub"));
+        bool wasMixed = false;
+        bool isKilled = true;
+        for (int step = 0; isKilled; ++step) {
+            Synthetic::writeFile(weights, "old weights");
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                int left = step;
+                const auto onStep = [&left] {
+                    if (left-- == 0)
+                        _exit(1);
+                };
+                _exit(installAs("new", onStep, place) ? 0 : 2);
+            }
+            int status = 0;
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            ASSERT_TRUE(WIFEXITED(status));
+            ASSERT_NE(WEXITSTATUS(status), 2);
+            isKilled = WEXITSTATUS(status) == 1;
+            wasMixed |= set() == "mixed";
+            ASSERT_TRUE(EncoderInstall::begin(models(), place));
+            EXPECT_EQ(set(), isKilled ? "old" : "new") << step;
+            EXPECT_EQ(contentOf(weights), isKilled ? "old weights" : "nothing") << step;
+            EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+            EXPECT_EQ(QDir(models()).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot),
+                      QStringList{QStringLiteral("sub")});
+        }
+        EXPECT_TRUE(wasMixed);
+    }
+}
+
+TEST_F(EncoderInstallTest, KeepsWhatCannotBePutBackUntilItCan)
+{
+    for (const auto place : {EncoderInstall::Place::beside, EncoderInstall::Place::inside}) {
+        ASSERT_TRUE(installAs("old"));
+        QDir(models()).mkdir(QStringLiteral("sub"));
+        const QString text = at(QStringLiteral("ClipTextEncoder.onnx"));
+        const auto done = installAs(
+            "new",
+            [&] {
+                if (set() == "mixed" && QFileInfo(text).isFile()) {
+                    QFile::remove(text);
+                    QDir().mkpath(text + QStringLiteral("/inTheWay"));
+                }
+            },
+            place);
+        ASSERT_FALSE(done);
+        for (int attempt = 0; attempt < 2; ++attempt) {
+            const auto install = EncoderInstall::begin(models(), place);
+            ASSERT_FALSE(install);
+            EXPECT_TRUE(install.error().found.contains(QStringLiteral("/replaced")))
+                << install.error().text().toStdString();
+        }
+        ASSERT_TRUE(QDir(text).removeRecursively());
+        ASSERT_TRUE(EncoderInstall::begin(models(), place));
+        EXPECT_EQ(set(), "old");
+        EXPECT_EQ(beside(), QStringList{QStringLiteral("models")});
+    }
+}
+
 TEST_F(EncoderInstallTest, SaysWhenTheFolderCannotBeMade)
 {
     Synthetic::writeFile(models(), "a file in its place");
