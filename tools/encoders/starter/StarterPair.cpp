@@ -135,6 +135,7 @@ Outcome<void> StarterPair::build(const QString &folder) const
     if (!pictures)
         return tl::unexpected(pictures.error());
 
+    const QByteArray licenceTexts = licences();
     const QString shared = FamilyFiles::of(Family::openai).vision;
     const auto install = [&](Family family, const Language &language) -> Outcome<void> {
         m_report(family == Family::openai ? 0.0 : 0.5, QStringLiteral("writing the encoders"));
@@ -146,7 +147,7 @@ Outcome<void> StarterPair::build(const QString &folder) const
         return savePictures(at(names.vision), *pictures, folder + u'/' + shared, family == Family::chinese)
             .and_then([&] { return save(at(names.text), language.textEncoder); })
             .and_then([&] { return save(at(names.vocabulary), language.vocabulary); })
-            .and_then([&] { return save(at(names.licence), licences()); })
+            .and_then([&] { return save(at(names.licence), licenceTexts); })
             .and_then([&]() -> Outcome<void> {
                 const Outcome<bool> done =
                     place->commit(family, {names.vision, names.text, names.vocabulary, names.licence});
