@@ -21,8 +21,8 @@ struct ModelLimits
     qint64 externalData = qint64(8) << 30;
 };
 
-/// Walks the file's bytes, before anything is allocated from them: true when they have the form of a model
-/// within the limits. `name` is the file's, for the problem. Any thread.
+/// Walks the file's bytes, before anything is allocated from them: fails unless they have the form of a
+/// model within the limits. `name` is the file's, for the problem. Any thread.
 Outcome<void> scanModel(QByteArrayView bytes, const QString &name, const ModelLimits &limits = {});
 
 } // namespace Qorvane::Encoders

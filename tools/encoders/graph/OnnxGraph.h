@@ -45,7 +45,7 @@ public:
 
     /// Writes the model to `path` and to the disk. Weights that lay elsewhere are put into it when all of it
     /// then is at most `singleFile` bytes, otherwise into one file beside, named as `path` with ".data"
-    /// behind; from then on this model has them there. Gives the names of the files written, the model's
+    /// behind; from then on this model has them there. Gives the paths of the files written, the model's
     /// first. Any thread.
     Outcome<QStringList> save(const QString &path, qint64 singleFile = greatestSingleFile);
 

@@ -38,8 +38,10 @@ struct ImportReport
 using ImportProgress = std::function<void(double fraction, const QString &activity)>;
 
 /// Recognises a published model, adapts its graphs to the application's tensors, tries them, and installs
-/// them under the names that the application looks for. On failure nothing has changed. Takes seconds to
-/// minutes.
+/// them under the names that the application looks for. On failure the old set is in its place, or lies where
+/// the problem says and comes back with the next import; see `EncoderInstall`. A damaged model may end the
+/// process or never come to an end: see `doneApart`. Takes seconds to minutes. Any thread; `progress` is
+/// called on it.
 Outcome<ImportReport> importEncoders(const ImportRequest &request, const ImportProgress &progress);
 
 } // namespace Qorvane::Encoders

@@ -33,7 +33,9 @@ QList<CaptionedDrawing> captionedDrawings();
 
 /// Runs two encoder files as the application does, on drawings and their captions: both must give vectors of
 /// one length without a number that isn't finite, the same in every run, and not the same for all pictures or
-/// all texts. `vocabulary` is the path of the family's JSON file. Takes seconds; not on a thread that waits.
+/// all texts. `vocabulary` is the path of the family's JSON file. A damaged model may
+/// end the process or never come to an end: see `doneApart`. Takes seconds. Any thread, but not one that must
+/// stay responsive.
 Outcome<SelfTestReport> selfTest(const QString &vision, const QString &text, const QString &vocabulary);
 
 } // namespace Qorvane::Encoders

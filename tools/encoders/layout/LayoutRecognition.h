@@ -27,8 +27,9 @@ GraphKind kindOf(const onnx::GraphProto &graph);
 Outcome<ValueForm> visionOutput(const std::vector<ValueForm> &outputs, const QString &fileName);
 Outcome<ValueForm> textOutput(const std::vector<ValueForm> &outputs, const QString &fileName);
 
-/// What the graph takes, with the sizes that its shapes leave open as `openSide` and `openContext`; `output`
-/// is the vector. The graph must be one tower's. Batches of any number or of one are taken.
+/// What the graph takes, with the sizes that its shapes leave open as `openHeight`, `openWidth` and
+/// `openContext`; `output` is the vector. The graph must be one tower's. Batches of any number or of one are
+/// taken.
 Outcome<VisionForm> recogniseVision(const onnx::GraphProto &graph, const ValueForm &output, int openHeight,
                                     int openWidth, const QString &fileName);
 Outcome<TextForm> recogniseText(const onnx::GraphProto &graph, const ValueForm &output, int openContext,
