@@ -53,16 +53,19 @@ qsizetype tokensIn(const QString &vocabulary)
     return tokens ? qsizetype(tokens->size()) : 0;
 }
 
-// The first run makes a session's buffers, and isn't timed.
+// Of work that says whether it was done; a failure takes no time worth telling. The first run makes a
+// session's buffers, and isn't timed.
 template <typename Work>
-double medianTime(Work work)
+std::optional<double> medianTime(Work work)
 {
-    work();
+    if (!work())
+        return std::nullopt;
     std::vector<double> times;
     for (int run = 0; run < timedRuns; ++run) {
         QElapsedTimer timer;
         timer.start();
-        work();
+        if (!work())
+            return std::nullopt;
         times.push_back(double(timer.nsecsElapsed()) / nanosecondsPerMillisecond);
     }
     std::ranges::nth_element(times, times.begin() + timedRuns / 2);
@@ -78,10 +81,11 @@ std::optional<EmbeddingTimes> timesOf(Family family, const QStringList &director
     const CaptionedDrawing drawing = captionedDrawings().constFirst();
     const QImage picture = drawing.picture.scaled(thumbnailSize);
     const QString caption = isChinese ? drawing.chinese : drawing.english;
-    EmbeddingTimes times;
-    times.picture = medianTime([&] { return pair->embedPicture(picture).has_value(); });
-    times.text = medianTime([&] { return pair->embedText(caption).has_value(); });
-    return times;
+    const auto pictureTime = medianTime([&] { return pair->embedPicture(picture).has_value(); });
+    const auto textTime = medianTime([&] { return pair->embedText(caption).has_value(); });
+    if (!pictureTime || !textTime)
+        return std::nullopt;
+    return EmbeddingTimes{.picture = *pictureTime, .text = *textTime};
 }
 
 QString fileLine(const QString &what, const QString &path)

@@ -29,7 +29,7 @@ struct FamilyCheck
     qsizetype vocabularySize = 0;
     QString licence;                                 ///< path; empty when none was found
     std::optional<Outcome<SelfTestReport>> selfTest; ///< nothing when a file is missing
-    std::optional<EmbeddingTimes> times;             ///< nothing unless the self-test passed
+    std::optional<EmbeddingTimes> times;             ///< nothing unless the self-test and every run passed
 
     bool isAbsent() const { return vision.isEmpty() && text.isEmpty(); }
     bool isSound() const { return selfTest && selfTest->has_value(); }
