@@ -114,10 +114,10 @@ private:
 
     Outcome<FoundSet> findRows()
     {
-        const QString folder = QFileInfo(QString::fromStdString(m_arguments.pictures)).absoluteFilePath();
+        const QString folder = QFileInfo(QFile::decodeName(m_arguments.pictures.c_str())).absoluteFilePath();
         const QString set = QString::fromStdString(m_arguments.set);
         const Outcome<std::vector<LabelledPicture>> rows =
-            contentsOf(QString::fromStdString(m_arguments.captions))
+            contentsOf(QFile::decodeName(m_arguments.captions.c_str()))
                 .and_then([this](const QByteArray &table) { return readLabelledSet(table, m_language); });
         if (!rows)
             return tl::unexpected(rows.error());
@@ -151,7 +151,7 @@ private:
 
     Outcome<ComparisonResult> compare(const FoundSet &found)
     {
-        const QString models = QString::fromStdString(m_arguments.models);
+        const QString models = QFile::decodeName(m_arguments.models.c_str());
         const Outcome<InstalledPair> pair =
             InstalledPair::load(m_language == Language::chinese,
                                 models.isEmpty() ? Bundle::resourceDirectories() : QStringList{models});
@@ -174,15 +174,20 @@ private:
     {
         std::vector<EmbeddedPicture> pictures;
         QStringList failed;
+        QString firstReason;
         for (std::size_t index = 0; index < vectors.size(); ++index) {
-            if (vectors[index])
+            if (vectors[index]) {
                 pictures.push_back({found.rows[index].labels, found.rows[index].captions, *vectors[index]});
-            else
-                failed.append(found.rows[index].path);
+                continue;
+            }
+            if (failed.isEmpty())
+                firstReason = vectors[index].error().text();
+            failed.append(found.rows[index].path);
         }
         if (!failed.isEmpty())
-            m_console.note(
-                QStringLiteral("pictures without a vector: %1 (%2)").arg(failed.size()).arg(listed(failed)));
+            m_console.note(QStringLiteral("pictures without a vector: %1 (%2); the first: %3")
+                               .arg(failed.size())
+                               .arg(listed(failed), firstReason));
         return pictures;
     }
 
@@ -194,7 +199,7 @@ private:
 
     int writeJson(const ComparisonResult &result)
     {
-        const QString path = QString::fromStdString(m_arguments.json);
+        const QString path = QFile::decodeName(m_arguments.json.c_str());
         if (path.isEmpty() || writeWholeFile(path, comparisonJson(result)))
             return ExitCode::success;
         return m_console.report({QStringLiteral("a file to write"),

@@ -9,6 +9,7 @@
 #include "platform/Directories.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <CLI/CLI.hpp>
@@ -35,10 +36,10 @@ Outcome<ImportRequest> requestOf(const ImportArguments &arguments)
 {
     ImportRequest request;
     for (const std::string &path : arguments.paths)
-        request.paths.append(QString::fromLocal8Bit(path.c_str()));
+        request.paths.append(QFile::decodeName(path.c_str()));
     if (!arguments.family.empty())
         request.family = arguments.family == "chinese" ? Family::chinese : Family::openai;
-    request.destination = QString::fromLocal8Bit(arguments.destination.c_str());
+    request.destination = QFile::decodeName(arguments.destination.c_str());
     if (request.destination.isEmpty()) {
         const auto data = Directories::applicationSupport();
         if (!data)
