@@ -233,7 +233,11 @@ Outcome<QStringList> OnnxGraph::save(const QString &path, qint64 singleFile)
     if (written.size() > 1)
         m_folder = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
     if (m_model->ByteSizeLong() > static_cast<size_t>(ModelLimits().fileSize))
-        return notWritten(path, QStringLiteral("a model that is larger than the file format can hold"));
+        return problem(
+            QStringLiteral("a model that fits into %1").arg(path),
+            QStringLiteral("one that is larger than the file format can hold"),
+            QStringLiteral("use an export that keeps the weights in a file beside the model, or one "
+                           "with weights of half precision"));
     {
         google::protobuf::io::FileOutputStream stream(file.handle());
         if (!m_model->SerializeToZeroCopyStream(&stream) || !stream.Flush())

@@ -34,6 +34,14 @@ tl::unexpected<Problem> notInstalled(const QString &folder, const QString &reaso
         QStringLiteral("make room and look after the permissions, or name another folder with --out"));
 }
 
+tl::unexpected<Problem> busy(const QString &folder)
+{
+    return problem(QStringLiteral("a folder for the encoders at %1").arg(folder),
+                   QStringLiteral("another import at work there"),
+                   QStringLiteral("wait until it has ended and run this again, or name another folder with "
+                                  "--out"));
+}
+
 /// Has what was written to the file or folder reach the disk.
 bool synchronise(const QString &path)
 {
@@ -194,9 +202,9 @@ Outcome<EncoderInstall> EncoderInstall::begin(const QString &destination, std::o
     install.m_lock = std::make_unique<QLockFile>(prefix + QStringLiteral("lock"));
     install.m_lock->setStaleLockTime(0);
     if (!install.m_lock->tryLock(std::chrono::milliseconds(longestWait).count()))
-        return notInstalled(absolute, install.m_lock->error() == QLockFile::LockFailedError
-                                          ? QStringLiteral("another import at work there")
-                                          : QStringLiteral("that nothing can be put there"));
+        return install.m_lock->error() == QLockFile::LockFailedError
+                   ? busy(absolute)
+                   : notInstalled(absolute, QStringLiteral("that nothing can be put there"));
     if (const Outcome<void> cleared = clearRemains(prefix, install.m_destination); !cleared)
         return tl::unexpected(cleared.error());
     install.m_staging = std::make_unique<QTemporaryDir>(prefix + QStringLiteral("XXXXXX"));

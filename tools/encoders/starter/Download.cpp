@@ -23,12 +23,38 @@ constexpr int fruitlessAttempts = 3;
 constexpr int statusOk = 200;
 constexpr int statusPartialContent = 206;
 
+/// What is in the way of a download.
+enum class Obstacle {
+    connection, ///< asking again may help
+    answer,     ///< the server gives something else, and would again
+    refusal,    ///< the server says that it doesn't give the file
+    disk,
+};
+
 /// What became of one request.
 struct Attempt
 {
-    bool isRefused = false; ///< the server answered, and asking again wouldn't help
-    QString error;          ///< empty when everything asked for came
+    Obstacle obstacle = Obstacle::connection;
+    QString error; ///< empty when everything asked for came
 };
+
+QString remedyFor(Obstacle obstacle)
+{
+    switch (obstacle) {
+    case Obstacle::connection:
+        return QStringLiteral("look after the network connection and run this again: what has come is kept, "
+                              "and the download goes on from there");
+    case Obstacle::answer:
+        return QStringLiteral("run this again; when it happens twice, something between you and the registry "
+                              "changes what you download");
+    case Obstacle::refusal:
+        return QStringLiteral("look after the registry that npm is set to (npm config get registry), and any "
+                              "proxy on the way: it must have this package and let you have it");
+    case Obstacle::disk:
+        return QStringLiteral("free the disk, or name another folder in QORVANE_DOWNLOAD_CACHE");
+    }
+    Q_UNREACHABLE();
+}
 
 QString partPath(const QString &path)
 {
@@ -93,7 +119,8 @@ private:
             return;
         const QByteArray bytes = reply.read(m_pin.length - m_part.size());
         if (m_part.write(bytes) != bytes.size() || !m_part.flush()) {
-            stop(reply, QStringLiteral("the file can't be written: %1").arg(m_part.errorString()));
+            stop(reply, Obstacle::disk,
+                 QStringLiteral("the file can't be written: %1").arg(m_part.errorString()));
             return;
         }
         if (m_progress)
@@ -109,21 +136,23 @@ private:
     {
         m_hasBegun = true;
         if (status == statusPartialContent && !beginsAt(reply, offset)) {
-            stop(reply, QStringLiteral("the server sent another part of the file than was asked for"));
+            stop(reply, Obstacle::answer,
+                 QStringLiteral("the server sent another part of the file than was asked for"));
             return false;
         }
         if (status == statusOk && !m_part.resize(0)) {
-            stop(reply, QStringLiteral("the file can't be written: %1").arg(m_part.errorString()));
+            stop(reply, Obstacle::disk,
+                 QStringLiteral("the file can't be written: %1").arg(m_part.errorString()));
             return false;
         }
         m_part.seek(m_part.size());
         return true;
     }
 
-    void stop(QNetworkReply &reply, const QString &why)
+    void stop(QNetworkReply &reply, Obstacle obstacle, const QString &why)
     {
         m_isStopped = true;
-        m_failure = {.isRefused = true, .error = why};
+        m_failure = {.obstacle = obstacle, .error = why};
         reply.abort();
     }
 
@@ -135,8 +164,9 @@ private:
             return {};
         const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
         if (status >= 400 && status < 500)
-            return {.isRefused = true, .error = QStringLiteral("the server answered %1").arg(status)};
-        return {.isRefused = false,
+            return {.obstacle = Obstacle::refusal,
+                    .error = QStringLiteral("the server answered %1").arg(status)};
+        return {.obstacle = Obstacle::connection,
                 .error = reply.error() == QNetworkReply::NoError
                              ? QStringLiteral("the server sent less than was asked for")
                              : reply.errorString()};
@@ -158,7 +188,7 @@ Attempt gather(const QUrl &address, QFile &part, const DownloadPin &pin, const P
     for (int fruitless = 0; part.size() < pin.length && fruitless < fruitlessAttempts;) {
         const qint64 before = part.size();
         attempt = Transfer(part, pin, progress).run(network, address);
-        if (attempt.isRefused)
+        if (attempt.obstacle != Obstacle::connection)
             return attempt;
         fruitless = part.size() > before ? 0 : fruitless + 1;
     }
@@ -184,7 +214,7 @@ Outcome<void> download(const QUrl &address, const QString &path, const DownloadP
     if (!part.open(QIODevice::ReadWrite))
         return problem(QStringLiteral("a place to download to"),
                        QStringLiteral("%1 can't be written: %2").arg(part.fileName(), part.errorString()),
-                       QStringLiteral("free the disk, or name another folder in QORVANE_DOWNLOAD_CACHE"));
+                       remedyFor(Obstacle::disk));
     // What is longer than the whole can't be its beginning.
     if (part.size() > pin.length)
         part.resize(0);
@@ -195,20 +225,16 @@ Outcome<void> download(const QUrl &address, const QString &path, const DownloadP
         return problem(
             QStringLiteral("the download of %1 to end").arg(name),
             QStringLiteral("%1, after %2 of %3 bytes").arg(attempt.error).arg(received).arg(pin.length),
-            QStringLiteral("look after the network connection and run this again: what has come is "
-                           "kept, and the download goes on from there"));
+            remedyFor(attempt.obstacle));
     }
     if (!isPinned(part.fileName(), pin)) {
         part.remove();
         return problem(QStringLiteral("%1 with the pinned SHA-512").arg(name),
-                       QStringLiteral("other bytes; they were deleted"),
-                       QStringLiteral("run this again; when it happens twice, something between you and the "
-                                      "registry changes what you download"));
+                       QStringLiteral("other bytes; they were deleted"), remedyFor(Obstacle::answer));
     }
     QFile::remove(path);
     if (!part.rename(path))
-        return problem(QStringLiteral("to keep %1").arg(path), part.errorString(),
-                       QStringLiteral("free the disk, or name another folder in QORVANE_DOWNLOAD_CACHE"));
+        return problem(QStringLiteral("to keep %1").arg(path), part.errorString(), remedyFor(Obstacle::disk));
     return {};
 }
 

@@ -90,6 +90,7 @@ TEST_F(DownloadTest, KeepsWhatCameWhenTheServerGivesUp)
     const Outcome<void> done = run();
     ASSERT_FALSE(done);
     EXPECT_TRUE(done.error().found.contains(QStringLiteral("5000 of")));
+    EXPECT_TRUE(done.error().remedy.contains(QStringLiteral("network connection")));
     EXPECT_EQ(contentOf(m_part), m_content.first(5000));
     EXPECT_FALSE(QFile::exists(m_path));
 }
@@ -145,7 +146,20 @@ TEST_F(DownloadTest, SaysWhatTheServerAnswered)
     const Outcome<void> done = run();
     ASSERT_FALSE(done);
     EXPECT_TRUE(done.error().found.contains(QStringLiteral("404")));
+    EXPECT_TRUE(done.error().remedy.contains(QStringLiteral("npm config get registry")));
     EXPECT_EQ(m_server.ranges().size(), 1);
+}
+
+TEST_F(DownloadTest, AFullDiskIsToldAsSuch)
+{
+    if (!QFile::exists(QStringLiteral("/dev/full")))
+        GTEST_SKIP() << "no device here that is always full";
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), m_part));
+    const Outcome<void> done = run();
+    ASSERT_FALSE(done);
+    EXPECT_TRUE(done.error().found.contains(QStringLiteral("can't be written")))
+        << done.error().text().toStdString();
+    EXPECT_TRUE(done.error().remedy.contains(QStringLiteral("QORVANE_DOWNLOAD_CACHE")));
 }
 
 TEST_F(DownloadTest, ACachedPackageIsNotAskedForAgain)
