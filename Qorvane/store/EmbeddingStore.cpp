@@ -1,12 +1,29 @@
 #include "store/EmbeddingStore.h"
 
 #include "platform/Log.h"
+#include "platform/PredefinedTags.h"
 #include "platform/WhiteSpace.h"
 #include "store/ImageRemoval.h"
 #include "store/RowCounts.h"
 #include "store/StoreReports.h"
+#include "store/TagSuggestions.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace Qorvane {
+
+namespace {
+
+// More than are wanted are asked for, since some fall out as equal but for case; and a screenful at least.
+int suggestionsToRead(int limit)
+{
+    constexpr qint64 fewest = 20;
+    constexpr qint64 most = std::numeric_limits<int>::max();
+    return int(std::clamp(qint64(limit) * 3, fewest, most));
+}
+
+} // namespace
 
 EmbeddingStore &EmbeddingStore::shared()
 {
@@ -148,6 +165,17 @@ QStringList EmbeddingStore::listAllTags()
 QStringList EmbeddingStore::getTags(const QString &path)
 {
     return onQueue([&] { return m_tags.getTags(path); });
+}
+
+QStringList EmbeddingStore::searchTags(const QString &prefix, int limit, bool includePredefined)
+{
+    const QString trimmed = trimmedWhiteSpace(prefix);
+    if (trimmed.isEmpty())
+        return {};
+    const QStringList stored = onQueue([&] { return m_tags.searchTags(trimmed, suggestionsToRead(limit)); });
+    return interleavedTags(
+        stored, includePredefined ? tagsBeginningWith(predefinedTags(), trimmed.toLower()) : QStringList(),
+        limit);
 }
 
 int EmbeddingStore::getTagCount(const QString &tag)

@@ -81,6 +81,10 @@ public:
     QStringList listAllTags();
     /// The tags of one file, in the order of `listAllTags`.
     QStringList getTags(const QString &path);
+    /// At most `limit` suggestions for a tag that begins with `prefix`, without regard to case: the tags in
+    /// use and, if wanted, the predefined ones of the user's language, in turns. "%" and "_" in the prefix
+    /// stand for anything among the tags in use.
+    QStringList searchTags(const QString &prefix, int limit, bool includePredefined);
     /// How many files carry the tag.
     int getTagCount(const QString &tag);
     QStringList fetchPathsByTag(const QString &tag);

@@ -92,6 +92,19 @@ QStringList TagRecords::listAllTags() const
     return statement.remainingTexts();
 }
 
+QStringList TagRecords::searchTags(const QString &prefix, int most) const
+{
+    Statement statement(m_connection.handle(), "SELECT DISTINCT tag FROM image_tags "
+                                               "WHERE LOWER(tag) LIKE LOWER(?) ORDER BY LOWER(tag) LIMIT ?");
+    if (!statement.isPrepared()) {
+        m_connection.logFailure("searchTags", Phase::prepare);
+        return {};
+    }
+    statement.bindText(1, prefix + u'%');
+    statement.bindInt(2, most);
+    return statement.remainingTexts();
+}
+
 int TagRecords::getTagCount(const QString &tag) const
 {
     Statement statement(m_connection.handle(), "SELECT COUNT(*) FROM image_tags WHERE tag = ?");

@@ -25,6 +25,8 @@ public:
     void deleteTagGlobally(const QString &tag);
     QStringList getTags(const QString &path) const;
     QStringList listAllTags() const;
+    /// The first `most` tags that LIKE finds with `prefix` before anything, wildcards of the user's included.
+    QStringList searchTags(const QString &prefix, int most) const;
     int getTagCount(const QString &tag) const;
     QStringList fetchPathsByTag(const QString &tag) const;
 

@@ -188,18 +188,19 @@ TEST_F(TagRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
     store.deleteTagGlobally(cat);
     EXPECT_EQ(store.getTags(path), QStringList());
     EXPECT_EQ(store.listAllTags(), QStringList());
+    EXPECT_EQ(store.searchTags(cat, 5, false), QStringList());
     EXPECT_EQ(store.getTagCount(cat), 0);
     EXPECT_EQ(store.fetchPathsByTag(cat), QStringList());
     const QString reason = QStringLiteral(" prepare error: no such table: image_tags");
-    EXPECT_EQ(
-        log.lines(),
-        QStringList(
-            {QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
-             QStringLiteral("❌ deleteTagGlobally") + reason, QStringLiteral("❌ getTags") + reason,
-             QStringLiteral("❌ listAllTags") + reason, QStringLiteral("❌ getTagCount") + reason,
-             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
-             QStringLiteral("❌ fetchPathsByTag") + reason,
-             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
+    EXPECT_EQ(log.lines(),
+              QStringList({QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
+                           QStringLiteral("❌ deleteTagGlobally") + reason,
+                           QStringLiteral("❌ getTags") + reason, QStringLiteral("❌ listAllTags") + reason,
+                           QStringLiteral("❌ searchTags") + reason, QStringLiteral("❌ getTagCount") + reason,
+                           QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
+                           QStringLiteral("❌ fetchPathsByTag") + reason,
+                           QStringLiteral(
+                               "🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
 }
 
 TEST_F(TagRecordsTest, failedStepsAreLoggedButForReplacement)
