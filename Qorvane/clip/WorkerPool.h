@@ -30,7 +30,7 @@ public:
     WorkerPool(const WorkerPool &) = delete;
     WorkerPool &operator=(const WorkerPool &) = delete;
 
-    /// Runs `work`, whose result type must be default-constructible. Any thread.
+    /// Runs `work`, whose result type must be default-constructible or void. Any thread.
     template <typename Work>
     auto run(Work work) -> QFuture<std::invoke_result_t<Work>>
     {
@@ -39,7 +39,7 @@ public:
         withFullWeight([&] {
             future = QtConcurrent::run(&m_pool, [this, work = std::move(work)]() -> Result {
                 if (m_isEnding)
-                    return {};
+                    return Result();
                 applyToCurrentThread(m_quality);
                 return work();
             });
