@@ -53,6 +53,7 @@ ChineseClipService::ChineseClipService(QObject *parent)
     : QObject(parent)
     , m_queries(QualityOfService::userInitiated, queryThreadCount)
     , m_pictures(QualityOfService::utility, QThread::idealThreadCount())
+    , m_tagRecommender(*this, m_queries, m_pictures)
 {
     Log::line(QStringLiteral("⚙️ 使用默认 logitScale=") + numberText(m_logitScale));
     Log::line(QStringLiteral("⚙️ ChineseClipService 初始化完成，模型将在需要时加载"));
@@ -225,6 +226,22 @@ QCoro::Task<QList<SearchResult>> ChineseClipService::search(QString query, int l
             return searchInMemory(features, *textVector, limit, scale);
         });
     co_return co_await searching;
+}
+
+QCoro::Task<QList<TagRecommendation>> ChineseClipService::recommendTags(FileUrl url, QStringList userTags,
+                                                                        QStringList existingTags, int limit)
+{
+    return m_tagRecommender.recommend(url, userTags, existingTags, limit);
+}
+
+QCoro::Task<std::optional<std::vector<float>>> ChineseClipService::getTagVector(QString tag)
+{
+    return m_tagRecommender.vectors().vectorOf(tag);
+}
+
+QCoro::Task<std::optional<Image>> ChineseClipService::loadImageForAnalysis(FileUrl url)
+{
+    return m_tagRecommender.loadImage(url);
 }
 
 QString ChineseClipService::expandQuery(const QString &query) const

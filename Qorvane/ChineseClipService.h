@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clip/TagRecommender.h"
 #include "clip/WorkerPool.h"
 #include "media/Image.h"
 #include "platform/FileUrl.h"
@@ -8,6 +9,7 @@
 #include "semantic/ImageFeature.h"
 #include "semantic/SearchRanking.h"
 #include "semantic/SearchResult.h"
+#include "semantic/TagRecommendation.h"
 
 #include <QCoroTask>
 #include <QList>
@@ -47,6 +49,8 @@ public:
     float logitScale() const { return m_logitScale; }
     /// What `extractFeatures` has embedded.
     const ImageFeatures &imageFeatures() const { return m_imageFeatures; }
+    /// The vectors of tags that are in memory.
+    const TagVectorCache::Entries &tagVectorCache() const { return m_tagRecommender.vectors().entries(); }
 
     /// Loads the encoders for the user's language unless they are loaded. A call during a load returns at
     /// once, without waiting for it.
@@ -69,6 +73,20 @@ public:
 
     /// The same among `imageFeatures`, with much to say about them.
     QCoro::Task<QList<SearchResult>> search(QString query, int limit);
+
+    /// The tags closest to the photo at `url`, best first, at most `limit`: of `userTags` and the predefined
+    /// ones of the user's language, without `existingTags`, which the photo has. Empty when the photo can't
+    /// be embedded.
+    QCoro::Task<QList<TagRecommendation>> recommendTags(FileUrl url, QStringList userTags,
+                                                        QStringList existingTags, int limit);
+
+    /// The vector of the text `tag`: from memory, else from the store, else from the encoder, and then kept
+    /// in both.
+    QCoro::Task<std::optional<std::vector<float>>> getTagVector(QString tag);
+
+    /// The picture by which the photo at `url` is embedded: its thumbnail where there is one that loads, else
+    /// one made now.
+    QCoro::Task<std::optional<Image>> loadImageForAnalysis(FileUrl url);
 
     /// The text that is searched for `query`: the query itself. Holds the place of an expansion.
     QString expandQuery(const QString &query) const;
@@ -99,6 +117,7 @@ private:
     // Queries have threads of their own, so that none waits behind the pictures of an indexing run.
     WorkerPool m_queries;
     WorkerPool m_pictures;
+    TagRecommender m_tagRecommender;
 };
 
 } // namespace Qorvane

@@ -8,6 +8,9 @@ qorvane_add_library(QorvaneClip
         clip/EmbeddingPicture.cpp clip/EmbeddingPicture.h
         clip/MemorySearch.cpp clip/MemorySearch.h
         clip/SearchVerification.cpp clip/SearchVerification.h
+        clip/TagCandidates.cpp clip/TagCandidates.h
+        clip/TagRecommender.cpp clip/TagRecommender.h
+        clip/TagVectorCache.cpp clip/TagVectorCache.h
         clip/WorkerPool.h
     PUBLIC QorvaneMedia QorvanePlatform QorvaneSemantic QorvaneStore QCoro6::Core Qt6::Concurrent
 )
