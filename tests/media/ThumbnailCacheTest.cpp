@@ -18,7 +18,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
 #include <thread>
 #include <utility>
@@ -27,6 +26,44 @@
 using namespace Qorvane;
 
 namespace {
+
+/// Threads that decode one picture again and again, as long as this lives.
+class BusyDecoders
+{
+public:
+    BusyDecoders(const FileUrl &picture, QualityOfService quality)
+    {
+        // More than there are places, so that one that gets free is taken again at once.
+        for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
+            m_threads.emplace_back([this, picture, quality] {
+                applyToCurrentThread(quality);
+                while (!m_isOver) {
+                    ThumbnailCache::makeThumbnail(picture);
+                    ++m_count;
+                    m_count.notify_all();
+                }
+            });
+        }
+    }
+    ~BusyDecoders()
+    {
+        m_isOver = true;
+        for (std::thread &thread : m_threads)
+            thread.join();
+    }
+    BusyDecoders(const BusyDecoders &) = delete;
+    BusyDecoders &operator=(const BusyDecoders &) = delete;
+
+    /// How many decodes have ended.
+    int count() const { return m_count; }
+    /// Until the next one ends.
+    void awaitDecode() const { m_count.wait(m_count); }
+
+private:
+    std::atomic_bool m_isOver = false;
+    std::atomic_int m_count = 0;
+    std::vector<std::thread> m_threads;
+};
 
 class ThumbnailCacheTest : public testing::Test
 {
@@ -204,35 +241,20 @@ TEST_F(ThumbnailCacheTest, refusesVideosOnTheGuiThreadWithoutWaitingForAPlace)
 {
     const FileUrl picture = written("a.jpg", jpegOf(plainPicture({6000, 6000}, Qt::red)));
     const FileUrl video = fileNamed("b.mp4");
-    std::atomic_bool isOver = false;
-    std::atomic_int decodedCount = 0;
-    std::vector<std::thread> threads;
-    // More than there are places, so that one that gets free is taken again at once.
-    for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
-        threads.emplace_back([&] {
-            while (!isOver) {
-                ThumbnailCache::makeThumbnail(picture);
-                ++decodedCount;
-            }
-        });
-    }
+    BusyDecoders decoders(picture, QualityOfService::userInitiated);
     // A wait for a place would be about as long as a decode, a refusal takes no time but what other programs
     // take from it now and then: the call in the middle tells them apart.
     std::vector<qint64> calls;
     QElapsedTimer decodes;
     decodes.start();
     for (int i = 0; i < 15; ++i) {
-        for (const int before = decodedCount; decodedCount == before;)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        decoders.awaitDecode();
         QElapsedTimer call;
         call.start();
         EXPECT_FALSE(ThumbnailCache::generateVideoPreview(video));
         calls.push_back(call.nsecsElapsed());
     }
-    const qint64 perDecode = decodes.nsecsElapsed() / decodedCount;
-    isOver = true;
-    for (std::thread &thread : threads)
-        thread.join();
+    const qint64 perDecode = decodes.nsecsElapsed() / decoders.count();
     std::sort(calls.begin(), calls.end());
     EXPECT_LT(calls[calls.size() / 2], perDecode / 10);
 }
@@ -241,26 +263,13 @@ TEST_F(ThumbnailCacheTest, whatIsLookedAtWaitsForNoPlaceOfBackgroundWork)
 {
     const FileUrl large = written("a.jpg", jpegOf(plainPicture({6000, 6000}, Qt::red)));
     const FileUrl small = written("b.jpg", jpegOf(plainPicture({40, 30}, Qt::red)));
-    std::atomic_bool isOver = false;
-    std::atomic_int decodedCount = 0;
-    std::vector<std::thread> threads;
-    // More than there are places, so that one that gets free is taken again at once.
-    for (int i = 0; i < 3 * std::max(1, QThread::idealThreadCount()); ++i) {
-        threads.emplace_back([&] {
-            applyToCurrentThread(QualityOfService::background);
-            while (!isOver) {
-                ThumbnailCache::makeThumbnail(large);
-                ++decodedCount;
-            }
-        });
-    }
+    BusyDecoders decoders(large, QualityOfService::background);
     std::vector<qint64> calls;
     QElapsedTimer decodes;
     decodes.start();
     std::thread cell([&] {
         for (int i = 0; i < 15; ++i) {
-            for (const int before = decodedCount; decodedCount == before;)
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            decoders.awaitDecode();
             QElapsedTimer call;
             call.start();
             EXPECT_TRUE(ThumbnailCache::makeThumbnail(small));
@@ -268,10 +277,7 @@ TEST_F(ThumbnailCacheTest, whatIsLookedAtWaitsForNoPlaceOfBackgroundWork)
         }
     });
     cell.join();
-    const qint64 perDecode = decodes.nsecsElapsed() / decodedCount;
-    isOver = true;
-    for (std::thread &thread : threads)
-        thread.join();
+    const qint64 perDecode = decodes.nsecsElapsed() / decoders.count();
     std::sort(calls.begin(), calls.end());
     // As above: a wait for a place is about as long as a decode.
     EXPECT_LT(calls[calls.size() / 2], perDecode / 3);
