@@ -25,6 +25,10 @@ Outcome<onnx::ModelProto> parsed(const QByteArray &bytes)
     if (!model.ParseFromArray(bytes.constData(), int(bytes.size())) || !model.has_graph())
         return problem(QStringLiteral("a sentence encoder as ONNX"), QStringLiteral("another kind of file"),
                        QStringLiteral("use the pinned package, unchanged"));
+    if (!namesIn(model.graph()).contains(hiddenState))
+        return problem(
+            QStringLiteral("a sentence encoder with the output \"%1\"").arg(QLatin1String(hiddenState)),
+            QStringLiteral("none"), QStringLiteral("use the pinned package, unchanged"));
     return model;
 }
 
@@ -118,18 +122,6 @@ std::string meanOfTokens(GraphBuilder &builder, const std::string &tokens)
     return shaped(builder, builder.node("GlobalAveragePool", {turned}), {1, -1});
 }
 
-bool hasTensor(const onnx::ModelProto &model, const std::string &name)
-{
-    return namesIn(model.graph()).contains(name);
-}
-
-tl::unexpected<Problem> noHiddenState()
-{
-    return problem(
-        QStringLiteral("a sentence encoder with the output \"%1\"").arg(QLatin1String(hiddenState)),
-        QStringLiteral("none"), QStringLiteral("use the pinned package, unchanged"));
-}
-
 onnx::ModelProto withOutput(onnx::ModelProto model, const std::function<std::string(GraphBuilder &)> &append)
 {
     GraphBuilder builder(*model.mutable_graph());
@@ -152,8 +144,6 @@ Outcome<StarterText> StarterText::english(const QByteArray &onnx, const TokenTab
     Outcome<onnx::ModelProto> model = parsed(onnx);
     if (!model)
         return tl::unexpected(model.error());
-    if (!hasTensor(*model, hiddenState))
-        return noHiddenState();
     WrappedEncoder encoder(*std::move(model));
     GraphBuilder &builder = encoder.builder();
     const TextInputs inputs(builder);
@@ -178,8 +168,6 @@ Outcome<StarterText> StarterText::chinese(const QByteArray &onnx, const QStringL
     Outcome<onnx::ModelProto> model = parsed(onnx);
     if (!model)
         return tl::unexpected(model.error());
-    if (!hasTensor(*model, hiddenState))
-        return noHiddenState();
     WrappedEncoder encoder(*std::move(model));
     GraphBuilder &builder = encoder.builder();
     const TextInputs inputs(builder);
