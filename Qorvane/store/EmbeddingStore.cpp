@@ -183,6 +183,11 @@ int EmbeddingStore::getTagCount(const QString &tag)
     return onQueue([&] { return m_tags.getTagCount(tag); });
 }
 
+QHash<QString, int> EmbeddingStore::getAllTagCounts()
+{
+    return onQueue([&] { return m_tags.getAllTagCounts(); });
+}
+
 QStringList EmbeddingStore::fetchPathsByTag(const QString &tag)
 {
     Log::line(QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: '") + tag + u'\'');
@@ -210,6 +215,11 @@ std::optional<int> EmbeddingStore::getRating(const QString &path)
 int EmbeddingStore::getRatingCount(int rating)
 {
     return onQueue([&] { return m_ratings.getRatingCount(rating); });
+}
+
+QHash<int, int> EmbeddingStore::getAllRatingCounts()
+{
+    return onQueue([&] { return m_ratings.getAllRatingCounts(); });
 }
 
 QStringList EmbeddingStore::fetchPathsByRating(int rating)

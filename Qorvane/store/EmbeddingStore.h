@@ -9,6 +9,7 @@
 #include "store/TagRecords.h"
 #include "store/TagVectorRecords.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -87,6 +88,8 @@ public:
     QStringList searchTags(const QString &prefix, int limit, bool includePredefined);
     /// How many files carry the tag.
     int getTagCount(const QString &tag);
+    /// The same for every tag in use at once, by tag: for views that show them all.
+    QHash<QString, int> getAllTagCounts();
     QStringList fetchPathsByTag(const QString &tag);
 
     /// Sets 1 to 5 stars; absent, or any other number, removes the rating.
@@ -96,6 +99,8 @@ public:
     std::optional<int> getRating(const QString &path);
     /// How many files have so many stars.
     int getRatingCount(int rating);
+    /// The same for all numbers of stars at once, by number; those that no file has are absent.
+    QHash<int, int> getAllRatingCounts();
     QStringList fetchPathsByRating(int rating);
 
     /// Keeps the embedding of a tag's text, in place of an earlier one; an empty one changes nothing.

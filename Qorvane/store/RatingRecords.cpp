@@ -73,6 +73,19 @@ int RatingRecords::getRatingCount(int rating) const
     return statement.stepToRow() ? statement.integer(0) : 0;
 }
 
+QHash<int, int> RatingRecords::getAllRatingCounts() const
+{
+    Statement statement(m_connection.handle(), "SELECT rating, COUNT(*) FROM image_ratings GROUP BY rating");
+    if (!statement.isPrepared()) {
+        m_connection.logFailure("getAllRatingCounts", Phase::prepare);
+        return {};
+    }
+    QHash<int, int> counts;
+    while (statement.stepToRow())
+        counts.insert(statement.integer(0), statement.integer(1));
+    return counts;
+}
+
 QStringList RatingRecords::fetchPathsByRating(int rating) const
 {
     Statement statement(m_connection.handle(), "SELECT path FROM image_ratings WHERE rating = ?");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +23,7 @@ public:
     void setRating(const QString &path, std::optional<int> rating);
     std::optional<int> getRating(const QString &path) const;
     int getRatingCount(int rating) const;
+    QHash<int, int> getAllRatingCounts() const;
     QStringList fetchPathsByRating(int rating) const;
 
 private:

@@ -116,6 +116,21 @@ int TagRecords::getTagCount(const QString &tag) const
     return statement.stepToRow() ? statement.integer(0) : 0;
 }
 
+QHash<QString, int> TagRecords::getAllTagCounts() const
+{
+    Statement statement(m_connection.handle(), "SELECT tag, COUNT(*) FROM image_tags GROUP BY tag");
+    if (!statement.isPrepared()) {
+        m_connection.logFailure("getAllTagCounts", Phase::prepare);
+        return {};
+    }
+    QHash<QString, int> counts;
+    while (statement.stepToRow()) {
+        if (const std::optional<QString> tag = statement.text(0))
+            counts.insert(*tag, statement.integer(1));
+    }
+    return counts;
+}
+
 QStringList TagRecords::fetchPathsByTag(const QString &tag) const
 {
     Statement statement(m_connection.handle(), "SELECT path FROM image_tags WHERE tag = ?");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,7 @@ public:
     /// The first `most` tags that LIKE finds with `prefix` before anything, wildcards of the user's included.
     QStringList searchTags(const QString &prefix, int most) const;
     int getTagCount(const QString &tag) const;
+    QHash<QString, int> getAllTagCounts() const;
     QStringList fetchPathsByTag(const QString &tag) const;
 
 private:

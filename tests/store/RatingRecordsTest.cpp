@@ -66,6 +66,18 @@ TEST_F(RatingRecordsTest, countsTheFilesOfARating)
     EXPECT_EQ(store.getRatingCount(3), 0);
 }
 
+TEST_F(RatingRecordsTest, allCountsAtOnceAreThoseOfTheSingleOnes)
+{
+    EXPECT_TRUE(store.getAllRatingCounts().isEmpty());
+    for (int i = 0; i < 12; ++i)
+        store.setRating(QStringLiteral("/p/%1.jpg").arg(i), 2 + i % 4);
+    store.setRating(path, 5);
+    const QHash<int, int> counts = store.getAllRatingCounts();
+    EXPECT_EQ(counts.size(), 4);
+    for (int rating = 0; rating <= 6; ++rating)
+        EXPECT_EQ(counts.value(rating), store.getRatingCount(rating)) << rating;
+}
+
 TEST_F(RatingRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
 {
     changeSchema(store, "DROP TABLE image_ratings");
@@ -75,12 +87,14 @@ TEST_F(RatingRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
     EXPECT_EQ(store.getRating(path), std::nullopt);
     EXPECT_EQ(store.fetchPathsByRating(3), QStringList());
     EXPECT_EQ(store.getRatingCount(3), 0);
+    EXPECT_TRUE(store.getAllRatingCounts().isEmpty());
     const QString reason = QStringLiteral(" prepare error: no such table: image_ratings");
     EXPECT_EQ(log.lines(),
               QStringList({QStringLiteral("❌ setRating") + reason, QStringLiteral("❌ clearRating") + reason,
                            QStringLiteral("❌ clearRating") + reason, QStringLiteral("❌ getRating") + reason,
                            QStringLiteral("❌ fetchPathsByRating") + reason,
-                           QStringLiteral("❌ getRatingCount") + reason}));
+                           QStringLiteral("❌ getRatingCount") + reason,
+                           QStringLiteral("❌ getAllRatingCounts") + reason}));
 }
 
 TEST_F(RatingRecordsTest, failedStepsAreLogged)

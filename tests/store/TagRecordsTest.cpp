@@ -179,6 +179,24 @@ TEST_F(TagRecordsTest, countsTheFilesOfATag)
     EXPECT_EQ(store.getTagCount(QStringLiteral("c%")), 0);
 }
 
+TEST_F(TagRecordsTest, allCountsAtOnceAreThoseOfTheSingleOnes)
+{
+    EXPECT_TRUE(store.getAllTagCounts().isEmpty());
+    RawDatabase(databasePath())
+        .run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
+             "INSERT OR IGNORE INTO image_tags SELECT '/p/' || (i * 7 % 50), 'tag' || (i * 13 % 31) FROM n");
+    store.addTag(path, QStringLiteral("山"));
+    store.addTag(path, QStringLiteral("Tag1"));
+    trace.clear();
+    const QHash<QString, int> counts = store.getAllTagCounts();
+    EXPECT_EQ(trace.statements().size(), 1);
+    const QStringList tags = store.listAllTags();
+    EXPECT_EQ(tags.size(), 33);
+    EXPECT_EQ(counts.size(), tags.size());
+    for (const QString &tag : tags)
+        EXPECT_EQ(counts.value(tag), store.getTagCount(tag)) << qPrintable(tag);
+}
+
 TEST_F(TagRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
 {
     changeSchema(store, "DROP TABLE image_tags");
@@ -190,17 +208,19 @@ TEST_F(TagRecordsTest, failedPreparationsAreLoggedUnderTheOperationsName)
     EXPECT_EQ(store.listAllTags(), QStringList());
     EXPECT_EQ(store.searchTags(cat, 5, false), QStringList());
     EXPECT_EQ(store.getTagCount(cat), 0);
+    EXPECT_TRUE(store.getAllTagCounts().isEmpty());
     EXPECT_EQ(store.fetchPathsByTag(cat), QStringList());
     const QString reason = QStringLiteral(" prepare error: no such table: image_tags");
-    EXPECT_EQ(log.lines(),
-              QStringList({QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
-                           QStringLiteral("❌ deleteTagGlobally") + reason,
-                           QStringLiteral("❌ getTags") + reason, QStringLiteral("❌ listAllTags") + reason,
-                           QStringLiteral("❌ searchTags") + reason, QStringLiteral("❌ getTagCount") + reason,
-                           QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
-                           QStringLiteral("❌ fetchPathsByTag") + reason,
-                           QStringLiteral(
-                               "🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
+    EXPECT_EQ(
+        log.lines(),
+        QStringList(
+            {QStringLiteral("❌ addTag") + reason, QStringLiteral("❌ removeTag") + reason,
+             QStringLiteral("❌ deleteTagGlobally") + reason, QStringLiteral("❌ getTags") + reason,
+             QStringLiteral("❌ listAllTags") + reason, QStringLiteral("❌ searchTags") + reason,
+             QStringLiteral("❌ getTagCount") + reason, QStringLiteral("❌ getAllTagCounts") + reason,
+             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag called with tag: 'cat'"),
+             QStringLiteral("❌ fetchPathsByTag") + reason,
+             QStringLiteral("🏷️ EmbeddingStore: fetchPathsByTag returning 0 paths for tag 'cat'")}));
 }
 
 TEST_F(TagRecordsTest, failedStepsAreLoggedButForReplacement)
