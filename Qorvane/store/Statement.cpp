@@ -80,7 +80,12 @@ std::optional<QString> Statement::text(int column) const
     const std::optional<std::string_view> bytes = utf8(column);
     if (!bytes)
         return std::nullopt;
-    return QString::fromUtf8(bytes->data(), qsizetype(bytes->size()));
+    QString result = QString::fromUtf8(bytes->data(), qsizetype(bytes->size()));
+    // Qt takes a text's first byte order mark for no part of it. Here it is one, like any character: without
+    // it the text wouldn't be found again.
+    if (bytes->starts_with("\xEF\xBB\xBF"))
+        result.prepend(QChar(QChar::ByteOrderMark));
+    return result;
 }
 
 std::optional<std::span<const std::byte>> Statement::blob(int column) const
