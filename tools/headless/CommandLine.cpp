@@ -1,5 +1,7 @@
 #include "headless/CommandLine.h"
 
+#include "headless/TagCommandLine.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -23,7 +25,8 @@ struct ActionName
 constexpr std::array actionNames{
     ActionName{"add", Action::add},       ActionName{"index", Action::index},
     ActionName{"search", Action::search}, ActionName{"sheet", Action::sheet},
-    ActionName{"status", Action::status},
+    ActionName{"status", Action::status}, ActionName{"tags", Action::tags},
+    ActionName{"tag", Action::tags},      ActionName{"rate", Action::tags},
 };
 
 const char usage[] = "Qorvane's library without a window.\n\n"
@@ -32,14 +35,23 @@ const char usage[] = "Qorvane's library without a window.\n\n"
                      "  search QUERY           list the pictures that match a text\n"
                      "  sheet QUERY OUT.png    draw the matches as a contact sheet\n"
                      "  sheet --all OUT.png    draw the whole library\n"
-                     "  status                 tell what the library holds";
+                     "  status                 tell what the library holds\n"
+                     "  tags [BEGINNING]       list the tags in use, or suggest tags that begin so\n"
+                     "  tag add TAG FILE...    give pictures and videos a tag\n"
+                     "  tag remove TAG FILE... take it off them\n"
+                     "  tag rename OLD NEW FILE...\n"
+                     "                         turn one of their tags into another\n"
+                     "  tag delete TAG         take a tag off all files\n"
+                     "  tag show FILE...       tell their tags and stars\n"
+                     "  rate STARS FILE...     give them 1 to 5 stars, or none with \"clear\"";
 
 // An option shared by the definition and the reading of its value.
 struct Options
 {
     QCommandLineOption all{QStringLiteral("all"), QStringLiteral("sheet: the whole library, not a search")};
     QCommandLineOption limit{{QStringLiteral("n"), QStringLiteral("limit")},
-                             QStringLiteral("search, sheet: at most <count> pictures (20; with --all 200)"),
+                             QStringLiteral("search, sheet: at most <count> pictures (20; with --all 200); "
+                                            "tags BEGINNING: as many tags"),
                              QStringLiteral("count")};
     QCommandLineOption log{QStringLiteral("log"), QStringLiteral("write the program's log lines to <file>"),
                            QStringLiteral("file")};
@@ -100,7 +112,8 @@ Result withSheet(HeadlessCommand command, const QStringList &operands, bool isWh
     return command;
 }
 
-Result withOperands(const HeadlessCommand &command, const QStringList &operands, bool isWholeLibrary)
+Result withOperands(const HeadlessCommand &command, const QString &word, const QStringList &operands,
+                    bool isWholeLibrary)
 {
     switch (command.action) {
     case Action::add:
@@ -114,6 +127,8 @@ Result withOperands(const HeadlessCommand &command, const QStringList &operands,
         if (!operands.isEmpty())
             return error(QStringLiteral("status takes no arguments"));
         return command;
+    case Action::tags:
+        return readTagCommand(command, word, operands);
     }
     Q_UNREACHABLE();
 }
@@ -155,7 +170,7 @@ Result readCommandLine(const QStringList &arguments)
         if (!isNumber || command.limit < 1)
             return error(QStringLiteral("not a count: %1").arg(parser.value(options.limit)));
     }
-    return withOperands(command, operands, isWholeLibrary);
+    return withOperands(command, name, operands, isWholeLibrary);
 }
 
 } // namespace Qorvane

@@ -8,6 +8,7 @@
 #include "headless/LibraryOpening.h"
 #include "headless/ProgressBar.h"
 #include "headless/SearchReport.h"
+#include "headless/TagCommands.h"
 #include "library/QorManage.h"
 #include "media/ThumbnailCache.h"
 #include "platform/Directories.h"
@@ -272,6 +273,15 @@ QCoro::Task<int> runStatus()
     co_return 0;
 }
 
+QCoro::Task<int> runTags(HeadlessCommand command)
+{
+    const CommandReport report = co_await QtConcurrent::run(&runTagCommand, command);
+    print(report.output);
+    for (const QString &error : report.errors)
+        printError(error);
+    co_return report.errors.isEmpty() ? 0 : 1;
+}
+
 } // namespace
 
 QCoro::Task<int> runCommand(HeadlessCommand command)
@@ -287,6 +297,8 @@ QCoro::Task<int> runCommand(HeadlessCommand command)
         co_return co_await runSheet(command);
     case Action::status:
         co_return co_await runStatus();
+    case Action::tags:
+        co_return co_await runTags(command);
     }
     Q_UNREACHABLE();
 }
