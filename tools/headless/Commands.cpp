@@ -3,9 +3,11 @@
 #include "ChineseClipService.h"
 #include "EmbeddingResponder.h"
 #include "headless/ContactSheet.h"
+#include "headless/EncoderStart.h"
 #include "headless/IndexSession.h"
 #include "headless/IndexSummary.h"
 #include "headless/LibraryOpening.h"
+#include "headless/Printing.h"
 #include "headless/ProgressBar.h"
 #include "headless/SearchReport.h"
 #include "headless/TagCommands.h"
@@ -25,7 +27,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 
 namespace Qorvane {
@@ -40,17 +41,6 @@ constexpr double patientEmbeddingTimeout = 120;
 
 // Only a disk that has stopped answering takes as long to store a folder.
 constexpr double patientBookmarkTimeout = 20;
-
-void print(const QString &text)
-{
-    std::fputs(qUtf8Printable(text), stdout);
-    std::fflush(stdout);
-}
-
-void printError(const QString &text)
-{
-    std::fprintf(stderr, "qorvane-headless: %s\n", qUtf8Printable(text));
-}
 
 QList<FileUrl> folderUrls(const QStringList &paths)
 {
@@ -140,8 +130,8 @@ QCoro::Task<int> runIndex(HeadlessCommand command)
 
     ChineseClipService service;
     const EmbeddingResponder responder(service);
-    co_await service.ensureModelsLoaded();
-    if (!service.modelsLoaded())
+    const bool areEncodersLoaded = co_await startEncoders(service);
+    if (!areEncodersLoaded)
         print(QStringLiteral("No encoders are installed: thumbnails only, and nothing to search by.\n"));
 
     LibraryTimings timings;
@@ -163,7 +153,7 @@ QCoro::Task<int> runIndex(HeadlessCommand command)
 
     const IndexSummary after = co_await QtConcurrent::run(&IndexSummary::of, folders);
     print(indexReport(before, after, seconds) + u'\n');
-    if (after.thumbnails < after.files || (service.modelsLoaded() && after.vectors < after.thumbnails))
+    if (after.thumbnails < after.files || (areEncodersLoaded && after.vectors < after.thumbnails))
         print(QStringLiteral("Some files gave no picture or no vector; --log FILE tells why.\n"));
     library.cancelAllTasks();
     co_return 0;
@@ -171,8 +161,8 @@ QCoro::Task<int> runIndex(HeadlessCommand command)
 
 QCoro::Task<std::optional<QList<SearchResult>>> search(ChineseClipService &service, QString query, int limit)
 {
-    co_await service.ensureModelsLoaded();
-    if (!service.modelsLoaded()) {
+    const bool areEncodersLoaded = co_await startEncoders(service);
+    if (!areEncodersLoaded) {
         printError(QStringLiteral("no encoders are installed, so there is nothing to search with"));
         co_return std::nullopt;
     }
@@ -268,8 +258,8 @@ QCoro::Task<int> runStatus()
 {
     print(co_await QtConcurrent::run(&statusReport));
     ChineseClipService service;
-    co_await service.ensureModelsLoaded();
-    print(service.modelsLoaded() ? QStringLiteral("encoders: loaded\n") : QStringLiteral("encoders: none\n"));
+    const bool areEncodersLoaded = co_await startEncoders(service);
+    print(areEncodersLoaded ? QStringLiteral("encoders: loaded\n") : QStringLiteral("encoders: none\n"));
     co_return 0;
 }
 
