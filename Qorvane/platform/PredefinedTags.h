@@ -13,4 +13,8 @@ const QStringList &predefinedTagsChinese();
 /// The one in the user's language, looked at anew with every call.
 const QStringList &predefinedTags();
 
+/// Lets `predefinedTags()` give `tags`, which must stay as long, or again its own with null. Gives what was
+/// put in their place before. Any thread.
+const QStringList *overridePredefinedTagsForTests(const QStringList *tags);
+
 } // namespace Qorvane

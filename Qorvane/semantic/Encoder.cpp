@@ -46,6 +46,8 @@ TextEncoder::TextEncoder(std::unique_ptr<EncoderSession> session)
 {
 }
 
+TextEncoder::TextEncoder() = default;
+
 TextEncoder::~TextEncoder() = default;
 
 std::shared_ptr<const TextEncoder> TextEncoder::load(const QString &path, QString *error)

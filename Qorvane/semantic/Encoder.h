@@ -52,10 +52,14 @@ class TextEncoder
 public:
     /// As `VisionEncoder::load`.
     static std::shared_ptr<const TextEncoder> load(const QString &path, QString *error);
-    ~TextEncoder();
+    virtual ~TextEncoder();
 
     /// `ids` and `mask` have the same length n, which the encoder must accept.
-    EncoderResult predict(const std::vector<qint32> &ids, const std::vector<qint32> &mask) const;
+    virtual EncoderResult predict(const std::vector<qint32> &ids, const std::vector<qint32> &mask) const;
+
+protected:
+    /// For tests' own: one without a file.
+    TextEncoder();
 
 private:
     explicit TextEncoder(std::unique_ptr<EncoderSession> session);
