@@ -1,15 +1,14 @@
 #include "ChineseClipService.h"
 
 #include "clip/DatabaseCandidates.h"
+#include "clip/DetachedWork.h"
 #include "clip/EmbeddingPicture.h"
 #include "clip/MemorySearch.h"
 #include "clip/SearchVerification.h"
 #include "platform/ChineseLocale.h"
-#include "platform/DetachedTask.h"
 #include "platform/Log.h"
 #include "semantic/NumberText.h"
 
-#include <QCoreApplication>
 #include <QCoroFuture>
 #include <QPointer>
 #include <QThread>
@@ -30,20 +29,6 @@ void logLines(const QStringList &lines)
         Log::line(line);
 }
 
-/// Finds and loads the encoders on a thread of its own. The future is finished by the event loop, so that who
-/// begins a load never finds it over within the same call, however quick the load is.
-QFuture<EncoderPair> loadInBackground(bool isChinese)
-{
-    auto promise = std::make_shared<QPromise<EncoderPair>>();
-    promise->start();
-    DetachedTask::start(QualityOfService::utility, [promise, isChinese](const TaskHandle &) {
-        promise->addResult(loadEncoders(findEncoders(isChinese)));
-        QMetaObject::invokeMethod(
-            qApp, [promise] { promise->finish(); }, Qt::QueuedConnection);
-    });
-    return promise->future();
-}
-
 } // namespace
 
 // After every co_await the service may be gone: its window was closed meanwhile. Each coroutine below looks,
@@ -54,6 +39,7 @@ ChineseClipService::ChineseClipService(QObject *parent)
     , m_queries(QualityOfService::userInitiated, queryThreadCount)
     , m_pictures(QualityOfService::utility, QThread::idealThreadCount())
     , m_tagRecommender(*this, m_queries, m_pictures)
+    , m_predefinedTagVectors(*this, m_tagRecommender.vectors())
 {
     Log::line(QStringLiteral("⚙️ 使用默认 logitScale=") + numberText(m_logitScale));
     Log::line(QStringLiteral("⚙️ ChineseClipService 初始化完成，模型将在需要时加载"));
@@ -81,7 +67,8 @@ QCoro::Task<> ChineseClipService::loadModels()
     const bool isChinese = isChineseLocale();
     Log::line(QStringLiteral("🔍 开始加载模型（后台线程）... locale=") +
               (isChinese ? QStringLiteral("zh") : QStringLiteral("en")));
-    const QFuture<EncoderPair> loading = loadInBackground(isChinese);
+    const QFuture<EncoderPair> loading =
+        runDetached(QualityOfService::utility, [isChinese] { return loadEncoders(findEncoders(isChinese)); });
     EncoderPair encoders = co_await loading;
     if (!self)
         co_return;
@@ -89,6 +76,7 @@ QCoro::Task<> ChineseClipService::loadModels()
     if (m_encoders.isComplete()) {
         setModelsLoaded();
         Log::line(QStringLiteral("🎉 模型加载成功 (on main)"));
+        co_await precomputePredefinedTags();
     } else {
         Log::line(QStringLiteral("❌ 模型加载失败（至少有一个未加载）"));
     }
@@ -111,23 +99,27 @@ ChineseClipService::extractImageFeatures(Image image, std::optional<QString> lab
 
 QCoro::Task<std::optional<std::vector<float>>> ChineseClipService::extractTextFeatures(QString text)
 {
-    if (!m_modelsLoaded) {
-        Log::line(QStringLiteral("❌ Models not loaded"));
-        co_return std::nullopt;
-    }
     const QPointer<ChineseClipService> self(this);
-    Log::line(QStringLiteral("🔤 开始处理文本: '") + text + u'\'');
-    const QFuture<TokenizerService::EncodedText> tokenizing =
-        m_queries.run([text] { return tokenized(text); });
-    const TokenizerService::EncodedText tokens = co_await tokenizing;
+    const QFuture<Extraction> running = startTextExtraction(text, m_queries);
+    const Extraction extraction = co_await running;
     if (!self)
         co_return std::nullopt;
-    logLines(tokenLines(tokens));
-    const QFuture<Extraction> running =
-        m_queries.run([encoder = m_encoders.text, tokens] { return extractText(*encoder, tokens); });
-    const Extraction extraction = co_await running;
     logLines(extraction.logLines);
     co_return extraction.vector;
+}
+
+QFuture<Extraction> ChineseClipService::startTextExtraction(const QString &text, WorkerPool &workers) const
+{
+    if (!m_modelsLoaded)
+        return QtFuture::makeReadyFuture(
+            Extraction{.vector = std::nullopt, .logLines = {QStringLiteral("❌ Models not loaded")}});
+    return workers.run([encoder = m_encoders.text, text] {
+        const TokenizerService::EncodedText tokens = tokenized(text);
+        Extraction extraction = extractText(*encoder, tokens);
+        extraction.logLines = QStringList(QStringLiteral("🔤 开始处理文本: '") + text + u'\'') +
+                              tokenLines(tokens) + extraction.logLines;
+        return extraction;
+    });
 }
 
 QCoro::Task<> ChineseClipService::extractFeatures(QList<FileUrl> urls)
@@ -237,6 +229,11 @@ QCoro::Task<QList<TagRecommendation>> ChineseClipService::recommendTags(FileUrl 
 QCoro::Task<std::optional<std::vector<float>>> ChineseClipService::getTagVector(QString tag)
 {
     return m_tagRecommender.vectors().vectorOf(tag);
+}
+
+QCoro::Task<> ChineseClipService::precomputePredefinedTags()
+{
+    return m_predefinedTagVectors.precompute();
 }
 
 QCoro::Task<std::optional<Image>> ChineseClipService::loadImageForAnalysis(FileUrl url)

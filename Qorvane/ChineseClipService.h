@@ -1,5 +1,6 @@
 #pragma once
 
+#include "clip/PredefinedTagVectors.h"
 #include "clip/TagRecommender.h"
 #include "clip/WorkerPool.h"
 #include "media/Image.h"
@@ -52,8 +53,12 @@ public:
     /// The vectors of tags that are in memory.
     const TagVectorCache::Entries &tagVectorCache() const { return m_tagRecommender.vectors().entries(); }
 
-    /// Loads the encoders for the user's language unless they are loaded. A call during a load returns at
-    /// once, without waiting for it.
+    /// Whether the vectors of all predefined tags were made ready. Never becomes false again.
+    bool predefinedTagsPrecomputed() const { return m_predefinedTagVectors.isComplete(); }
+
+    /// Loads the encoders for the user's language unless they are loaded, and then has the predefined tags
+    /// precomputed: `modelsLoaded` tells when the encoders can be used, long before the first such pass is
+    /// over. A call during either returns at once, without waiting for it.
     QCoro::Task<> ensureModelsLoaded();
 
     /// Embeds `image`; `label` names it in the log. The vector has unit length or is all zero; nothing on
@@ -62,6 +67,10 @@ public:
                                                                         std::optional<QString> label = {});
     /// The same for `text`.
     QCoro::Task<std::optional<std::vector<float>>> extractTextFeatures(QString text);
+
+    /// Begins to embed `text` on `workers`, at once and without a word: all lines are in the result. Empty
+    /// when the service goes meanwhile.
+    QFuture<Extraction> startTextExtraction(const QString &text, WorkerPool &workers) const;
 
     /// Embeds the pictures at `urls` one after the other by their thumbnails, and keeps the vectors in
     /// `imageFeatures`.
@@ -83,6 +92,11 @@ public:
     /// The vector of the text `tag`: from memory, else from the store, else from the encoder, and then kept
     /// in both.
     QCoro::Task<std::optional<std::vector<float>>> getTagVector(QString tag);
+
+    /// Makes the vectors of all predefined tags of the user's language ready in memory, unless that was done:
+    /// from the store, and what isn't there yet from the encoder, one tag after the other. Every other tag's
+    /// vector leaves the store.
+    QCoro::Task<> precomputePredefinedTags();
 
     /// The picture by which the photo at `url` is embedded: its thumbnail where there is one that loads, else
     /// one made now.
@@ -118,6 +132,7 @@ private:
     WorkerPool m_queries;
     WorkerPool m_pictures;
     TagRecommender m_tagRecommender;
+    PredefinedTagVectors m_predefinedTagVectors;
 };
 
 } // namespace Qorvane

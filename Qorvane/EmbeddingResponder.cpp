@@ -26,6 +26,7 @@ EmbeddingResponder::EmbeddingResponder(ChineseClipService &service, QObject *par
           EmbeddingMessages::requestName, ObserverQueue::main,
           [this](const Notification &request) { take(request); }))
 {
+    connect(&m_service, &ChineseClipService::modelsLoadedChanged, this, &EmbeddingResponder::answerWaiting);
     connect(&m_service, &ChineseClipService::isLoadingModelsChanged, this,
             &EmbeddingResponder::answerWaiting);
 }
@@ -43,15 +44,22 @@ void EmbeddingResponder::take(const Notification &request)
     // folders searched, and a broken encoder read, once more. A search or the window may load them later.
     if (!m_service.hasTriedLoading())
         m_service.ensureModelsLoaded();
-    if (m_service.isLoadingModels())
+    if (hasToWait())
         m_waiting.append(request);
     else
         answer(request);
 }
 
+// A load isn't over before the predefined tags are precomputed, but pictures can be embedded from the moment
+// the encoders are there.
+bool EmbeddingResponder::hasToWait() const
+{
+    return m_service.isLoadingModels() && !m_service.modelsLoaded();
+}
+
 void EmbeddingResponder::answerWaiting()
 {
-    if (m_service.isLoadingModels())
+    if (hasToWait())
         return;
     const QList<Notification> waiting = std::exchange(m_waiting, {});
     for (const Notification &request : waiting)

@@ -12,8 +12,8 @@ class ChineseClipService;
 
 /// Answers "ComputeEmbeddingRequest" (media/EmbeddingMessages.h) with the encoders of a `ChineseClipService`,
 /// for as long as it lives. Without one nobody answers, and the requesting side gives up after its time.
-/// The first request has the encoders loaded unless somebody has tried before; requests during a load are
-/// answered at its end, in their order. Lives on the GUI thread.
+/// The first request has the encoders loaded unless somebody has tried before; requests that find
+/// the encoders not loaded yet are answered when they are, in their order. Lives on the GUI thread.
 class EmbeddingResponder : public QObject
 {
     Q_OBJECT
@@ -25,11 +25,12 @@ public:
 
 private:
     void take(const Notification &request);
+    bool hasToWait() const;
     void answerWaiting();
     QCoro::Task<> answer(Notification request);
 
     ChineseClipService &m_service;
-    QList<Notification> m_waiting; ///< for the end of the load that is under way
+    QList<Notification> m_waiting; ///< for the encoders that are being loaded
     NotificationCenter::Token m_observation;
 };
 

@@ -5,8 +5,10 @@ qorvane_add_library(QorvaneClip
         ChineseClipService.cpp ChineseClipService.h
         EmbeddingResponder.cpp EmbeddingResponder.h
         clip/DatabaseCandidates.cpp clip/DatabaseCandidates.h
+        clip/DetachedWork.h
         clip/EmbeddingPicture.cpp clip/EmbeddingPicture.h
         clip/MemorySearch.cpp clip/MemorySearch.h
+        clip/PredefinedTagVectors.cpp clip/PredefinedTagVectors.h
         clip/SearchVerification.cpp clip/SearchVerification.h
         clip/TagCandidates.cpp clip/TagCandidates.h
         clip/TagRecommender.cpp clip/TagRecommender.h

@@ -7,6 +7,8 @@
 #include <QCoroFuture>
 #include <QPointer>
 
+#include <utility>
+
 namespace Qorvane {
 
 // As in the service: after every co_await it may be gone, and this with it.
@@ -15,6 +17,11 @@ TagVectorCache::TagVectorCache(ChineseClipService &service, WorkerPool &workers)
     : m_service(service)
     , m_workers(workers)
 {
+}
+
+void TagVectorCache::insert(const QString &tag, std::vector<float> vector)
+{
+    m_entries.insert(tag, std::move(vector));
 }
 
 QCoro::Task<std::optional<std::vector<float>>> TagVectorCache::vectorOf(QString tag)

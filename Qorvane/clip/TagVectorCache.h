@@ -25,6 +25,8 @@ public:
 
     /// What is in memory, by the exact text. Nothing is ever taken out.
     const Entries &entries() const { return m_entries; }
+    /// Takes `vector` into memory in place of what is there for `tag`.
+    void insert(const QString &tag, std::vector<float> vector);
 
     /// From memory, else from the store, else from the encoder, and then kept in both. A stored vector is
     /// taken as it is, whatever its length. Nothing when the text can't be encoded.

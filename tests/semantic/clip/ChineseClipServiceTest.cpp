@@ -62,8 +62,10 @@ TEST_F(ChineseClipServiceTest, loadsBothEncodersInTheBackgroundAndSaysSo)
     EXPECT_EQ(loadedSpy.size(), 1);
     EXPECT_EQ(loadingSpy.size(), 2);
     const QString folder = userModelsFolder();
+    const QStringList lines = log.lines();
+    ASSERT_EQ(lines.size(), 12) << qPrintable(lines.join(u'\n'));
     EXPECT_EQ(
-        log.lines(),
+        lines.first(9),
         QStringList({
             QStringLiteral("🔍 开始加载模型（后台线程）... locale=en"),
             QStringLiteral("🔍 Looking for model: ClipVisionEncoder"),
@@ -73,7 +75,9 @@ TEST_F(ChineseClipServiceTest, loadsBothEncodersInTheBackgroundAndSaysSo)
             QStringLiteral("✅(bg) 视觉模型加载成功: ClipVisionEncoder.onnx"),
             QStringLiteral("✅(bg) 文本模型加载成功: ClipTextEncoder.onnx"),
             QStringLiteral("🎉 模型加载成功 (on main)"),
+            QStringLiteral("🚀 开始预计算预定义标签向量..."),
         }));
+    EXPECT_TRUE(lines.constLast().startsWith(QStringLiteral("📊 已缓存 ")));
 }
 
 TEST_F(ChineseClipServiceTest, returnsAtOnceFromASecondLoadDuringALoad)

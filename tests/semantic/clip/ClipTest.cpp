@@ -1,6 +1,7 @@
 #include "clip/ClipTest.h"
 
 #include "media/ThumbnailPaths.h"
+#include "platform/DetachedTask.h"
 #include "platform/Languages.h"
 #include "store/EmbeddingStore.h"
 
@@ -29,10 +30,13 @@ ClipTest::ClipTest()
 ClipTest::~ClipTest()
 {
     Languages::endOverrideForTests();
+    // A service that went may have left the store at work.
+    DetachedTask::waitUntilIdle();
 }
 
 std::unique_ptr<ChineseClipService> ClipTest::loadedService()
 {
+    const PredefinedTagsOverride none{QStringList()};
     auto service = std::make_unique<ChineseClipService>();
     QCoro::waitFor(service->ensureModelsLoaded());
     EXPECT_TRUE(service->modelsLoaded()) << qPrintable(log.lines().join(u'\n'));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ChineseClipService.h"
+#include "clip/PredefinedTagsOverride.h"
 #include "encoders/TestEncoders.h"
 #include "support/LogCapture.h"
 
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 
 namespace Qorvane {
 
@@ -28,7 +30,7 @@ protected:
     ClipTest();
     ~ClipTest() override;
 
-    /// A service whose encoders are loaded. The log holds nothing of it.
+    /// A service whose encoders are loaded, and no tags precomputed. The log holds nothing of it.
     std::unique_ptr<ChineseClipService> loadedService();
 
     /// A picture file of one colour. Its name's extension says what it holds.
@@ -47,7 +49,12 @@ protected:
 
     LogCapture log;
 
+    /// From now on the predefined tags are the program's own. Until then there are none, so that a load ends
+    /// without a thousand of them being encoded.
+    void haveRealPredefinedTags() { m_noTags.reset(); }
+
 private:
+    std::optional<PredefinedTagsOverride> m_noTags{std::in_place, QStringList()};
     QTemporaryDir m_folder;
 };
 

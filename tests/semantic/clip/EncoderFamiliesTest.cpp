@@ -105,7 +105,7 @@ TEST_F(EncoderFamiliesTest, areLoadedByALaterTryWhenOneWasMissing)
     EXPECT_FALSE(await(service.extractImageFeatures(Image(plainPicture(Qt::red)))));
 
     ASSERT_TRUE(installTestEncoder(QStringLiteral("openai/ClipTextEncoder.onnx")));
-    EXPECT_EQ(linesOfLoading(service).constLast(), QStringLiteral("🎉 模型加载成功 (on main)"));
+    EXPECT_TRUE(linesOfLoading(service).contains(QStringLiteral("🎉 模型加载成功 (on main)")));
     EXPECT_TRUE(service.modelsLoaded());
 }
 

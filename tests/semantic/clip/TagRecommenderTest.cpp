@@ -1,4 +1,7 @@
+#include "clip/BusyStore.h"
+#include "clip/PredefinedTagsOverride.h"
 #include "clip/TagTest.h"
+#include "clip/TextEncoderGate.h"
 #include "platform/Languages.h"
 #include "platform/PredefinedTags.h"
 #include "store/EmbeddingStore.h"
@@ -8,8 +11,6 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <latch>
-#include <thread>
 
 using namespace Qorvane;
 
@@ -36,38 +37,6 @@ protected:
 
     const FileUrl photo;
     std::vector<float> vector = std::vector<float>(openaiLength, 0.0f); // the photo's
-};
-
-/// Holds the store, as somebody else's scan does, until told otherwise.
-class BusyStore
-{
-public:
-    explicit BusyStore(const FileUrl &row)
-    {
-        storeVector(row, vectorWithCosine(Axis::red, 0.5f));
-        m_thread = std::thread([this] {
-            EmbeddingStore::shared().scanVectors({}, [this](const ImageVectorView &) {
-                m_isHolding.count_down();
-                m_mayGo.wait();
-            });
-        });
-        m_isHolding.wait();
-    }
-    ~BusyStore()
-    {
-        release();
-        m_thread.join();
-    }
-    void release()
-    {
-        if (!m_mayGo.try_wait())
-            m_mayGo.count_down();
-    }
-
-private:
-    std::latch m_isHolding{1};
-    std::latch m_mayGo{1};
-    std::thread m_thread;
 };
 
 } // namespace
@@ -216,6 +185,8 @@ TEST_F(TagRecommenderTest, withoutEncodersThereAreNone)
 
 TEST_F(TagRecommenderTest, loadsTheEncodersFirst)
 {
+    // Without the other tags, which would all be encoded when the encoders are there.
+    const PredefinedTagsOverride tags({blue});
     service = std::make_unique<ChineseClipService>();
     EXPECT_EQ(tagsOf(recommend(photo, {}, {blue})), QStringList(blue));
 }
@@ -240,12 +211,15 @@ TEST_F(TagRecommenderTest, twoAtATimeDoNotHarmOneAnother)
 
 TEST_F(TagRecommenderTest, aSearchInBetweenIsAnsweredFirst)
 {
+    TextEncoderGate gate;
+    service = loadedService();
     storeVector(url(QStringLiteral("red.jpg")), vectorWithCosine(Axis::red, 0.9f));
-    auto recommending = service->recommendTags(photo, {}, predefinedTags().mid(100), 5);
-    EXPECT_TRUE(waitUntil([this] { return linesOfTags().size() >= 5; }));
+    auto recommending = service->recommendTags(photo, {}, predefinedBut({blue, green}), 5);
+    EXPECT_TRUE(waitUntil([&gate] { return gate.isReached(); }));
     EXPECT_EQ(await(service->searchWithDatabase(QStringLiteral("red"), {}, 20)).size(), 1);
     EXPECT_FALSE(recommending.isReady());
-    EXPECT_EQ(await(std::move(recommending)).size(), 5);
+    gate.open();
+    EXPECT_EQ(await(std::move(recommending)).size(), 2);
 }
 
 TEST_F(TagRecommenderTest, leavesTheGuiThreadFreeWhileTheStoreIsBusy)

@@ -10,6 +10,7 @@ TagTest::TagTest()
 {
     await(service->extractTextFeatures(QStringLiteral("red")));
     EmbeddingStore::shared().cleanupObsoleteTagVectors({});
+    haveRealPredefinedTags();
     log.clear();
 }
 
