@@ -146,6 +146,100 @@ TEST_F(MediaListTest, aRatingsListThatArrivesAfterAnotherRatingWasSelectedIsDrop
     EXPECT_EQ(published, QList<QStringList>{{QStringLiteral("best.png")}});
 }
 
+TEST_F(MediaListTest, aDroppedListOfATagOrARatingLeavesTheLoadingToTheNext)
+{
+    const FileUrl picture = home.writePicture(QStringLiteral("1.png"));
+    EmbeddingStore::shared().addTag(picture.path(), QStringLiteral("cat"));
+    EmbeddingStore::shared().setRating(picture.path(), 4);
+    recordLists();
+    QList<bool> loading;
+    QObject::connect(qorManager.get(), &QorManage::isLoadingChanged, qorManager.get(),
+                     [&] { loading.append(qorManager->isLoading()); });
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    qorManager->setSelectedTag(QStringLiteral("dog"));
+    settle();
+    EXPECT_EQ(loading, (QList<bool>{true, true, false}));
+    qorManager->setSelectedTag(std::nullopt);
+    settle();
+    loading.clear();
+    qorManager->setSelectedRating(4);
+    qorManager->setSelectedRating(5);
+    settle();
+    EXPECT_EQ(loading, (QList<bool>{true, true, false}));
+    EXPECT_EQ(publishedLists.join(QString()), QString());
+}
+
+TEST_F(MediaListTest, theTagGoesBeforeTheRatingAndTheRatingBeforeTheFolder)
+{
+    EmbeddingStore::shared().addTag(home.writePicture(QStringLiteral("tagged.png")).path(),
+                                    QStringLiteral("cat"));
+    EmbeddingStore::shared().setRating(home.writePicture(QStringLiteral("rated.png")).path(), 3);
+    home.writePicture(QStringLiteral("a/1.png"));
+    qorManager->setSelectedFolder(folderOf(QStringLiteral("a")));
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
+    qorManager->setSelectedRating(3);
+    ASSERT_TRUE(waitForList({QStringLiteral("rated.png")}));
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    ASSERT_TRUE(waitForList({QStringLiteral("tagged.png")}));
+    settle();
+    qorManager->loadImages();
+    ASSERT_TRUE(waitForList({QStringLiteral("tagged.png")}));
+    qorManager->setSelectedTag(std::nullopt);
+    ASSERT_TRUE(waitForList({QStringLiteral("rated.png")}));
+    qorManager->setSelectedRating(std::nullopt);
+    ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
+}
+
+TEST_F(MediaListTest, tagsAndRatingsAreSortedAsAskedForWhenTheStoreHasAnswered)
+{
+    for (const char *name : {"1.png", "2.png"}) {
+        const QString path = home.writePicture(QString::fromLatin1(name)).path();
+        EmbeddingStore::shared().addTag(path, QStringLiteral("cat"));
+        EmbeddingStore::shared().setRating(path, 4);
+    }
+    for (const bool isTag : {true, false}) {
+        qorManager->setSortOrder(SortOrder::ascending);
+        settle();
+        recordLists();
+        BusyStore busy;
+        if (isTag)
+            qorManager->setSelectedTag(QStringLiteral("cat"));
+        else
+            qorManager->setSelectedRating(4);
+        qorManager->setSortOrder(SortOrder::descending);
+        busy.end();
+        settle();
+        publishedLists.removeAll(QString());
+        EXPECT_EQ(publishedLists.value(0), QStringLiteral("2.png 1.png")) << isTag;
+        qorManager->setSelectedTag(std::nullopt);
+        settle();
+        publishedLists.clear();
+    }
+}
+
+TEST_F(MediaListTest, ratingsSortTheListOfATagAndAreReadAnewAtEachSort)
+{
+    EmbeddingStore &store = EmbeddingStore::shared();
+    QStringList paths;
+    for (const char *name : {"img10.png", "img2.png", "img1.png"}) {
+        paths.append(home.writePicture(QString::fromLatin1(name)).path());
+        store.addTag(paths.last(), QStringLiteral("cat"));
+    }
+    store.setRating(paths[2], 3);
+    qorManager->setSortCriterion(SortCriterion::rating);
+    drainMainQueue();
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    ASSERT_TRUE(
+        waitForList({QStringLiteral("img2.png"), QStringLiteral("img10.png"), QStringLiteral("img1.png")}));
+    qorManager->setRating(5, FileUrl::file(paths[1]));
+    qorManager->resortImagesIfChanged();
+    ASSERT_TRUE(
+        waitForList({QStringLiteral("img10.png"), QStringLiteral("img1.png"), QStringLiteral("img2.png")}));
+    qorManager->setSortOrder(SortOrder::descending);
+    ASSERT_TRUE(
+        waitForList({QStringLiteral("img2.png"), QStringLiteral("img1.png"), QStringLiteral("img10.png")}));
+}
+
 TEST_F(MediaListTest, aTagsLoadLogsEveryStepToTheLetter)
 {
     for (int i = 1; i <= 4; ++i)

@@ -49,6 +49,29 @@ TEST_F(SelectionRulesTest, noFolderLeavesTagAndRatingAlone)
     EXPECT_EQ(qorManager->selectedRating(), 2);
 }
 
+TEST_F(SelectionRulesTest, aFolderOverBothClearsTheTagFirstAndLoadsThreeTimes)
+{
+    EmbeddingStore::shared().addTag(QStringLiteral("/x.jpg"), QStringLiteral("cat"));
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    qorManager->setSelectedRating(2);
+    settle();
+    home.log().clear();
+    int loads = 0;
+    QObject::connect(qorManager.get(), &QorManage::isLoadingChanged, qorManager.get(),
+                     [&] { loads += qorManager->isLoading() ? 1 : 0; });
+    qorManager->setSelectedFolder(Folder{home.folder(), std::nullopt});
+    EXPECT_EQ(loads, 3);
+    EXPECT_EQ(qorManager->selectedTag(), std::nullopt);
+    EXPECT_EQ(qorManager->selectedRating(), std::nullopt);
+    QStringList changes;
+    for (const QString &line : home.log().lines()) {
+        if (line.contains(QStringLiteral(" changed from ")))
+            changes.append(line);
+    }
+    EXPECT_EQ(changes, (QStringList{QStringLiteral("🏷️ selectedTag changed from cat to nil"),
+                                    QStringLiteral("⭐️ selectedRating changed from 2 to nil")}));
+}
+
 TEST_F(SelectionRulesTest, tagAndRatingLeaveTheFolderSelected)
 {
     const Folder folder{home.folder(), std::nullopt};
@@ -77,6 +100,10 @@ TEST_F(SelectionRulesTest, anEqualValueLoadsTheListAgain)
     qorManager->setSelectedRating(2);
     EXPECT_EQ(loads, 1);
     EXPECT_TRUE(home.log().contains(QStringLiteral("⭐️ selectedRating changed from 2 to 2")));
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    qorManager->setSelectedTag(QStringLiteral("cat"));
+    EXPECT_EQ(loads, 3);
+    EXPECT_TRUE(home.log().contains(QStringLiteral("🏷️ selectedTag changed from cat to cat")));
 }
 
 TEST_F(SelectionRulesTest, aSelectionIsAnnouncedBeforeItIsWritten)

@@ -4,6 +4,8 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
+#include <sqlite3.h>
+
 #include <thread>
 
 using namespace Qorvane;
@@ -12,11 +14,15 @@ class TagsAndRatingsTest : public LibraryFixture
 {
 protected:
     int announcements() const { return m_announcements; }
+    /// The loads of lists so far.
+    int loads() const { return m_loads; }
 
     void SetUp() override
     {
         QObject::connect(qorManager.get(), &QorManage::objectWillChange, qorManager.get(),
                          [this] { ++m_announcements; });
+        QObject::connect(qorManager.get(), &QorManage::isLoadingChanged, qorManager.get(),
+                         [this] { m_loads += qorManager->isLoading() ? 1 : 0; });
     }
 
     bool waitForList(const QStringList &expected)
@@ -38,6 +44,36 @@ protected:
 
 private:
     int m_announcements = 0;
+    int m_loads = 0;
+};
+
+/// Takes the tables of tags and ratings away while it lives.
+class MissingTables
+{
+public:
+    MissingTables()
+    {
+        const QByteArray file = qgetenv("XDG_DATA_HOME") + "/Qorvane/embeddings.sqlite3";
+        EXPECT_EQ(sqlite3_open(file.constData(), &m_database), SQLITE_OK);
+        run("ALTER TABLE image_tags RENAME TO away_tags; ALTER TABLE image_ratings RENAME TO away_ratings");
+    }
+    ~MissingTables()
+    {
+        run("ALTER TABLE away_tags RENAME TO image_tags; ALTER TABLE away_ratings RENAME TO image_ratings");
+        sqlite3_close(m_database);
+    }
+    MissingTables(const MissingTables &) = delete;
+    MissingTables &operator=(const MissingTables &) = delete;
+
+private:
+    void run(const char *sql)
+    {
+        EXPECT_EQ(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+        // The store notices at its next step: SQLite prepares by the schema it knows.
+        EmbeddingStore::shared().getImageCount();
+    }
+
+    sqlite3 *m_database = nullptr;
 };
 
 TEST_F(TagsAndRatingsTest, aTagIsStoredAndThenListed)
@@ -197,6 +233,162 @@ TEST_F(TagsAndRatingsTest, clearingARatingWhileOneIsShownReloads)
     ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
     qorManager->clearRating(picture);
     EXPECT_TRUE(waitForList({}));
+}
+
+TEST_F(TagsAndRatingsTest, clearingARatingReloadsTheListShownWhicheverFileItIs)
+{
+    qorManager->setSelectedRating(3);
+    settle();
+    const int before = loads();
+    qorManager->clearRating(picture);
+    settle();
+    EXPECT_EQ(loads(), before + 1);
+}
+
+TEST_F(TagsAndRatingsTest, whatConcernsNoTagShownLoadsNothing)
+{
+    store.addTag(picture.path(), cat);
+    qorManager->setSelectedTag(cat);
+    settle();
+    const int before = loads();
+    qorManager->addTag(dog, picture);
+    qorManager->renameTag(dog, QStringLiteral("bird"), picture);
+    qorManager->removeTag(QStringLiteral("bird"), picture);
+    qorManager->addTag(QStringLiteral("Cat"), picture);
+    qorManager->deleteTagGlobally(QStringLiteral("Cat"));
+    qorManager->setRating(2, picture);
+    qorManager->clearRating(picture);
+    settle();
+    EXPECT_EQ(loads(), before);
+    EXPECT_EQ(qorManager->selectedTag(), cat);
+    EXPECT_EQ(qorManager->allTags(), QStringList{cat});
+}
+
+TEST_F(TagsAndRatingsTest, aTagShownLoadsOnceForEachChangeOfIt)
+{
+    store.addTag(picture.path(), cat);
+    const FileUrl second = home.writePicture(QStringLiteral("2.png"));
+    qorManager->setSelectedTag(cat);
+    settle();
+    int before = loads();
+    qorManager->addTag(cat, second);
+    settle();
+    EXPECT_EQ(loads(), before + 1);
+    before = loads();
+    qorManager->removeTag(cat, second);
+    settle();
+    EXPECT_EQ(loads(), before + 1);
+    EXPECT_TRUE(waitForList({QStringLiteral("1.png")}));
+    before = loads();
+    qorManager->renameTag(dog, cat, second);
+    settle();
+    EXPECT_EQ(loads(), before + 1);
+    EXPECT_TRUE(waitForList({QStringLiteral("1.png"), QStringLiteral("2.png")}));
+}
+
+TEST_F(TagsAndRatingsTest, aRefreshDeselectsATagThatIsThereInAnotherCaseOnly)
+{
+    store.addTag(picture.path(), QStringLiteral("Cat"));
+    qorManager->setSelectedTag(cat);
+    settle();
+    home.log().clear();
+    const int before = loads();
+    qorManager->refreshAllTags();
+    settle();
+    EXPECT_EQ(qorManager->selectedTag(), std::nullopt);
+    EXPECT_EQ(qorManager->allTags(), QStringList{QStringLiteral("Cat")});
+    EXPECT_EQ(loads(), before + 1);
+    EXPECT_TRUE(home.log().contains(QStringLiteral("🏷️ selectedTag changed from cat to nil")));
+}
+
+TEST_F(TagsAndRatingsTest, aRefreshLeavesASelectedTagInUseAlone)
+{
+    store.addTag(picture.path(), cat);
+    qorManager->setSelectedTag(cat);
+    settle();
+    const int before = loads();
+    qorManager->refreshAllTags();
+    settle();
+    EXPECT_EQ(qorManager->selectedTag(), cat);
+    EXPECT_EQ(loads(), before);
+}
+
+TEST_F(TagsAndRatingsTest, aRefreshThatCannotReadPublishesNoTagsAndDeselects)
+{
+    store.addTag(picture.path(), cat);
+    qorManager->setSelectedTag(cat);
+    qorManager->refreshAllTags();
+    ASSERT_TRUE(waitUntil([&] { return qorManager->allTags() == QStringList{cat}; }));
+    settle();
+    {
+        const MissingTables missing;
+        qorManager->refreshAllTags();
+        settle();
+        EXPECT_EQ(qorManager->allTags(), QStringList());
+        EXPECT_EQ(qorManager->selectedTag(), std::nullopt);
+    }
+    EXPECT_EQ(home.log().linesStartingWith(QStringLiteral("❌ listAllTags prepare error: ")).size(), 1);
+    qorManager->refreshAllTags();
+    settle();
+    EXPECT_EQ(qorManager->allTags(), QStringList{cat});
+}
+
+TEST_F(TagsAndRatingsTest, writesThatFailAreFollowedAsIfTheyHadNot)
+{
+    settle();
+    const int before = announcements();
+    {
+        const MissingTables missing;
+        qorManager->setRating(3, picture);
+        settle();
+        EXPECT_EQ(announcements(), before + 1);
+        qorManager->clearRating(picture);
+        settle();
+        EXPECT_EQ(announcements(), before + 2);
+    }
+    EXPECT_EQ(home.log().lines().filter(QStringLiteral("prepare error")).size(), 2);
+}
+
+TEST_F(TagsAndRatingsTest, everyStarIsKeptAsItIs)
+{
+    for (int rating = 1; rating <= 5; ++rating) {
+        qorManager->setRating(rating, picture);
+        EXPECT_EQ(storedRating(), rating);
+    }
+}
+
+TEST_F(TagsAndRatingsTest, theListOfATagOfAnyTextIsItsOwn)
+{
+    const FileUrl other = home.writePicture(QStringLiteral("2.png"));
+    const QStringList texts{QStringLiteral("山水画"),
+                            QStringLiteral("شاطئ البحر"),
+                            QStringLiteral("👩‍👩‍👧‍👦"),
+                            QStringLiteral("e\u0301te\u0301"),
+                            QStringLiteral("\u00e9t\u00e9"),
+                            QStringLiteral("\uFEFFmarked"),
+                            QStringLiteral("100%"),
+                            QStringLiteral("a_b"),
+                            QStringLiteral("'; DROP TABLE image_tags; --"),
+                            QStringLiteral("\"quoted\" 'twice'"),
+                            QStringLiteral("line\nbreak\x01\x7f"),
+                            QStringLiteral("長").repeated(10'000)};
+    for (const QString &decoy : {QStringLiteral("100x"), QStringLiteral("axb")})
+        store.addTag(other.path(), decoy);
+    for (const QString &text : texts) {
+        SCOPED_TRACE(qPrintable(text.left(50)));
+        qorManager->addTag(text, picture);
+        qorManager->setSelectedTag(text);
+        ASSERT_TRUE(waitForList({QStringLiteral("1.png")}));
+        settle();
+        EXPECT_EQ(qorManager->selectedTag(), text); // known to the letter, or it would be deselected
+        EXPECT_TRUE(qorManager->allTags().contains(text));
+        qorManager->renameTag(text, text + u'!', picture);
+        ASSERT_TRUE(waitUntil([&] { return !qorManager->selectedTag(); }));
+        settle();
+        qorManager->deleteTagGlobally(text + u'!');
+        settle();
+        EXPECT_EQ(qorManager->allTags(), (QStringList{QStringLiteral("100x"), QStringLiteral("axb")}));
+    }
 }
 
 TEST_F(TagsAndRatingsTest, aBusyStoreDoesNotKeepTheWindowWaiting)
