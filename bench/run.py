@@ -39,12 +39,22 @@ FRAME = 16.7
 # What lists of 30 times as many files may take beside the one file in work.
 SAME_MEMORY = 1.1
 
+# What a question of the store may take, of the time that the sqlite3 shell needs for its SQL.
+LIKE_THE_SHELL = 3
+
 PROGRAMS = {
     "search": ("SearchBenchmark", [
         Figure("search of 100,000 rows : bare read of them", "search/read", 1.5),
         Figure("reading and scoring alone : bare read", "scan/read"),
         Figure("plain loop : scoring in blocks", "plain/fastest", clock=PROCESSOR),
         Figure("plain loop : scoring in blocks, portable", "plain/portable", clock=PROCESSOR),
+    ]),
+    "tags": ("TagBenchmark", [
+        Figure("all tags of 1,000,000 rows : the same by sqlite3", "list/shell", LIKE_THE_SHELL),
+        Figure("suggestions for a letter : the same by sqlite3", "search/shell", LIKE_THE_SHELL),
+        Figure("a tag's count : the same by sqlite3", "count/shell", LIKE_THE_SHELL),
+        Figure("a rating's count : the same by sqlite3", "rating/shell", LIKE_THE_SHELL),
+        Figure("all tags' counts at once : the same by sqlite3", "counts/shell", LIKE_THE_SHELL),
     ]),
     "pause": ("embedding/SearchPauseBenchmark", [
         Figure("longest pause of the GUI thread in a search", "pause_ms", FRAME, " ms"),
