@@ -1,6 +1,7 @@
 #include "headless/CommandLine.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -106,6 +107,23 @@ TEST(CommandLineTest, RefusesALimitThatIsNoCount)
     }
 }
 
+TEST(CommandLineTest, TakesThePicturesToRecommendFor)
+{
+    const QTemporaryDir folder;
+    const QString picture = folder.filePath(QStringLiteral("a.jpg"));
+    ASSERT_TRUE(QFile(picture).open(QIODevice::WriteOnly));
+    const QStringList arguments{QStringLiteral("recommend"), picture, picture};
+    const HeadlessCommand command = commandOf(arguments);
+    EXPECT_EQ(command.action, Action::recommend);
+    EXPECT_EQ(command.files, QStringList(picture));
+    EXPECT_EQ(command.limit, 5);
+    EXPECT_EQ(commandOf(arguments + QStringList(QStringLiteral("--limit=8"))).limit, 8);
+    EXPECT_FALSE(errorOf({QStringLiteral("recommend")}).isEmpty());
+    const QString missing = folder.filePath(QStringLiteral("missing.jpg"));
+    EXPECT_TRUE(errorOf({QStringLiteral("recommend"), picture, missing}).contains(missing));
+    EXPECT_FALSE(errorOf({QStringLiteral("recommend"), folder.path()}).isEmpty());
+}
+
 TEST(CommandLineTest, RefusesUnknownCommandsAndOptions)
 {
     EXPECT_TRUE(errorOf({QStringLiteral("paint")}).contains(QStringLiteral("paint")));
@@ -120,6 +138,6 @@ TEST(CommandLineTest, ExplainsItselfWithoutCallingThatAnError)
     const auto *answer = std::get_if<CommandLineAnswer>(&result);
     ASSERT_NE(answer, nullptr);
     EXPECT_FALSE(answer->isError);
-    for (const char *command : {"index", "add", "search", "sheet", "status"})
+    for (const char *command : {"index", "add", "search", "sheet", "status", "recommend"})
         EXPECT_TRUE(answer->text.contains(QLatin1String(command))) << command;
 }

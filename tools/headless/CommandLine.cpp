@@ -23,27 +23,34 @@ struct ActionName
 };
 
 constexpr std::array actionNames{
-    ActionName{"add", Action::add},       ActionName{"index", Action::index},
-    ActionName{"search", Action::search}, ActionName{"sheet", Action::sheet},
-    ActionName{"status", Action::status}, ActionName{"tags", Action::tags},
-    ActionName{"tag", Action::tags},      ActionName{"rate", Action::tags},
+    ActionName{"add", Action::add},
+    ActionName{"index", Action::index},
+    ActionName{"search", Action::search},
+    ActionName{"sheet", Action::sheet},
+    ActionName{"status", Action::status},
+    ActionName{"tags", Action::tags},
+    ActionName{"tag", Action::tags},
+    ActionName{"rate", Action::tags},
+    ActionName{"recommend", Action::recommend},
 };
 
-const char usage[] = "Qorvane's library without a window.\n\n"
-                     "  index FOLDER...        put folders into the library and index them\n"
-                     "  add FOLDER...          put folders into the library only\n"
-                     "  search QUERY           list the pictures that match a text\n"
-                     "  sheet QUERY OUT.png    draw the matches as a contact sheet\n"
-                     "  sheet --all OUT.png    draw the whole library\n"
-                     "  status                 tell what the library holds\n"
-                     "  tags [BEGINNING]       list the tags in use, or suggest tags that begin so\n"
-                     "  tag add TAG FILE...    give pictures and videos a tag\n"
-                     "  tag remove TAG FILE... take it off them\n"
-                     "  tag rename OLD NEW FILE...\n"
-                     "                         turn one of their tags into another\n"
-                     "  tag delete TAG         take a tag off all files\n"
-                     "  tag show FILE...       tell their tags and stars\n"
-                     "  rate STARS FILE...     give them 1 to 5 stars, or none with \"clear\"";
+const char usage[] =
+    "Qorvane's library without a window.\n\n"
+    "  index FOLDER...        put folders into the library and index them\n"
+    "  add FOLDER...          put folders into the library only\n"
+    "  search QUERY           list the pictures that match a text\n"
+    "  sheet QUERY OUT.png    draw the matches as a contact sheet\n"
+    "  sheet --all OUT.png    draw the whole library\n"
+    "  status                 tell what the library holds\n"
+    "  tags [BEGINNING]       list the tags in use, or suggest tags that begin so\n"
+    "  tag add TAG FILE...    give pictures and videos a tag\n"
+    "  tag remove TAG FILE... take it off them\n"
+    "  tag rename OLD NEW FILE...\n"
+    "                         turn one of their tags into another\n"
+    "  tag delete TAG         take a tag off all files\n"
+    "  tag show FILE...       tell their tags and stars\n"
+    "  rate STARS FILE...     give them 1 to 5 stars, or none with \"clear\"\n"
+    "  recommend PICTURE...   name the tags that go best with each, in the language of the locale";
 
 // An option shared by the definition and the reading of its value.
 struct Options
@@ -51,7 +58,7 @@ struct Options
     QCommandLineOption all{QStringLiteral("all"), QStringLiteral("sheet: the whole library, not a search")};
     QCommandLineOption limit{{QStringLiteral("n"), QStringLiteral("limit")},
                              QStringLiteral("search, sheet: at most <count> pictures (20; with --all 200); "
-                                            "tags BEGINNING: as many tags"),
+                                            "tags BEGINNING, recommend: as many tags (20, 5)"),
                              QStringLiteral("count")};
     QCommandLineOption log{QStringLiteral("log"), QStringLiteral("write the program's log lines to <file>"),
                            QStringLiteral("file")};
@@ -60,6 +67,9 @@ struct Options
 
 // A sheet of a whole library has to stop somewhere; this many still make an image that viewers open.
 constexpr int wholeLibraryLimit = 200;
+
+// As many as the window recommends.
+constexpr int recommendationLimit = 5;
 
 CommandLineAnswer error(const QString &text)
 {
@@ -90,6 +100,21 @@ Result withFolders(HeadlessCommand command, const QStringList &operands)
             return error(QStringLiteral("no such folder: %1").arg(operand));
         if (!command.folders.contains(path))
             command.folders.append(path);
+    }
+    return command;
+}
+
+// The picture of each is looked at when its turn comes.
+Result withPictures(HeadlessCommand command, const QStringList &operands)
+{
+    if (operands.isEmpty())
+        return error(QStringLiteral("name at least one picture"));
+    for (const QString &operand : operands) {
+        if (!QFileInfo(operand).isFile())
+            return error(QStringLiteral("no such file: %1").arg(operand));
+        const QString path = absolutePath(operand);
+        if (!command.files.contains(path))
+            command.files.append(path);
     }
     return command;
 }
@@ -129,6 +154,8 @@ Result withOperands(const HeadlessCommand &command, const QString &word, const Q
         return command;
     case Action::tags:
         return readTagCommand(command, word, operands);
+    case Action::recommend:
+        return withPictures(command, operands);
     }
     Q_UNREACHABLE();
 }
@@ -164,6 +191,8 @@ Result readCommandLine(const QStringList &arguments)
     const bool isWholeLibrary = parser.isSet(options.all);
     if (isWholeLibrary)
         command.limit = wholeLibraryLimit;
+    else if (*action == Action::recommend)
+        command.limit = recommendationLimit;
     if (parser.isSet(options.limit)) {
         bool isNumber = false;
         command.limit = parser.value(options.limit).toInt(&isNumber);

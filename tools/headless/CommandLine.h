@@ -12,12 +12,13 @@ namespace Qorvane {
 struct HeadlessCommand
 {
     enum class Action {
-        add,    ///< put folders into the library and end
-        index,  ///< put folders into the library and wait until they are indexed
-        search, ///< list the pictures that match a text
-        sheet,  ///< draw a contact sheet
-        status, ///< tell what the library holds
-        tags,   ///< list or change tags and ratings, as `tagAction` says
+        add,       ///< put folders into the library and end
+        index,     ///< put folders into the library and wait until they are indexed
+        search,    ///< list the pictures that match a text
+        sheet,     ///< draw a contact sheet
+        status,    ///< tell what the library holds
+        tags,      ///< list or change tags and ratings, as `tagAction` says
+        recommend, ///< recommend tags for `files`
     };
 
     enum class TagAction {
@@ -34,7 +35,8 @@ struct HeadlessCommand
     QStringList folders; ///< add, index: absolute paths
     QString query;       ///< search, sheet: empty for the whole library
     QString outputPath;  ///< sheet: the PNG file to write
-    int limit = 20;      ///< search, sheet: the most pictures; as many as the search field asks for. tags too
+    int limit = 20;      ///< search, sheet: the most pictures; as many as the search field asks for. Of tags:
+                         ///< tags, and recommend, which has a default of its own
     QString logPath;     ///< where the program's log lines go; empty for nowhere
     bool isVerbose = false; ///< log lines go to standard output
 

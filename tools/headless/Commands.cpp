@@ -9,6 +9,7 @@
 #include "headless/LibraryOpening.h"
 #include "headless/Printing.h"
 #include "headless/ProgressBar.h"
+#include "headless/Recommend.h"
 #include "headless/SearchReport.h"
 #include "headless/TagCommands.h"
 #include "library/QorManage.h"
@@ -289,6 +290,8 @@ QCoro::Task<int> runCommand(HeadlessCommand command)
         co_return co_await runStatus();
     case Action::tags:
         co_return co_await runTags(command);
+    case Action::recommend:
+        co_return co_await runRecommend(command);
     }
     Q_UNREACHABLE();
 }
