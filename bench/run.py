@@ -75,6 +75,14 @@ PROGRAMS = {
         Figure("starter: embedding of an English text", "starter_text_ms", 30, " ms", needs_starter=True),
         Figure("starter: embedding of a Chinese text", "starter_chinese_text_ms", 30, " ms", needs_starter=True),
     ]),
+    "recommendation": ("embedding/RecommendationBenchmark", [
+        Figure("starter: tags of 1,000 - 1.1 x embedding a picture", "surplus_ms", 5, " ms", needs_starter=True),
+        Figure("starter: tags of 1,000 : embedding of a picture", "recommendation/embedding", needs_starter=True),
+        Figure("starter: longest pause of the GUI, first start", "first_pause_ms", FRAME, " ms", needs_starter=True),
+        Figure("starter: longest pause of the GUI, second start", "second_pause_ms", FRAME, " ms", needs_starter=True),
+        Figure("starter: precomputing all tags, first start", "first_pass_ms", None, " ms", needs_starter=True),
+        Figure("starter: the same, second start", "second_pass_ms", None, " ms", needs_starter=True),
+    ]),
     "first-search": ("embedding/FirstSearchBenchmark", [
         Figure("starter: first key to the first search's hits", "answered_ms", 1000, " ms", needs_starter=True),
         Figure("starter: first key to encoders loaded", "loaded_ms", None, " ms", needs_starter=True),
