@@ -5,7 +5,6 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
-
 #include <thread>
 
 using namespace Qorvane;
