@@ -3,6 +3,7 @@
 #include "clip/ClipTest.h"
 #include "clip/PredefinedTagsOverride.h"
 #include "clip/TextEncoderGate.h"
+#include "encoders/TextEncoderCount.h"
 #include "media/EmbeddingMessages.h"
 #include "platform/DetachedTask.h"
 #include "platform/Languages.h"
@@ -120,9 +121,12 @@ TEST_F(PredefinedTagVectorsTest, comesRightAfterTheEncodersAreLoaded)
 
 TEST_F(PredefinedTagVectorsTest, aSecondStartComputesNone)
 {
+    const TextEncoderCount encoded;
     load({blue, green, bright});
+    EXPECT_EQ(encoded.texts(), 3);
     const auto first = service->tagVectorCache();
     load({blue, green, bright});
+    EXPECT_EQ(encoded.texts(), 3);
     EXPECT_TRUE(log.linesStartingWith(encodedPrefix).isEmpty());
     EXPECT_EQ(log.lines().constLast(), summary(3, 3, 0));
     EXPECT_EQ(service->tagVectorCache(), first);

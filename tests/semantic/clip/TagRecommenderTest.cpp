@@ -2,6 +2,7 @@
 #include "clip/PredefinedTagsOverride.h"
 #include "clip/TagTest.h"
 #include "clip/TextEncoderGate.h"
+#include "encoders/TextEncoderCount.h"
 #include "platform/Languages.h"
 #include "platform/PredefinedTags.h"
 #include "store/EmbeddingStore.h"
@@ -43,10 +44,14 @@ protected:
 
 TEST_F(TagRecommenderTest, aSecondRecommendationEncodesNoText)
 {
+    const TextEncoderCount encoded;
+    service = loadedService();
     const QStringList userTags{QStringLiteral("sky"), QStringLiteral("lake")};
     const auto first = recommend(photo, userTags, {blue, red, green});
+    EXPECT_EQ(encoded.texts(), 5);
     log.clear();
     EXPECT_EQ(recommend(photo, userTags, {blue, red, green}), first);
+    EXPECT_EQ(encoded.texts(), 5);
     EXPECT_EQ(linesOfTags().size(), 5);
     for (const char *begin : {"🔤", "📝", "📥"})
         EXPECT_TRUE(log.linesStartingWith(QString::fromUtf8(begin)).isEmpty()) << begin;
