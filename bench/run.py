@@ -36,6 +36,8 @@ class Figure:
 
 # A frame of a display at 60 Hz.
 FRAME = 16.7
+# What the precomputation of the predefined tags may hold the event loop for: less than a frame.
+PASS_PAUSE = 16
 # What lists of 30 times as many files may take beside the one file in work.
 SAME_MEMORY = 1.1
 
@@ -78,8 +80,8 @@ PROGRAMS = {
     "recommendation": ("embedding/RecommendationBenchmark", [
         Figure("starter: tags of 1,000 - 1.1 x embedding a picture", "surplus_ms", 5, " ms", needs_starter=True),
         Figure("starter: tags of 1,000 : embedding of a picture", "recommendation/embedding", needs_starter=True),
-        Figure("starter: longest pause of the GUI, first start", "first_pause_ms", FRAME, " ms", needs_starter=True),
-        Figure("starter: longest pause of the GUI, second start", "second_pause_ms", FRAME, " ms", needs_starter=True),
+        Figure("starter: longest pause of the GUI, first start", "first_pause_ms", PASS_PAUSE, " ms", needs_starter=True),
+        Figure("starter: longest pause of the GUI, second start", "second_pause_ms", PASS_PAUSE, " ms", needs_starter=True),
         Figure("starter: precomputing all tags, first start", "first_pass_ms", None, " ms", needs_starter=True),
         Figure("starter: the same, second start", "second_pass_ms", None, " ms", needs_starter=True),
     ]),

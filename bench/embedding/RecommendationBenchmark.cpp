@@ -1,6 +1,7 @@
 #include "ChineseClipService.h"
 #include "encoders/StarterEncoders.h"
 #include "encoders/TestEncoders.h"
+#include "encoders/TextEncoderCount.h"
 #include "platform/Log.h"
 #include "platform/PredefinedTags.h"
 #include "store/EmbeddingStore.h"
@@ -90,8 +91,13 @@ void recommendationAgainstEmbedding(benchmark::State &state)
     }
     if (!installStarter())
         qFatal("the starter encoders can't be installed");
+    const TextEncoderCount encoded;
     const Start first = start();
+    const int encodedAtFirst = encoded.texts();
     const Start second = start();
+    if (encodedAtFirst == 0 || encoded.texts() != encodedAtFirst)
+        qFatal("a second start encodes %d texts, after %d at the first", encoded.texts() - encodedAtFirst,
+               encodedAtFirst);
     state.counters["first_pass_ms"] = first.seconds * 1e3;
     state.counters["first_pause_ms"] = first.longestPause * 1e3;
     state.counters["second_pass_ms"] = second.seconds * 1e3;
@@ -108,12 +114,15 @@ void recommendationAgainstEmbedding(benchmark::State &state)
     };
     embed();
     recommend();
+    const int encodedBefore = encoded.texts();
     Costs embedding;
     Costs recommendation;
     for (auto step : state) {
         embedding.add(costOf(embed));
         recommendation.add(costOf(recommend));
     }
+    if (encoded.texts() != encodedBefore)
+        qFatal("a recommendation encodes texts that were encoded before");
     reportCost(state, "embedding", embedding);
     reportCost(state, "recommendation", recommendation);
     reportRatio(state, "recommendation/embedding", recommendation, embedding);
