@@ -137,20 +137,27 @@ TEST_F(TagSuggestionsTest, showTheTablesFormOfAPredefinedTag)
 
 TEST_F(TagSuggestionsTest, readTwentyRowsOrThreeTimesTheLimit)
 {
-    // 25 tags that count as one, and behind them another.
-    for (int number = 0; number < 25; ++number) {
-        QString tag = QStringLiteral("caaaaa");
-        for (int place = 1; place < tag.size(); ++place) {
-            if (number >> (place - 1) & 1)
-                tag[place] = u'A';
+    const std::vector<std::pair<int, int>> rowsByLimit{{2, 20}, {5, 20}, {6, 20}, {7, 21}, {10, 30}};
+    for (const auto &[limit, rows] : rowsByLimit) {
+        SCOPED_TRACE(limit);
+        // Rows that count as one tag, then one in the last row that is read, and one in the next.
+        const QChar begin(u'a' + limit);
+        QStringList tags;
+        for (int number = 0; number < rows - 1; ++number) {
+            QString tag = begin + QStringLiteral("aaaaa");
+            for (int place = 1; place < tag.size(); ++place) {
+                if (number >> (place - 1) & 1)
+                    tag[place] = u'A';
+            }
+            tags.append(tag);
         }
-        addTags({tag});
+        const QString last = begin + QStringLiteral("b");
+        addTags(tags + QStringList({last, begin + QStringLiteral("c")}));
+        const QStringList found = store.searchTags(begin, limit, false);
+        ASSERT_EQ(found.size(), 2);
+        EXPECT_EQ(found[0].toLower(), begin + QStringLiteral("aaaaa"));
+        EXPECT_EQ(found[1], last);
     }
-    addTags({"cb"});
-    EXPECT_EQ(store.searchTags(QStringLiteral("c"), 5, false).size(), 1);
-    const QStringList more = store.searchTags(QStringLiteral("c"), 10, false);
-    EXPECT_EQ(more.size(), 2);
-    EXPECT_EQ(more.constLast(), QStringLiteral("cb"));
 }
 
 TEST_F(TagSuggestionsTest, areThoseOfAnIndependentReckoning)
