@@ -10,6 +10,7 @@
 #include "platform/GlobalQueue.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
+#include "platform/QuotedList.h"
 #include "store/EmbeddingStore.h"
 
 #include <QHash>
@@ -36,21 +37,12 @@ PendingLoads::List sorted(const QList<FileUrl> &urls, const SortSettings &settin
     return {SortingRules::sortURLs(urls, settings.criterion, settings.order), settings};
 }
 
-// As a list reads in the log: ["/a/1.jpg", "/a/2.jpg"].
-QString firstThree(const QStringList &paths)
-{
-    QStringList quoted;
-    for (const QString &path : paths.mid(0, 3))
-        quoted.append(u'"' + path + u'"');
-    return u'[' + quoted.join(QStringLiteral(", ")) + u']';
-}
-
 // Runs on a pool's thread.
 PendingLoads::List filesOfTag(const QString &tag, const LibrarySnapshot &snapshot)
 {
     const QStringList paths = EmbeddingStore::shared().fetchPathsByTag(tag);
     Log::line(QStringLiteral("🏷️ Found ") + QString::number(paths.size()) +
-              QStringLiteral(" paths for tag '") + tag + QStringLiteral("': ") + firstThree(paths));
+              QStringLiteral(" paths for tag '") + tag + QStringLiteral("': ") + quotedList(paths.mid(0, 3)));
     QList<FileUrl> urls;
     for (const QString &path : paths) {
         if (fileExists(path))
