@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/PredefinedTags.h"
+#include "platform/QuotedList.h"
 #include "semantic/CosineSimilarity.h"
 #include "semantic/DescendingOrder.h"
 #include "semantic/NumberText.h"
@@ -17,22 +18,6 @@ namespace {
 void logCount(const QString &heading, qsizetype count)
 {
     Log::line(heading + QString::number(count));
-}
-
-QString quoted(QString text)
-{
-    text.replace(u'\\', QStringLiteral("\\\\"));
-    text.replace(u'"', QStringLiteral("\\\""));
-    return u'"' + text + u'"';
-}
-
-/// "["a", "b"]".
-QString quotedList(const QStringList &texts)
-{
-    QStringList items;
-    for (const QString &text : texts)
-        items.append(quoted(text));
-    return u'[' + items.join(QStringLiteral(", ")) + u']';
 }
 
 float similarity(const std::vector<float> &photo, const std::vector<float> &tag)
@@ -64,11 +49,14 @@ QList<TagRecommendation> scoredTags(const std::vector<TagAndVector> &tags, const
 {
     QList<TagRecommendation> scored;
     scored.reserve(qsizetype(tags.size()));
+    // A thousand lines go to the log as one piece: each piece is a write of its own.
+    QString lines;
     for (const auto &[tag, vector] : tags) {
         scored.append({.tag = tag, .similarity = similarity(photo, vector)});
-        Log::line(QStringLiteral("🔍 标签 '") + tag + QStringLiteral("' 相似度: ") +
-                  numberText(scored.constLast().similarity));
+        lines += QStringLiteral("🔍 标签 '") + tag + QStringLiteral("' 相似度: ") +
+                 numberText(scored.constLast().similarity) + u'\n';
     }
+    Log::lines(lines.toUtf8());
     return scored;
 }
 
