@@ -74,7 +74,8 @@ public:
     /// counts.
     void addTag(const QString &path, const QString &tag);
     void removeTag(const QString &path, const QString &tag);
-    /// Changes one tag of one file. A new tag that differs from the old one in case only changes nothing.
+    /// Changes one tag of one file. A new tag that differs from the old one in case only, or in whether
+    /// accents are composed, changes nothing.
     void replaceTag(const QString &path, const QString &oldTag, const QString &newTag);
     /// Takes the tag from all files.
     void deleteTagGlobally(const QString &tag);

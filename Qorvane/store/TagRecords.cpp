@@ -2,6 +2,7 @@
 
 #include "store/Statement.h"
 #include "store/StoreConnection.h"
+#include "store/TagSpelling.h"
 
 namespace Qorvane {
 
@@ -11,15 +12,6 @@ using Phase = StoreConnection::Phase;
 
 constexpr char insertStatement[] = "INSERT OR IGNORE INTO image_tags(path, tag) VALUES(?, ?)";
 constexpr char deleteStatement[] = "DELETE FROM image_tags WHERE path = ? AND tag = ?";
-
-// Equal but for case, and whether accents are composed or not.
-bool differOnlyInCase(const QString &left, const QString &right)
-{
-    const auto folded = [](const QString &text) {
-        return text.toCaseFolded().normalized(QString::NormalizationForm_D);
-    };
-    return folded(left) == folded(right);
-}
 
 // The write of one path and tag, with the failure lines of `operation`, or none without one.
 void write(const StoreConnection &connection, const char *sql, const QString &path, const QString &tag,
@@ -52,7 +44,7 @@ void TagRecords::removeTag(const QString &path, const QString &tag)
 void TagRecords::replaceTag(const QString &path, const QString &oldTag, const QString &newTag)
 {
     // A change of case alone isn't made here; the stored text stays.
-    if (differOnlyInCase(oldTag, newTag))
+    if (differOnlyInSpelling(oldTag, newTag))
         return;
     write(m_connection, deleteStatement, path, oldTag);
     write(m_connection, insertStatement, path, newTag);

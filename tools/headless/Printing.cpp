@@ -15,4 +15,10 @@ void printError(const QString &text)
     std::fprintf(stderr, "qorvane-headless: %s\n", qUtf8Printable(text));
 }
 
+void printNotice(const QString &text)
+{
+    // Nothing is wrong, but the same line tells who speaks.
+    printError(text);
+}
+
 } // namespace Qorvane

@@ -10,4 +10,7 @@ void print(const QString &text);
 /// A line about what went wrong, to standard error.
 void printError(const QString &text);
 
+/// A line about what takes its time, to standard error, so that the output stays what was asked for.
+void printNotice(const QString &text);
+
 } // namespace Qorvane

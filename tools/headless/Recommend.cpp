@@ -4,9 +4,12 @@
 #include "headless/LibraryFile.h"
 #include "headless/LibraryOpening.h"
 #include "headless/Printing.h"
+#include "headless/ShownText.h"
+#include "platform/PredefinedTags.h"
 #include "store/EmbeddingStore.h"
 
 #include <QCoroFuture>
+#include <QSet>
 #include <QtConcurrent>
 
 namespace Qorvane {
@@ -35,15 +38,31 @@ QString report(const Photo &photo, const QList<TagRecommendation> &tags)
         text += QStringLiteral("%1.  similarity %2  %3\n")
                     .arg(++rank, 4)
                     .arg(double(tag.similarity), 0, 'f', 3)
-                    .arg(tag.tag);
+                    .arg(shown(tag.tag));
     return text;
+}
+
+// The predefined tags whose texts are still to be encoded, which takes a while.
+int missingVectorCount()
+{
+    const TagVectors stored = EmbeddingStore::shared().loadAllTagVectors();
+    QSet<QString> missing(predefinedTags().begin(), predefinedTags().end());
+    missing.removeIf([&stored](const QString &tag) { return stored.contains(tag); });
+    return int(missing.size());
 }
 
 } // namespace
 
 QCoro::Task<int> runRecommend(HeadlessCommand command)
 {
+    const QFuture<int> counting = QtConcurrent::run(&missingVectorCount);
+    const int missing = co_await counting;
     ChineseClipService service;
+    QObject::connect(&service, &ChineseClipService::modelsLoadedChanged, &service, [missing] {
+        if (missing > 0)
+            printNotice(
+                QStringLiteral("preparing %1 predefined tags, which the library keeps...").arg(missing));
+    });
     // To the end of the predefined tags, which are all wanted here.
     co_await service.ensureModelsLoaded();
     if (!service.modelsLoaded()) {
@@ -57,8 +76,7 @@ QCoro::Task<int> runRecommend(HeadlessCommand command)
         const QList<TagRecommendation> tags = co_await service.recommendTags(
             FileUrl::file(photo.path), photo.userTags, photo.tags, command.limit);
         if (tags.isEmpty()) {
-            // It can't be for want of tags: nobody gives a picture a thousand.
-            printError(QStringLiteral("gives no picture, --log FILE tells why: %1").arg(file));
+            printError(QStringLiteral("no tags to recommend, --log FILE tells why: %1").arg(file));
             code = 1;
             continue;
         }

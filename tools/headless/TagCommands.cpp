@@ -2,9 +2,11 @@
 
 #include "headless/LibraryFile.h"
 #include "headless/LibraryOpening.h"
+#include "headless/ShownText.h"
 #include "media/SupportedExtensions.h"
 #include "platform/FileAttributes.h"
 #include "store/EmbeddingStore.h"
+#include "store/TagSpelling.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -21,15 +23,6 @@ using TagAction = HeadlessCommand::TagAction;
 EmbeddingStore &store()
 {
     return EmbeddingStore::shared();
-}
-
-// A tag may hold what would break a line or confuse a terminal.
-QString shown(QString text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](QChar unit) { return unit.category() == QChar::Other_Control; },
-        QChar(QChar::ReplacementCharacter));
-    return text;
 }
 
 QString quoted(const QString &tag)
@@ -161,9 +154,9 @@ void renameTag(const QString &oldTag, const QString &newTag, const QString &path
         tell(report, QStringLiteral("already has %1").arg(quoted(newTag)), path);
         return;
     }
-    if (oldTag.compare(newTag, Qt::CaseInsensitive) == 0) {
+    if (differOnlyInSpelling(oldTag, newTag)) {
         report.errors.append(
-            QStringLiteral("%1 and %2 differ in case only, remove the one and add the other: ")
+            QStringLiteral("%1 and %2 differ in case or accents only, remove the one and add the other: ")
                 .arg(quoted(oldTag), quoted(newTag)) +
             path);
         return;
