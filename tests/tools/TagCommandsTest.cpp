@@ -67,11 +67,11 @@ TEST_F(TagCommandsTest, TagsAreRenamedWhereTheyAre)
     outputOf({"tag", "add", "cat", a});
     EXPECT_EQ(outputOf({"tag", "rename", "cat", "dog", a, b}),
               QStringLiteral("renamed \"cat\" to \"dog\": %1\ndoesn't have \"cat\": %2\n").arg(a, b));
-    EXPECT_EQ(
-        errorOf({"tag", "rename", "dog", "Dog", a}),
-        QStringLiteral("qorvane-headless: \"dog\" and \"Dog\" differ in case or accents only, remove the one "
-                       "and add the other: %1\n")
-            .arg(a));
+    EXPECT_EQ(errorOf({"tag", "rename", "dog", "Dog", a}),
+              QStringLiteral(
+                  "qorvane-headless: \"dog\" and \"Dog\" differ only in case or in how accents are composed, "
+                  "remove the one and add the other: %1\n")
+                  .arg(a));
     EXPECT_EQ(outputOf({"tags"}), QStringLiteral("     1  dog\n"));
 }
 
@@ -80,13 +80,11 @@ TEST_F(TagCommandsTest, ARenameThatTheStoreTakesForNoneIsToldOfAsSuch)
     const QString composed = QStringLiteral("caf\u00e9");
     const QString apart = QStringLiteral("CAFE\u0301");
     outputOf({"tag", "add", composed, a});
-    EXPECT_EQ(
-        errorOf({"tag", "rename", composed, apart, a}),
-        QStringLiteral("qorvane-headless: \"%1\" and \"%2\" differ in case or accents only, remove the one "
-                       "and add the other: %3\n")
-            .arg(composed, apart, a));
-    EXPECT_TRUE(
-        errorOf({"tag", "rename", "Stra\u00dfe", "STRASSE", a}).contains(QStringLiteral("in case or")));
+    EXPECT_EQ(errorOf({"tag", "rename", composed, apart, a}),
+              QStringLiteral(
+                  "qorvane-headless: \"%1\" and \"%2\" differ only in case or in how accents are composed, "
+                  "remove the one and add the other: %3\n")
+                  .arg(composed, apart, a));
     EXPECT_EQ(outputOf({"tags"}), QStringLiteral("     1  %1\n").arg(composed));
 }
 

@@ -156,7 +156,9 @@ void renameTag(const QString &oldTag, const QString &newTag, const QString &path
     }
     if (differOnlyInSpelling(oldTag, newTag)) {
         report.errors.append(
-            QStringLiteral("%1 and %2 differ in case or accents only, remove the one and add the other: ")
+            QStringLiteral(
+                "%1 and %2 differ only in case or in how accents are composed, remove the one and add the "
+                "other: ")
                 .arg(quoted(oldTag), quoted(newTag)) +
             path);
         return;
