@@ -47,6 +47,15 @@ ChineseClipService::ChineseClipService(QObject *parent)
 
 ChineseClipService::~ChineseClipService() = default;
 
+QHash<QString, std::vector<float>> ChineseClipService::tagVectorCache() const
+{
+    const TagVectorCache::Entries &entries = m_tagRecommender.vectors().entries();
+    QHash<QString, std::vector<float>> copy;
+    for (auto entry = entries.constBegin(); entry != entries.constEnd(); ++entry)
+        copy.insert(entry.key(), **entry);
+    return copy;
+}
+
 QCoro::Task<> ChineseClipService::ensureModelsLoaded()
 {
     if (m_modelsLoaded || m_isLoadingModels)
@@ -89,10 +98,13 @@ ChineseClipService::extractImageFeatures(Image image, std::optional<QString> lab
         Log::line(QStringLiteral("❌ Models not loaded"));
         co_return std::nullopt;
     }
+    const QPointer<ChineseClipService> self(this);
     const QFuture<Extraction> running = m_pictures.run([encoder = m_encoders.vision, image, label] {
         return extractImage(*encoder, image.pixels(), label);
     });
     const Extraction extraction = co_await running;
+    if (!self)
+        co_return std::nullopt;
     logLines(extraction.logLines);
     co_return extraction.vector;
 }
@@ -228,7 +240,8 @@ QCoro::Task<QList<TagRecommendation>> ChineseClipService::recommendTags(FileUrl 
 
 QCoro::Task<std::optional<std::vector<float>>> ChineseClipService::getTagVector(QString tag)
 {
-    return m_tagRecommender.vectors().vectorOf(tag);
+    const SharedTagVector vector = co_await m_tagRecommender.vectors().vectorOf(tag);
+    co_return vector ? std::optional(*vector) : std::nullopt;
 }
 
 QCoro::Task<> ChineseClipService::precomputePredefinedTags()

@@ -13,6 +13,7 @@
 #include "semantic/TagRecommendation.h"
 
 #include <QCoroTask>
+#include <QHash>
 #include <QList>
 #include <QObject>
 
@@ -50,8 +51,8 @@ public:
     float logitScale() const { return m_logitScale; }
     /// What `extractFeatures` has embedded.
     const ImageFeatures &imageFeatures() const { return m_imageFeatures; }
-    /// The vectors of tags that are in memory.
-    const TagVectorCache::Entries &tagVectorCache() const { return m_tagRecommender.vectors().entries(); }
+    /// The vectors of tags that are in memory, as a copy.
+    QHash<QString, std::vector<float>> tagVectorCache() const;
 
     /// Whether the vectors of all predefined tags were made ready. Never becomes false again.
     bool predefinedTagsPrecomputed() const { return m_predefinedTagVectors.isComplete(); }

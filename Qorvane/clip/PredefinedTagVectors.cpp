@@ -21,8 +21,8 @@ namespace Qorvane {
 
 namespace {
 
-// A text is encoded while the vector of the one before is written.
-constexpr int threadCount = 2;
+// One text after the other.
+constexpr int threadCount = 1;
 
 constexpr double millisecondsPerSecond = 1e3;
 
@@ -59,8 +59,9 @@ QCoro::Task<> PredefinedTagVectors::precompute()
     timer.start();
     // The same list to the end, whatever becomes of the user's language meanwhile.
     const QStringList tags = predefinedTags();
-    // After a change of language a thousand rows go, one by one: nothing that the end of the service should
-    // wait for, nor half of it be left.
+    // After a change of language a thousand rows go, each in a commit of its own, and the store is held for a
+    // second or two: nothing that the end of the service should wait for. What is left when the process ends
+    // goes at the next start.
     const QFuture<SharedVectors> loading =
         runDetached(QualityOfService::utility, [tags] { return storedVectors(tags); });
     const SharedVectors stored = co_await loading;
@@ -119,9 +120,12 @@ QCoro::Task<int> PredefinedTagVectors::computeMissing(QStringList tags)
     co_return count;
 }
 
-QFuture<void> PredefinedTagVectors::write(const QString &tag, const std::vector<float> &vector)
+QFuture<bool> PredefinedTagVectors::write(const QString &tag, const std::vector<float> &vector)
 {
-    return m_workers.run([tag, vector] { EmbeddingStore::shared().storeTagVector(tag, vector); });
+    return runDetached(QualityOfService::utility, [tag, vector] {
+        EmbeddingStore::shared().storeTagVector(tag, vector);
+        return true;
+    });
 }
 
 } // namespace Qorvane

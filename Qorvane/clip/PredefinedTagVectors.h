@@ -30,17 +30,18 @@ private:
     struct Writing
     {
         QString tag;
-        QFuture<void> end;
+        QFuture<bool> end; // true, whatever came of it
     };
 
     QCoro::Task<int> computeMissing(QStringList tags);
-    QFuture<void> write(const QString &tag, const std::vector<float> &vector);
+    QFuture<bool> write(const QString &tag, const std::vector<float> &vector);
 
     ChineseClipService &m_service;
     TagVectorCache &m_cache;
     bool m_isComplete = false;
 
-    // Threads of its own, and weaker ones: what the user asks for meanwhile finds the others free.
+    // A thread of its own that encodes, and a weaker one: what the user asks for meanwhile finds the others
+    // free.
     WorkerPool m_workers;
 };
 

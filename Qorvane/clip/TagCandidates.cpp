@@ -52,7 +52,7 @@ QList<TagRecommendation> scoredTags(const std::vector<TagAndVector> &tags, const
     // A thousand lines go to the log as one piece: each piece is a write of its own.
     QString lines;
     for (const auto &[tag, vector] : tags) {
-        scored.append({.tag = tag, .similarity = similarity(photo, vector)});
+        scored.append({.tag = tag, .similarity = similarity(photo, *vector)});
         lines += QStringLiteral("🔍 标签 '") + tag + QStringLiteral("' 相似度: ") +
                  numberText(scored.constLast().similarity) + u'\n';
     }

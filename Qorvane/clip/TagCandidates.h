@@ -5,6 +5,7 @@
 #include <QList>
 #include <QStringList>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -14,8 +15,10 @@ namespace Qorvane {
 /// predefined list of the language, each once, in the order of their code units. Logs the counts. Any thread.
 QStringList availableTags(const QStringList &userTags, const QStringList &existingTags);
 
-/// A tag and the vector of its text.
-using TagAndVector = std::pair<QString, std::vector<float>>;
+/// The vector of a tag's text, which changes threads without being copied; null for none.
+using SharedTagVector = std::shared_ptr<const std::vector<float>>;
+/// A tag and the vector of its text, not null.
+using TagAndVector = std::pair<QString, SharedTagVector>;
 
 /// Each of `tags` with its similarity to the photo's vector, in the given order: the cosine, or 0 when the
 /// lengths differ. Logs each. Any thread.

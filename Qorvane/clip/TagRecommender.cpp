@@ -11,21 +11,13 @@
 
 namespace Qorvane {
 
-namespace {
-
-// So many vectors are copied for a worker within much less than a frame, and the predefined ones go in a few
-// turns.
-constexpr size_t largestBatch = 250;
-
-} // namespace
-
 // As in the service: after every co_await it may be gone, and this with it.
 
 TagRecommender::TagRecommender(ChineseClipService &service, WorkerPool &workers, WorkerPool &pictures)
     : m_service(service)
     , m_workers(workers)
     , m_pictures(pictures)
-    , m_vectors(service, workers)
+    , m_vectors(service)
 {
 }
 
@@ -69,6 +61,8 @@ QCoro::Task<std::optional<std::vector<float>>> TagRecommender::photoFeatures(Fil
     std::optional<std::vector<float>> features;
     if (image)
         features = co_await m_service.extractImageFeatures(*image, url.lastPathComponent());
+    if (!self)
+        co_return std::nullopt;
     Log::line(features ? QStringLiteral("✅ 照片特征提取成功，特征维度: %1").arg(features->size())
                        : QStringLiteral("❌ 无法提取照片特征"));
     co_return features;
@@ -80,19 +74,21 @@ QCoro::Task<QList<TagRecommendation>> TagRecommender::scoreAll(QStringList tags,
     QList<TagRecommendation> scored;
     std::vector<TagAndVector> batch;
     for (const QString &tag : std::as_const(tags)) {
+        SharedTagVector vector = m_vectors.entries().value(tag);
         // A tag that has to be fetched writes lines of its own, which come after those of the tags before it.
-        if (!batch.empty() && (batch.size() == largestBatch || !m_vectors.entries().contains(tag))) {
+        if (!vector && !batch.empty()) {
             const QFuture<QList<TagRecommendation>> scoring =
                 m_workers.run([batch = std::exchange(batch, {}), photo] { return scoredTags(batch, photo); });
             scored += co_await scoring;
             if (!self)
                 co_return {};
         }
-        const std::optional<std::vector<float>> vector = co_await m_vectors.vectorOf(tag);
+        if (!vector)
+            vector = co_await m_vectors.vectorOf(tag);
         if (!self)
             co_return {};
         if (vector)
-            batch.emplace_back(tag, *vector);
+            batch.emplace_back(tag, vector);
         else
             Log::line(QStringLiteral("⚠️ 无法获取标签 '") + tag +
                       QStringLiteral("' 的文本特征，跳过"));

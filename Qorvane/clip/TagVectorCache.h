@@ -1,12 +1,12 @@
 #pragma once
 
-#include "clip/WorkerPool.h"
+#include "clip/TagCandidates.h"
 
 #include <QCoroTask>
+#include <QFuture>
 #include <QHash>
 #include <QString>
 
-#include <optional>
 #include <vector>
 
 namespace Qorvane {
@@ -18,10 +18,10 @@ class ChineseClipService;
 class TagVectorCache
 {
 public:
-    using Entries = QHash<QString, std::vector<float>>;
+    using Entries = QHash<QString, SharedTagVector>;
 
-    /// `service`, which must own this, encodes; `workers` wait for the store.
-    TagVectorCache(ChineseClipService &service, WorkerPool &workers);
+    /// `service`, which must own this, encodes.
+    explicit TagVectorCache(ChineseClipService &service);
 
     /// What is in memory, by the exact text. Nothing is ever taken out.
     const Entries &entries() const { return m_entries; }
@@ -29,15 +29,17 @@ public:
     void insert(const QString &tag, std::vector<float> vector);
 
     /// From memory, else from the store, else from the encoder, and then kept in both. A stored vector is
-    /// taken as it is, whatever its length. Nothing when the text can't be encoded.
-    QCoro::Task<std::optional<std::vector<float>>> vectorOf(QString tag);
+    /// taken as it is, whatever its length. Null when the text can't be encoded. Who asks while another waits
+    /// for the same text gets what that one gets.
+    QCoro::Task<SharedTagVector> vectorOf(QString tag);
 
 private:
-    QCoro::Task<std::optional<std::vector<float>>> encode(QString tag);
+    QCoro::Task<SharedTagVector> fetch(QString tag);
+    QCoro::Task<SharedTagVector> encode(QString tag);
 
     ChineseClipService &m_service;
-    WorkerPool &m_workers;
     Entries m_entries;
+    QHash<QString, QFuture<SharedTagVector>> m_fetching;
 };
 
 } // namespace Qorvane

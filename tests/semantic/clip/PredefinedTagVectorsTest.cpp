@@ -284,6 +284,7 @@ TEST_F(PredefinedTagVectorsTest, aServiceThatGoesMeanwhileEndsIt)
     auto loading = service->ensureModelsLoaded();
     EXPECT_TRUE(waitUntil([this] { return log.linesStartingWith(newPrefix).size() >= 5; }));
     service.reset();
+    DetachedTask::waitUntilIdle(); // what was being written is written
     const int count = store().getTagVectorCount();
     await(std::move(loading));
     drainMainQueue();

@@ -9,6 +9,7 @@
 #include "support/Waiting.h"
 
 #include <QColor>
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <algorithm>
@@ -204,14 +205,18 @@ TEST_F(TagRecommenderTest, theChineseWordsAreForAChineseReader)
     EXPECT_TRUE(log.contains(QStringLiteral("📊 总候选标签数量: 966")));
 }
 
-TEST_F(TagRecommenderTest, twoAtATimeDoNotHarmOneAnother)
+TEST_F(TagRecommenderTest, twoAtATimeDoNotHarmOneAnotherAndEncodeEachTextOnce)
 {
+    const TextEncoderCount encoded;
+    service = loadedService();
     const QStringList existing = predefinedBut({blue, red, green});
     auto first = service->recommendTags(photo, {}, existing, 5);
     auto second = service->recommendTags(photo, {}, existing, 5);
     const auto tags = await(std::move(first));
     EXPECT_EQ(tags.size(), 3);
     EXPECT_EQ(await(std::move(second)), tags);
+    EXPECT_EQ(encoded.texts(), 3);
+    EXPECT_EQ(encoded.differentTexts(), 3);
 }
 
 TEST_F(TagRecommenderTest, aSearchInBetweenIsAnsweredFirst)
@@ -250,6 +255,27 @@ TEST_F(TagRecommenderTest, aServiceThatGoesMeanwhileGivesNone)
     service.reset();
     EXPECT_TRUE(await(std::move(recommending)).isEmpty());
     EXPECT_LT(linesOfTags().size(), 928);
+}
+
+TEST_F(TagRecommenderTest, aServiceThatGoesAtAnyPointSaysNothingMore)
+{
+    const QStringList existing = predefinedBut({blue});
+    // After no turn of the event loop, after one, and so on, until the tags are there first.
+    bool isOver = false;
+    for (int turns = 0; !isOver; ++turns) {
+        SCOPED_TRACE(turns);
+        service = loadedService();
+        auto recommending = service->recommendTags(photo, {}, existing, 5);
+        for (int turn = 0; turn < turns && !recommending.isReady(); ++turn)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        isOver = recommending.isReady();
+        service.reset();
+        log.clear();
+        // With nothing left to be done than to hand them over, they may still come.
+        EXPECT_LE(await(std::move(recommending)).size(), 1);
+        EXPECT_EQ(log.lines(), QStringList());
+        ASSERT_LT(turns, 1000);
+    }
 }
 
 // The last one here: it fills the store with vectors, which the next would have to remove one by one.

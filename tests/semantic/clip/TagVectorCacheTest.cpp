@@ -1,6 +1,9 @@
+#include "clip/BusyStore.h"
 #include "clip/TagTest.h"
+#include "encoders/TextEncoderCount.h"
 #include "media/ThumbnailPaths.h"
 #include "store/EmbeddingStore.h"
+#include "support/Waiting.h"
 
 #include <QColor>
 
@@ -67,6 +70,57 @@ TEST_F(TagVectorCacheTest, aTextThatCannotBeEncodedIsNotKept)
     EXPECT_FALSE(await(without.getTagVector(blue)));
     EXPECT_TRUE(without.tagVectorCache().isEmpty());
     EXPECT_EQ(EmbeddingStore::shared().getTagVectorCount(), 0);
+}
+
+TEST_F(TagVectorCacheTest, whoAskAtOnceShareOneVector)
+{
+    const TextEncoderCount encoded;
+    service = loadedService();
+    auto first = service->getTagVector(blue);
+    auto second = service->getTagVector(blue);
+    const auto vector = await(std::move(first));
+    EXPECT_TRUE(vector);
+    EXPECT_EQ(await(std::move(second)), vector);
+    EXPECT_EQ(encoded.texts(), 1);
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("📝 新计算并存储标签向量")).size(), 1);
+}
+
+TEST_F(TagVectorCacheTest, whoAskAtOnceForATextThatCannotBeEncodedAllGetNone)
+{
+    removeInstalledEncoders();
+    ChineseClipService without;
+    auto first = without.getTagVector(blue);
+    auto second = without.getTagVector(blue);
+    EXPECT_FALSE(await(std::move(first)));
+    EXPECT_FALSE(await(std::move(second)));
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("❌ Models not loaded")).size(), 1);
+}
+
+TEST_F(TagVectorCacheTest, aServiceThatGoesLeavesNobodyWaiting)
+{
+    BusyStore other(url(QStringLiteral("row.jpg")));
+    auto first = service->getTagVector(blue);
+    auto second = service->getTagVector(blue);
+    service.reset(); // which the store doesn't hold up
+    other.release();
+    EXPECT_FALSE(await(std::move(first)));
+    EXPECT_FALSE(await(std::move(second)));
+}
+
+TEST_F(TagVectorCacheTest, aTextIsEncodedWhileTagsWaitForTheStore)
+{
+    BusyStore other(url(QStringLiteral("row.jpg")));
+    std::vector<QCoro::Task<std::optional<std::vector<float>>>> tags;
+    for (const char *tag : {"a", "b", "c", "d"})
+        tags.push_back(service->getTagVector(QString::fromLatin1(tag)));
+    auto query = service->extractTextFeatures(blue);
+    EXPECT_TRUE(waitUntil([&query] { return query.isReady(); }));
+    for (const auto &tag : tags)
+        EXPECT_FALSE(tag.isReady());
+    other.release();
+    EXPECT_TRUE(await(std::move(query)));
+    for (auto &tag : tags)
+        EXPECT_TRUE(await(std::move(tag)));
 }
 
 TEST_F(LoadImageForAnalysisTest, theThumbnailComesFirst)
