@@ -12,6 +12,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
 
 namespace Qorvane {
 
@@ -112,25 +113,35 @@ void TagsAndRatings::clearRating(const FileUrl &url)
 
 void TagsAndRatings::refreshAllTags()
 {
-    const quint64 refresh = ++m_refreshes;
+    // The one at work may have read already what has changed since. However many ask meanwhile, one more is
+    // enough: a busy store would else have a thread wait for each.
+    if (m_isRefreshing) {
+        m_isRefreshWanted = true;
+        return;
+    }
+    m_isRefreshing = true;
+    readAllTags();
+}
+
+void TagsAndRatings::readAllTags()
+{
     GlobalQueue::async(QualityOfService::background,
-                       [self = QPointer(this), weak = m_snapshot, edits = m_edits, refresh] {
+                       [self = QPointer(this), weak = m_snapshot, edits = m_edits] {
                            if (weak.expired())
                                return;
                            edits->wait();
-                           MainQueue::async([self, refresh, tags = EmbeddingStore::shared().listAllTags()] {
+                           MainQueue::async([self, tags = EmbeddingStore::shared().listAllTags()] {
                                if (self)
-                                   self->publishAllTags(tags, refresh);
+                                   self->publishAllTags(tags);
                            });
                        });
 }
 
-void TagsAndRatings::publishAllTags(const QStringList &tags, quint64 refresh)
+void TagsAndRatings::publishAllTags(const QStringList &tags)
 {
-    // Refreshes overtake each other; one that was asked for earlier knows less than one published already.
-    if (refresh < m_publishedRefresh)
-        return;
-    m_publishedRefresh = refresh;
+    m_isRefreshing = false;
+    if (std::exchange(m_isRefreshWanted, false))
+        refreshAllTags();
     m_state.publishAllTags(tags);
     if (m_state.selectedTag() && !tags.contains(*m_state.selectedTag()))
         m_selection.selectTag(std::nullopt);

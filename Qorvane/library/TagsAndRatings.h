@@ -45,15 +45,16 @@ private:
     void write(const std::function<void()> &edit, const std::function<void()> &then);
     void reloadIfShowing(const QString &tag);
     void followRating(int rating, const FileUrl &url);
-    void publishAllTags(const QStringList &tags, quint64 refresh);
+    void readAllTags();
+    void publishAllTags(const QStringList &tags);
 
     LibraryState &m_state;
     const std::weak_ptr<LibrarySnapshot> m_snapshot;
     const std::shared_ptr<DeferredWrites> m_edits;
     MediaList &m_mediaList;
     SelectionRules &m_selection;
-    quint64 m_refreshes = 0;
-    quint64 m_publishedRefresh = 0;
+    bool m_isRefreshing = false;
+    bool m_isRefreshWanted = false; // once more, after the one at work
 };
 
 } // namespace Qorvane

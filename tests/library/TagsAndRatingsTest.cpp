@@ -409,6 +409,23 @@ TEST_F(TagsAndRatingsTest, aBusyStoreDoesNotKeepTheWindowWaiting)
     EXPECT_EQ(qorManager->allTags(), QStringList{dog});
 }
 
+TEST_F(TagsAndRatingsTest, refreshesThatABusyStoreKeepsWaitingBecomeOneMore)
+{
+    store.addTag(picture.path(), cat);
+    settle();
+    const int before = announcements();
+    BusyStore busy;
+    for (int i = 0; i < 100; ++i)
+        qorManager->refreshAllTags();
+    qorManager->addTag(dog, picture);
+    busy.end();
+    ASSERT_TRUE(waitUntil([this, both = QStringList{cat, dog}] { return qorManager->allTags() == both; }));
+    settle();
+    EXPECT_EQ(qorManager->allTags(), (QStringList{cat, dog}));
+    // The one at work, one for all others, and one for the edit at most.
+    EXPECT_LE(announcements() - before, 3);
+}
+
 TEST_F(TagsAndRatingsTest, aListLoadedWhileEditsWaitForTheStoreHoldsThem)
 {
     QStringList rated;
