@@ -85,7 +85,7 @@ public:
     QStringList getTags(const QString &path);
     /// At most `limit` suggestions for a tag that begins with `prefix`, without regard to case: the tags in
     /// use and, if wanted, the predefined ones of the user's language, in turns. "%" and "_" in the prefix
-    /// stand for anything among the tags in use.
+    /// stand for anything among the tags in use. None of those for 50,000 bytes of UTF-8 or more.
     QStringList searchTags(const QString &prefix, int limit, bool includePredefined);
     /// How many files carry the tag.
     int getTagCount(const QString &tag);
