@@ -89,4 +89,10 @@ TEST_P(ThemeTest, buttonsStandOutFromTheirGroundAndTheirWordsFromThem)
     EXPECT_GE(contrast(color("text"), laidOver(color("button"), color("pressed"))), 4.5);
 }
 
+TEST_P(ThemeTest, whatTakesAwayKeepsItsContrastInAMenu)
+{
+    ASSERT_TRUE(theme);
+    EXPECT_GE(contrast(color("destructive"), color("popup")), 4.5);
+}
+
 INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest, testing::Values(ColorScheme::light, ColorScheme::dark));

@@ -17,12 +17,15 @@ QtObject {
     readonly property color popup: isDark ? "#333337" : "#FFFFFF"
     readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
     readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
+    /// One of the layers that a soft shadow is made of.
+    readonly property color shadow: isDark ? "#07000000" : "#03000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
 
     // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons, hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
     readonly property color secondaryText: isDark ? "#B2B2B8" : "#626267"
     readonly property color accentInk: "#FFFFFF"
+    readonly property color destructive: isDark ? "#FF7A70" : "#C9211E"
 
     // The accent is the desktop's where it names one.
     readonly property color accent: Appearance.hasAccentColor ? Appearance.accentColor

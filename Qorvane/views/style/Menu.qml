@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Templates as T
+
+/// Entries that float over the window: `popup()` opens them at the pointer. A menu in a menu is a submenu.
+T.Menu {
+    id: control
+
+    readonly property int smallestWidth: 140
+
+    // The longest entry decides; the ones that this menu doesn't offer now have no width.
+    contentWidth: Array.from({ length: count }, (_, index) => itemAt(index)?.implicitWidth ?? 0).reduce((a, b) => Math.max(a, b), smallestWidth)
+    implicitWidth: contentWidth + leftPadding + rightPadding
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+    padding: 5
+    margins: Theme.unit
+    overlap: 2
+    cascade: true
+    // Nothing below answers to the pointer while a menu is open; the click beside it only closes it. What is below a
+    // submenu is its own menu, which does answer.
+    modal: !(parent as T.MenuItem)
+    dim: false
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+
+    delegate: MenuItem {}
+
+    contentItem: ListView {
+        implicitHeight: contentHeight
+        model: control.contentModel
+        currentIndex: control.currentIndex
+        interactive: contentHeight > height
+        boundsBehavior: Flickable.StopAtBounds
+        clip: interactive
+        Accessible.role: Accessible.PopupMenu
+        Accessible.name: control.title
+        T.ScrollBar.vertical: ScrollBar {}
+    }
+    background: Item {
+        SoftShadow {}
+
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.fieldRadius
+            color: Theme.popup
+            border.color: Theme.hairline
+        }
+    }
+    enter: Transition {
+        NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick; easing.type: Theme.easing }
+    }
+    exit: Transition {
+        NumberAnimation { property: "opacity"; from: 1; to: 0; duration: Theme.quick; easing.type: Theme.easing }
+    }
+    T.Overlay.modal: Item {}
+}
