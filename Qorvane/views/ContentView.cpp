@@ -79,6 +79,7 @@ bool ContentView::isShown() const
 void ContentView::appear()
 {
     Q_EMIT appeared();
+    m_state.appear();
     m_clipService.ensureModelsLoaded();
 }
 

@@ -19,6 +19,8 @@ namespace {
 
 // A run reports every file, and skips thousands in a second; nobody sees more than a frame's worth of them.
 constexpr auto frame = std::chrono::milliseconds(16);
+// A window that has just come up may not have the keys yet.
+constexpr auto settling = std::chrono::milliseconds(100);
 
 bool isVideo(const FileUrl &url)
 {
@@ -77,19 +79,20 @@ void ContentViewState::followLibrary()
     // The last of the three that every report writes: by then they belong together.
     connect(&m_qorManager, &QorManage::folderProcessingDetailsChanged, this, refreshProgress);
     connect(&m_qorManager, &QorManage::selectedFolderChanged, this, [this] {
-        m_search.reset();
+        reset();
         markSelectedFolder();
         updatePage();
         Q_EMIT titleChanged();
     });
     connect(&m_qorManager, &QorManage::selectedRatingChanged, this, [this] {
-        m_search.reset();
+        reset();
         updatePage();
         Q_EMIT titleChanged();
     });
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
     // the text changes.
     connect(&m_qorManager, &QorManage::selectedTagChanged, this, [this] {
+        setDetailViewActive(false);
         updatePage();
         Q_EMIT titleChanged();
     });
@@ -98,8 +101,15 @@ void ContentViewState::followLibrary()
     markSelectedFolder();
 }
 
+void ContentViewState::reset()
+{
+    setDetailViewActive(false);
+    m_search.reset();
+}
+
 void ContentViewState::followSearch()
 {
+    connect(&m_search, &SearchController::searchBegan, this, [this] { setDetailViewActive(false); });
     connect(&m_search, &SearchController::resultsChanged, this, [this] {
         QList<FileUrl> urls;
         for (const SearchResult &result : m_search.results())
@@ -120,6 +130,33 @@ QString ContentViewState::title() const
     if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
         return folder->url.lastPathComponent();
     return {};
+}
+
+void ContentViewState::setDetailViewActive(bool isActive)
+{
+    if (m_isDetailViewActive == isActive)
+        return;
+    m_isDetailViewActive = isActive;
+    Q_EMIT isDetailViewActiveChanged();
+    if (isActive) {
+        m_focus.focus(FocusableField::detail);
+        return;
+    }
+    m_focus.settleOn(FocusableField::sidebar);
+    m_selection.clear();
+}
+
+void ContentViewState::appear()
+{
+    QTimer::singleShot(settling, this, [this] { m_focus.settleOn(FocusableField::sidebar); });
+}
+
+void ContentViewState::setInspectorCollapsed(bool isCollapsed)
+{
+    if (m_isInspectorCollapsed == isCollapsed)
+        return;
+    m_isInspectorCollapsed = isCollapsed;
+    Q_EMIT isInspectorCollapsedChanged();
 }
 
 void ContentViewState::chooseFolders()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/desktop/FolderPanel.h"
+#include "views/ColumnFocus.h"
 #include "views/FolderListModel.h"
 #include "views/GridPage.h"
 #include "views/MediaListModel.h"
@@ -31,9 +32,16 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
     Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
     Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
+    Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
     Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
     /// What the window shows: the selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    /// The middle column shows one file instead of the grid.
+    Q_PROPERTY(bool isDetailViewActive READ isDetailViewActive WRITE setDetailViewActive NOTIFY
+                   isDetailViewActiveChanged)
+    /// The right column is hidden.
+    Q_PROPERTY(bool isInspectorCollapsed READ isInspectorCollapsed WRITE setInspectorCollapsed NOTIFY
+                   isInspectorCollapsedChanged)
 
 public:
     using Search = decltype(SearchSources::search);
@@ -48,8 +56,18 @@ public:
     MediaListModel *results() { return &m_results; }
     SearchController *search() { return &m_search; }
     MediaSelection &selection() { return m_selection; }
+    ColumnFocus *focus() { return &m_focus; }
     GridPage::Page page() const { return m_page; }
     QString title() const;
+    bool isDetailViewActive() const { return m_isDetailViewActive; }
+    /// Opening takes the keys to the middle column; closing gives them to the sidebar, and deselects
+    /// everything.
+    void setDetailViewActive(bool isActive);
+    bool isInspectorCollapsed() const { return m_isInspectorCollapsed; }
+    void setInspectorCollapsed(bool isCollapsed);
+
+    /// The window is on screen: a moment later the keys go to the sidebar. (All columns show from the start.)
+    void appear();
 
     /// Opens the desktop's panel for folders to add.
     Q_INVOKABLE void chooseFolders();
@@ -62,12 +80,15 @@ public:
 Q_SIGNALS:
     void pageChanged();
     void titleChanged();
+    void isDetailViewActiveChanged();
+    void isInspectorCollapsedChanged();
     /// The desktop has no panel for folders; the window has to show its own.
     void folderPanelUnavailable();
 
 private:
     void followLibrary();
     void followSearch();
+    void reset();
     void markSelectedFolder();
     void updatePage();
     FolderProgress progressOf(const FileUrl &folder) const;
@@ -79,6 +100,9 @@ private:
     MediaListModel m_photos;
     MediaListModel m_results;
     SearchController m_search;
+    ColumnFocus m_focus;
+    bool m_isDetailViewActive = false;
+    bool m_isInspectorCollapsed = false;
     QTimer m_progressRefresh;
     std::optional<QString> m_sidebarSelection;
     GridPage::Page m_page = GridPage::NothingSelected;

@@ -131,3 +131,76 @@ TEST_F(ContentViewStateTest, onlyFoldersOfThisMachineAreAdded)
     EXPECT_EQ(m_library.libraryFolders().at(0).url.path(), m_place.filePath(QStringLiteral("two")));
     EXPECT_EQ(m_library.libraryFolders().at(1).url.path(), m_place.filePath(QStringLiteral("one")));
 }
+
+TEST_F(ContentViewStateTest, openingAFileTakesTheKeysToItAndLeavingItDeselectsEverything)
+{
+    const QSet<FileUrl> one{FileUrl::file(m_place.filePath(QStringLiteral("one.jpg")))};
+    m_state.selection().setUrls(one);
+    m_state.setDetailViewActive(true);
+    EXPECT_EQ(m_state.focus()->focusedField(), FocusableField::detail);
+    EXPECT_EQ(m_state.selection().urls(), one);
+    m_state.setDetailViewActive(false);
+    EXPECT_EQ(m_state.focus()->focusedField(), FocusableField::sidebar);
+    EXPECT_TRUE(m_state.selection().urls().isEmpty());
+}
+
+TEST_F(ContentViewStateTest, aQueryTypedOverAnOpenFileLeavesItAndTheSelection)
+{
+    m_state.selection().setUrls({FileUrl::file(m_place.filePath(QStringLiteral("one.jpg")))});
+    m_state.setDetailViewActive(true);
+    m_state.focus()->setLentToSearch(true);
+    const QSignalSpy keysTaken(m_state.focus(), &ColumnFocus::sidebarWanted);
+    m_state.search()->setText(QStringLiteral("c"));
+    EXPECT_FALSE(m_state.isDetailViewActive());
+    EXPECT_TRUE(m_state.selection().urls().isEmpty());
+    EXPECT_EQ(m_state.focus()->focusedField(), FocusableField::sidebar);
+    EXPECT_EQ(keysTaken.count(), 0) << "the rest of the word would be lost";
+    drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, emptyingTheFieldLeavesAnOpenFileOpen)
+{
+    m_state.search()->setText(QStringLiteral("c"));
+    m_state.setDetailViewActive(true);
+    m_state.search()->setText({});
+    EXPECT_TRUE(m_state.isDetailViewActive());
+    drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, aFolderOrARatingEndsTheSearchAndLeavesTheOpenFile)
+{
+    const auto choose = [this](const std::function<void()> &change) {
+        m_state.search()->setText(QStringLiteral("cat"));
+        m_state.setDetailViewActive(true);
+        change();
+        EXPECT_FALSE(m_state.isDetailViewActive());
+        EXPECT_EQ(m_state.search()->text(), QString());
+        EXPECT_FALSE(m_state.search()->isSearching());
+    };
+    choose([this] { m_library.setSelectedFolder(Folder{FileUrl::directory(m_place.path()), {}}); });
+    choose([this] { m_library.setSelectedRating(3); });
+    choose([this] { m_library.setSelectedRating(std::nullopt); });
+    drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, aTagLeavesTheOpenFileButKeepsTheQuery)
+{
+    m_state.search()->setText(QStringLiteral("cat"));
+    m_state.setDetailViewActive(true);
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    EXPECT_FALSE(m_state.isDetailViewActive());
+    EXPECT_EQ(m_state.search()->text(), QStringLiteral("cat"));
+    drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, theKeysGoToTheSidebarAMomentAfterTheWindowHasAppeared)
+{
+    QSignalSpy keysTaken(m_state.focus(), &ColumnFocus::sidebarWanted);
+    QElapsedTimer timer;
+    timer.start();
+    m_state.appear();
+    EXPECT_EQ(m_state.focus()->focusedField(), std::nullopt);
+    ASSERT_TRUE(keysTaken.wait());
+    EXPECT_GE(timer.elapsed(), 95); // a coarse timer may be 5 % early
+    EXPECT_EQ(m_state.focus()->focusedField(), FocusableField::sidebar);
+}
