@@ -2,15 +2,15 @@ import QtQuick
 import QorvaneStyle
 import QorvaneViews
 
-/// The strip over the middle column: what is shown, the way back from a search, and the search field.
+/// The strip over the middle column: the way back from an open file, the order of the photographs, what is shown, the
+/// inspector's switch and the search field.
 Item {
     id: toolbar
 
     required property ContentViewState viewState
-    readonly property bool hasQuery: viewState.search.text !== ""
-
-    /// The user is done with the field; the keys belong to the photographs again.
-    signal leftForGrid
+    readonly property bool isDetailViewActive: viewState.isDetailViewActive
+    readonly property string inspectorHelp: viewState.isInspectorCollapsed ? qsTranslate("Qorvane", "Show Info Panel")
+                                                                           : qsTranslate("Qorvane", "Hide Info Panel")
 
     function focusSearch() {
         field.forceActiveFocus(Qt.ShortcutFocusReason);
@@ -18,29 +18,69 @@ Item {
     }
 
     height: Theme.toolbarHeight
+    Accessible.role: Accessible.ToolBar
+    Accessible.name: qsTranslate("Qorvane", "Toolbar")
 
-    ToolButton {
-        id: backButton
+    Row {
+        id: leading
 
         anchors.left: parent.left
         anchors.leftMargin: Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
-        text: qsTranslate("Qorvane", "Clear Search")
-        iconName: "chevron.left"
-        visible: toolbar.hasQuery
-        onClicked: field.clear()
+        spacing: 4
+
+        ToolButton {
+            objectName: "backButton"
+            text: qsTranslate("Qorvane", "Back")
+            iconName: "chevron.left"
+            visible: toolbar.isDetailViewActive
+            onClicked: toolbar.viewState.isDetailViewActive = false
+        }
+
+        ToolButton {
+            id: sortButton
+
+            objectName: "sortButton"
+            text: qsTranslate("Qorvane", "Sort")
+            iconName: "arrow.up.arrow.down.circle"
+            isOn: sortMenu.visible
+            Accessible.role: Accessible.ButtonMenu
+            onClicked: sortMenu.popup(sortButton, 0, sortButton.height + 4)
+
+            SortMenu {
+                id: sortMenu
+
+                objectName: "sortMenu"
+                sorting: toolbar.viewState.sorting
+            }
+        }
     }
 
     Label {
-        anchors.left: toolbar.hasQuery ? backButton.right : parent.left
-        anchors.leftMargin: toolbar.hasQuery ? Theme.unit : Theme.contentPadding + 4
-        anchors.right: field.left
+        objectName: "contentTitle"
+        anchors.left: leading.right
+        anchors.leftMargin: 12
+        anchors.right: inspectorButton.left
         anchors.rightMargin: Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
-        text: toolbar.viewState.title
+        text: toolbar.isDetailViewActive ? toolbar.viewState.selected.name : toolbar.viewState.title
+        elide: toolbar.isDetailViewActive ? Text.ElideMiddle : Text.ElideRight
         font.pixelSize: Theme.title3Size
         font.weight: Font.DemiBold
         Accessible.role: Accessible.Heading
+    }
+
+    ToolButton {
+        id: inspectorButton
+
+        objectName: "inspectorButton"
+        anchors.right: field.left
+        anchors.rightMargin: Theme.unit
+        anchors.verticalCenter: parent.verticalCenter
+        text: toolbar.inspectorHelp
+        iconName: "sidebar.right"
+        isOn: !toolbar.viewState.isInspectorCollapsed
+        onClicked: toolbar.viewState.isInspectorCollapsed = !toolbar.viewState.isInspectorCollapsed
     }
 
     SearchField {
@@ -52,8 +92,9 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         placeholderText: qsTranslate("Qorvane", "Search Photos")
         onTextChanged: toolbar.viewState.search.text = text
-        onAccepted: toolbar.leftForGrid()
-        Keys.onDownPressed: toolbar.leftForGrid()
+        onActiveFocusChanged: toolbar.viewState.focus.isLentToSearch = activeFocus
+        onAccepted: toolbar.viewState.focus.focusDetail()
+        Keys.onDownPressed: toolbar.viewState.focus.focusDetail()
 
         Connections {
             target: toolbar.viewState.search

@@ -16,32 +16,90 @@ T.ApplicationWindow {
     title: viewState.title === "" ? "Qorvane" : viewState.title
     color: Theme.window
 
-    SidebarView {
-        id: sidebar
+    ColumnWidths {
+        id: widths
+
+        windowWidth: window.width
+        inspectorShare: window.viewState.isInspectorCollapsed ? 0 : 1
+
+        Behavior on inspectorShare {
+            NumberAnimation { duration: Theme.panel; easing.type: Theme.easing }
+        }
+    }
+
+    FocusScope {
+        id: sidebarColumn
 
         anchors.top: parent.top
         anchors.bottom: parent.bottom
-        width: Theme.sidebarWidth
-        viewState: window.viewState
+        width: widths.sidebar
+        onActiveFocusChanged: if (activeFocus) window.viewState.focus.noteSidebar()
+
+        SidebarView {
+            id: sidebar
+
+            objectName: "sidebar"
+            anchors.fill: parent
+            viewState: window.viewState
+        }
     }
 
     ContentToolbar {
         id: toolbar
 
-        anchors.left: sidebar.right
-        anchors.right: parent.right
+        anchors.left: sidebarColumn.right
+        width: widths.middle
         viewState: window.viewState
-        onLeftForGrid: results.forceActiveFocus()
     }
 
-    SearchResultsView {
-        id: results
+    ContentColumn {
+        id: content
 
-        anchors.left: sidebar.right
-        anchors.right: parent.right
+        objectName: "contentColumn"
+        anchors.left: sidebarColumn.right
+        width: widths.middle
         anchors.top: toolbar.bottom
         anchors.bottom: parent.bottom
+        sideMargin: widths.contentMargin
         viewState: window.viewState
+        onActiveFocusChanged: if (activeFocus) window.viewState.focus.noteDetail()
+    }
+
+    Item {
+        objectName: "inspectorColumn"
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.right: parent.right
+        width: widths.inspector
+        visible: width > 0
+        clip: true
+
+        InspectorView {
+            objectName: "inspector"
+            anchors.top: parent.top
+            anchors.bottom: parent.bottom
+            width: widths.fullInspector
+            selected: window.viewState.selected
+        }
+    }
+
+    ColumnSplitter {
+        objectName: "sidebarSplitter"
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.horizontalCenter: sidebarColumn.right
+        onMoved: distance => widths.moveSidebarEdge(distance)
+        onReset: widths.resetSidebar()
+    }
+
+    ColumnSplitter {
+        objectName: "inspectorSplitter"
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.horizontalCenter: content.right
+        visible: widths.inspector > 0
+        onMoved: distance => widths.moveInspectorEdge(distance)
+        onReset: widths.resetInspector()
     }
 
     DropOverlay {
@@ -51,6 +109,17 @@ T.ApplicationWindow {
 
     FolderDialogHost {
         viewState: window.viewState
+    }
+
+    Connections {
+        target: window.viewState.focus
+
+        function onSidebarWanted() {
+            sidebar.takeFocus();
+        }
+        function onDetailWanted() {
+            content.forceActiveFocus();
+        }
     }
 
     // Ends the program with what it has in work, where closing the window only ends the window.
@@ -63,5 +132,10 @@ T.ApplicationWindow {
     Shortcut {
         sequence: "Ctrl+F"
         onActivated: toolbar.focusSearch()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+I"
+        onActivated: window.viewState.isInspectorCollapsed = !window.viewState.isInspectorCollapsed
     }
 }

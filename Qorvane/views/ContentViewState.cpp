@@ -47,6 +47,8 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
     , m_photos(m_selection, isVideo)
     , m_results(m_selection, isVideo)
     , m_search(searchSources(qorManager, std::move(search)))
+    , m_selected(m_selection)
+    , m_sorting(qorManager)
 {
     for (MediaListModel *const model : {&m_photos, &m_results}) {
         connect(model, &MediaListModel::visiblePathsChanged, this,

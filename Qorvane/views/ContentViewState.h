@@ -7,6 +7,8 @@
 #include "views/MediaListModel.h"
 #include "views/MediaSelection.h"
 #include "views/SearchController.h"
+#include "views/SelectedMedia.h"
+#include "views/Sorting.h"
 
 #include <QObject>
 #include <QTimer>
@@ -33,6 +35,8 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
     Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
     Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
+    Q_PROPERTY(Qorvane::SelectedMedia *selected READ selected CONSTANT)
+    Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
     Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
     /// What the window shows: the selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
@@ -57,6 +61,8 @@ public:
     SearchController *search() { return &m_search; }
     MediaSelection &selection() { return m_selection; }
     ColumnFocus *focus() { return &m_focus; }
+    SelectedMedia *selected() { return &m_selected; }
+    Sorting *sorting() { return &m_sorting; }
     GridPage::Page page() const { return m_page; }
     QString title() const;
     bool isDetailViewActive() const { return m_isDetailViewActive; }
@@ -101,6 +107,8 @@ private:
     MediaListModel m_results;
     SearchController m_search;
     ColumnFocus m_focus;
+    SelectedMedia m_selected;
+    Sorting m_sorting;
     bool m_isDetailViewActive = false;
     bool m_isInspectorCollapsed = false;
     QTimer m_progressRefresh;

@@ -1,6 +1,7 @@
 #include "views/ContentWindow.h"
 
 #include "views/ContentViewState.h"
+#include "views/PictureProvider.h"
 #include "views/ThumbnailProvider.h"
 #include "views/style/IconProvider.h"
 
@@ -24,6 +25,8 @@ void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnai
     engine.addImageProvider(QString::fromLatin1(IconProvider::providerId),
                             std::make_unique<IconProvider>().release());
     engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId), thumbnails.release());
+    engine.addImageProvider(QString::fromLatin1(PictureProvider::providerId),
+                            std::make_unique<PictureProvider>().release());
 }
 
 std::unique_ptr<QQuickWindow> makeContentWindow(QQmlEngine &engine, ContentViewState &state)

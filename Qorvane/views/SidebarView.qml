@@ -8,6 +8,11 @@ Rectangle {
 
     required property ContentViewState viewState
 
+    /// Gives the keys to the list.
+    function takeFocus() {
+        list.forceActiveFocus();
+    }
+
     color: Theme.sidebar
 
     ToolButton {

@@ -40,7 +40,8 @@ Translations read(const QString &language)
         if (reader.name() != u"translation")
             continue;
         const bool isMarked = reader.attributes().hasAttribute(QStringLiteral("type"));
-        const QString text = reader.readElementText();
+        // The forms that a language has for numbers are elements of their own.
+        const QString text = reader.readElementText(QXmlStreamReader::IncludeChildElements);
         if (isMarked || text.trimmed().isEmpty())
             translations.faults.append(QStringLiteral("not translated: ") + source);
         if (translations.texts.contains(source))
@@ -59,6 +60,7 @@ QStringList placeholders(const QString &text)
     for (auto match = pattern.globalMatch(text); match.hasNext();)
         found.append(match.next().captured());
     found.sort();
+    found.removeDuplicates(); // languages differ in how many forms they have for a number
     return found;
 }
 
@@ -66,7 +68,7 @@ QStringList placeholders(const QString &text)
 QSet<QString> askedFor()
 {
     static const QRegularExpression pattern(QStringLiteral(
-        "(?:qsTranslate\\(\\s*\"Qorvane\"\\s*,\\s*|localized(?:Format)?\\(\\s*)\"([^\"\\n]+)\""));
+        "(?:qsTranslate\\(\\s*\"Qorvane\"\\s*,\\s*|localized(?:Format|Count)?\\(\\s*)\"([^\"\\n]+)\""));
     QSet<QString> keys;
     QDirIterator files(sourceFile(QStringLiteral("Qorvane")),
                        {QStringLiteral("*.qml"), QStringLiteral("*.cpp")}, QDir::Files,

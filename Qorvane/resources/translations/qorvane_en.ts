@@ -60,6 +60,58 @@
         <translation>Descending</translation>
     </message>
     <message>
+        <source>Sort</source>
+        <translation>Sort</translation>
+    </message>
+    <message>
+        <source>Sort by</source>
+        <translation>Sort by</translation>
+    </message>
+    <message>
+        <source>Order</source>
+        <translation>Order</translation>
+    </message>
+    <message>
+        <source>Show Info Panel</source>
+        <translation>Show Info Panel</translation>
+    </message>
+    <message>
+        <source>Hide Info Panel</source>
+        <translation>Hide Info Panel</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Back</translation>
+    </message>
+    <message>
+        <source>Toolbar</source>
+        <translation>Toolbar</translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>Inspector.Empty.Title</source>
+        <translation>Nothing Selected</translation>
+    </message>
+    <message>
+        <source>Inspector.Empty.Subtitle</source>
+        <translation>Select a photo or video to see its details.</translation>
+    </message>
+    <message>
+        <source>This picture can't be shown.</source>
+        <translation>This picture can’t be shown.</translation>
+    </message>
+    <message numerus="yes">
+        <source>items_selected</source>
+        <comment>Items selected count</comment>
+        <translation>
+            <numerusform>%n item selected</numerusform>
+            <numerusform>%n items selected</numerusform>
+        </translation>
+    </message>
+    <message>
         <source>照片库</source>
         <translation>Library</translation>
     </message>

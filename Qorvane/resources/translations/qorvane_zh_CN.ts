@@ -60,6 +60,57 @@
         <translation>降序</translation>
     </message>
     <message>
+        <source>Sort</source>
+        <translation>排序</translation>
+    </message>
+    <message>
+        <source>Sort by</source>
+        <translation>排序依据</translation>
+    </message>
+    <message>
+        <source>Order</source>
+        <translation>顺序</translation>
+    </message>
+    <message>
+        <source>Show Info Panel</source>
+        <translation>显示信息面板</translation>
+    </message>
+    <message>
+        <source>Hide Info Panel</source>
+        <translation>隐藏信息面板</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+    <message>
+        <source>Toolbar</source>
+        <translation>工具栏</translation>
+    </message>
+    <message>
+        <source>Info</source>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>Inspector.Empty.Title</source>
+        <translation>未选择任何项目</translation>
+    </message>
+    <message>
+        <source>Inspector.Empty.Subtitle</source>
+        <translation>选择照片或视频即可查看详细信息。</translation>
+    </message>
+    <message>
+        <source>This picture can't be shown.</source>
+        <translation>无法显示此图片。</translation>
+    </message>
+    <message numerus="yes">
+        <source>items_selected</source>
+        <comment>Items selected count</comment>
+        <translation>
+            <numerusform>已选择 %n 项</numerusform>
+        </translation>
+    </message>
+    <message>
         <source>照片库</source>
         <translation>照片库</translation>
     </message>

@@ -59,7 +59,7 @@ QtObject {
     readonly property int toolbarHeight: 52
     readonly property int iconSize: 18
     readonly property int controlHeight: 30
-    readonly property int sidebarWidth: 230
+    readonly property int widestContent: 1200
     readonly property int contentPadding: 16
     readonly property int selectionStroke: 3
 

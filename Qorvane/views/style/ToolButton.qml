@@ -8,6 +8,8 @@ T.ToolButton {
     required property string iconName
     property color iconColor: Theme.text
     property int iconSize: Theme.iconSize
+    /// What the button switches is on.
+    property bool isOn: false
 
     implicitWidth: Theme.controlHeight
     implicitHeight: Theme.controlHeight
@@ -27,7 +29,7 @@ T.ToolButton {
     }
     background: Rectangle {
         radius: Theme.fieldRadius
-        color: control.pressed ? Theme.pressed : control.hovered ? Theme.hover : "transparent"
+        color: control.pressed ? Theme.pressed : control.hovered || control.isOn ? Theme.hover : "transparent"
         border.width: control.visualFocus ? 2 : 0
         border.color: Theme.accent
 

@@ -1,0 +1,37 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QorvaneViews
+
+/// The middle column: the photographs of what is selected, or one of them.
+FocusScope {
+    id: column
+
+    required property ContentViewState viewState
+    /// Left free on either side where the column is wider than its content may be.
+    property int sideMargin: 0
+    readonly property bool isDetailViewActive: viewState.isDetailViewActive
+
+    SearchResultsView {
+        anchors.fill: parent
+        anchors.leftMargin: column.sideMargin
+        anchors.rightMargin: column.sideMargin
+        focus: !column.isDetailViewActive
+        visible: !column.isDetailViewActive
+        viewState: column.viewState
+    }
+
+    Loader {
+        anchors.fill: parent
+        anchors.leftMargin: column.sideMargin
+        anchors.rightMargin: column.sideMargin
+        focus: column.isDetailViewActive
+        active: column.isDetailViewActive
+
+        sourceComponent: InlineDetailView {
+            objectName: "inlineDetailView"
+            focus: true
+            viewState: column.viewState
+        }
+    }
+}

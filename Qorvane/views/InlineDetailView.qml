@@ -1,0 +1,75 @@
+import QtQuick
+import QorvaneStyle
+import QorvaneViews
+
+/// The middle column while one file is open: its picture as large as it fits, a video's preview.
+FocusScope {
+    id: view
+
+    required property ContentViewState viewState
+    readonly property SelectedMedia media: viewState.selected
+    readonly property bool isLoaded: picture.status === Image.Ready && picture.implicitWidth > 1
+    readonly property bool hasThumbnail: thumbnail.status === Image.Ready && thumbnail.implicitWidth > 1
+    // A bound rather than the size shown, which would decode anew at every step of a resize.
+    readonly property int decodedSize: Math.max(Theme.widestContent, Screen.height)
+
+    /// The picture's address in the provider of pictures.
+    function source(kind) {
+        return media.path === "" ? "" : "image://pictures/" + kind + "/" + encodeURIComponent(media.path);
+    }
+
+    Keys.onEscapePressed: viewState.isDetailViewActive = false
+
+    Item {
+        objectName: "openPicture"
+        anchors.fill: parent
+        anchors.margins: Theme.contentPadding
+        focus: true
+        Accessible.role: Accessible.Graphic
+        Accessible.name: view.media.name
+
+        Image {
+            id: thumbnail
+
+            anchors.fill: parent
+            source: view.source("thumbnail")
+            fillMode: Image.PreserveAspectFit
+            visible: !view.isLoaded && view.hasThumbnail
+            cache: false
+        }
+
+        Image {
+            id: picture
+
+            objectName: "fullPicture"
+            anchors.fill: parent
+            source: view.source("full")
+            sourceSize.width: view.decodedSize
+            sourceSize.height: view.decodedSize
+            fillMode: Image.PreserveAspectFit
+            visible: view.isLoaded
+            cache: false
+        }
+
+        BusyIndicator {
+            anchors.centerIn: parent
+            running: picture.status === Image.Loading && !view.hasThumbnail
+            visible: running
+        }
+
+        PlayBadge {
+            objectName: "playBadge"
+            anchors.centerIn: parent
+            visible: view.media.isVideo
+        }
+    }
+
+    MessagePage {
+        objectName: "noPicturePage"
+        anchors.fill: parent
+        visible: picture.status === Image.Ready && !view.isLoaded && !view.hasThumbnail && !view.media.isVideo
+        iconName: "photo"
+        message: qsTranslate("Qorvane", "This picture can't be shown.")
+        messageSize: Theme.headlineSize
+    }
+}

@@ -1,0 +1,80 @@
+#include "views/PictureProvider.h"
+
+#include "library/QorManage.h"
+#include "media/ImageSource.h"
+#include "media/OrientedImage.h"
+#include "media/ThumbnailCache.h"
+#include "platform/Log.h"
+#include "views/ThumbnailQueue.h"
+#include "views/ThumbnailResponse.h"
+
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Qorvane {
+
+namespace {
+
+// One for the full picture, one for the thumbnail that is to be seen before it.
+constexpr int threadCount = 2;
+
+QImage clearPixel()
+{
+    QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
+    pixel.fill(Qt::transparent);
+    return pixel;
+}
+
+QImage pixelsOf(const std::optional<Image> &image)
+{
+    return image ? image->pixels() : QImage();
+}
+
+QImage boundedPicture(const QString &path, int maxPixelSize)
+{
+    QString error;
+    const std::optional<ImageSource> source = ImageSource::open(path, &error);
+    const std::optional<QImage> picture = source ? source->boundedImage(maxPixelSize, &error) : std::nullopt;
+    if (!picture) {
+        Log::line(QStringLiteral("no picture of %1: %2").arg(path, error));
+        return {};
+    }
+    return orientedImage(*picture, quint32(source->orientation()));
+}
+
+} // namespace
+
+PictureProvider::PictureProvider(Load load)
+    : m_queue(std::make_shared<ThumbnailQueue>(threadCount))
+    , m_load(std::move(load))
+{
+}
+
+QImage PictureProvider::loadPicture(Kind kind, const QString &path, int maxPixelSize)
+{
+    const FileUrl url = FileUrl::file(path);
+    if (kind == Kind::thumbnail)
+        return pixelsOf(ThumbnailCache::getThumbnail(url));
+    if (QorManage::supportedVideoExtensions().contains(url.pathExtension().toLower()))
+        return pixelsOf(ThumbnailCache::generateVideoPreview(url));
+    return boundedPicture(path, maxPixelSize);
+}
+
+QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
+{
+    auto response = std::make_unique<ThumbnailResponse>(m_queue);
+    const qsizetype slash = id.indexOf(QLatin1Char('/'));
+    const Kind kind = id.left(slash) == QLatin1String("thumbnail") ? Kind::thumbnail : Kind::full;
+    const QString path = QUrl::fromPercentEncoding(id.mid(slash + 1).toUtf8());
+    const int maxPixelSize =
+        std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
+    response->setTicket(
+        m_queue->add(path, [load = m_load, slot = response->slot(), kind, path, maxPixelSize] {
+            const QImage picture = load(kind, path, maxPixelSize);
+            slot->deliver(picture.isNull() ? clearPixel() : picture);
+        }));
+    return response.release(); // the engine owns it from here
+}
+
+} // namespace Qorvane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QImage>
+#include <QQuickAsyncImageProvider>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace Qorvane {
+
+class ThumbnailQueue;
+
+/// Serves whole pictures of media files, upright and uncut, for the viewer: "image://pictures/full/<path>"
+/// and, at once where the cache has it, "image://pictures/thumbnail/<path>", the path percent-encoded.
+/// Nothing of it runs on the GUI thread.
+class PictureProvider : public QQuickAsyncImageProvider
+{
+public:
+    static constexpr auto providerId = "pictures";
+
+    enum class Kind { thumbnail, full };
+
+    /// The pixels for the file at `path`, for a full picture at most `maxPixelSize` pixels on the larger
+    /// side; null when there are none. Blocks; runs on threads of the provider's own.
+    using Load = std::function<QImage(Kind kind, const QString &path, int maxPixelSize)>;
+
+    explicit PictureProvider(Load load = loadPicture);
+
+    /// A file without a picture gets a single clear pixel, as thumbnails do.
+    QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
+
+    /// Reads the file, or the cache of thumbnails. Blocks; any thread but the GUI's.
+    static QImage loadPicture(Kind kind, const QString &path, int maxPixelSize);
+
+private:
+    std::shared_ptr<ThumbnailQueue> m_queue;
+    Load m_load;
+};
+
+} // namespace Qorvane
