@@ -3,6 +3,7 @@
 #include "platform/Localization.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
+#include "platform/desktop/InterfaceFont.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -34,6 +35,7 @@ int main(int argc, char **argv)
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.qorvane.Qorvane.svg")));
     // The last window's closing isn't the end: runs in work go on.
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    InterfaceFont::install();
     Localization::install();
 
     // Before anything touches the library.

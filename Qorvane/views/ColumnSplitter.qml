@@ -13,7 +13,8 @@ Item {
     width: 8
 
     Rectangle {
-        x: Math.round((parent.width - width) / 2)
+        // The last pixel of the column on the left.
+        x: parent.width / 2 - width
         width: 1
         height: parent.height
         color: Theme.hairline

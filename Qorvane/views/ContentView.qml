@@ -15,6 +15,8 @@ T.ApplicationWindow {
     minimumHeight: 800
     title: viewState.title === "" ? "Qorvane" : viewState.title
     color: Theme.window
+    // The controls would ask the desktop, past the application.
+    font.family: Qt.application.font.family
 
     ColumnWidths {
         id: widths
