@@ -2,12 +2,13 @@ import QtQuick
 import QorvaneStyle
 import QorvaneViews
 
-/// Takes folders that are dragged onto the window.
+/// Takes folders that are dragged onto the window, and says so while they are over it.
 DropArea {
     id: area
 
     required property ContentViewState viewState
 
+    objectName: "dropOverlay"
     keys: ["text/uri-list"]
     onDropped: drop => {
         drop.acceptProposedAction();
@@ -15,12 +16,62 @@ DropArea {
     }
 
     Rectangle {
+        id: veil
+
+        objectName: "dropVeil"
         anchors.fill: parent
-        anchors.margins: 4
-        radius: Theme.cardRadius
-        color: Qt.alpha(Theme.accent, 0.08)
-        border.width: 2
-        border.color: Theme.accent
-        visible: area.containsDrag
+        color: Qt.alpha(Theme.window, 0.72)
+        opacity: area.containsDrag ? 1 : 0
+        visible: opacity > 0
+
+        Behavior on opacity {
+            NumberAnimation { duration: Theme.quick; easing.type: Theme.easing }
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: Theme.unit
+            radius: Theme.cardRadius
+            color: Qt.alpha(Theme.accent, 0.08)
+            border.width: 2
+            border.color: Theme.accent
+        }
+
+        Item {
+            anchors.centerIn: parent
+            width: words.width + 64
+            height: words.height + 48
+
+            SoftShadow {
+                radius: 16
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                radius: 16
+                color: Theme.popup
+                border.color: Theme.hairline
+            }
+
+            Column {
+                id: words
+
+                anchors.centerIn: parent
+                spacing: 12
+
+                Icon {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    name: "folder.badge.plus"
+                    size: 48
+                    color: Theme.accent
+                }
+
+                Label {
+                    text: qsTranslate("Qorvane", "Drop folders to add them to the library")
+                    font.pixelSize: Theme.title3Size
+                    font.weight: Font.DemiBold
+                }
+            }
+        }
     }
 }

@@ -9,26 +9,53 @@ Item {
 
     signal addFolderRequested
 
-    MessagePage {
-        anchors.fill: parent
-        anchors.margins: 32
-        anchors.bottomMargin: page.isLibraryEmpty ? 32 + button.height + 24 : 32
-        iconName: "folder"
-        iconSize: 56
-        message: qsTranslate("Qorvane", "Select a folder to view media files.")
-        messageSize: Theme.title2Size
-        messageWeight: Font.DemiBold
-    }
+    Column {
+        anchors.centerIn: parent
+        width: parent.width - 2 * 32
+        spacing: 12
 
-    Button {
-        id: button
+        Icon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            name: "folder"
+            size: 56
+            color: Theme.secondaryText
+        }
 
-        objectName: "firstFolderButton"
-        anchors.horizontalCenter: parent.horizontalCenter
-        y: parent.height / 2 + 44
-        visible: page.isLibraryEmpty
-        isProminent: true
-        text: qsTranslate("Qorvane", "Add Folder")
-        onClicked: page.addFolderRequested()
+        Label {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            text: qsTranslate("Qorvane", "Select a folder to view media files.")
+            font.pixelSize: Theme.title2Size
+            font.weight: Font.DemiBold
+            color: Theme.secondaryText
+        }
+
+        // A little further off: what to do, after what there is.
+        Item {
+            width: 1
+            height: 4
+            visible: page.isLibraryEmpty
+        }
+
+        Button {
+            objectName: "firstFolderButton"
+            anchors.horizontalCenter: parent.horizontalCenter
+            visible: page.isLibraryEmpty
+            isProminent: true
+            text: qsTranslate("Qorvane", "Add Folder")
+            onClicked: page.addFolderRequested()
+        }
+
+        Label {
+            objectName: "firstFolderHint"
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            visible: page.isLibraryEmpty
+            text: qsTranslate("Qorvane", "Or drag a folder from your file manager onto this window.")
+            font.pixelSize: Theme.subheadlineSize
+            color: Theme.secondaryText
+        }
     }
 }

@@ -88,6 +88,14 @@
         <translation>Toolbar</translation>
     </message>
     <message>
+        <source>Drop folders to add them to the library</source>
+        <translation>Drop folders to add them to the library</translation>
+    </message>
+    <message>
+        <source>Or drag a folder from your file manager onto this window.</source>
+        <translation>Or drag a folder from your file manager onto this window.</translation>
+    </message>
+    <message>
         <source>Info</source>
         <translation>Info</translation>
     </message>

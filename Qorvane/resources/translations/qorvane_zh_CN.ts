@@ -88,6 +88,14 @@
         <translation>工具栏</translation>
     </message>
     <message>
+        <source>Drop folders to add them to the library</source>
+        <translation>松开以将文件夹添加到照片库</translation>
+    </message>
+    <message>
+        <source>Or drag a folder from your file manager onto this window.</source>
+        <translation>也可以从文件管理器将文件夹拖到此窗口。</translation>
+    </message>
+    <message>
         <source>Info</source>
         <translation>信息</translation>
     </message>
