@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QorvaneViews
 
@@ -21,17 +19,13 @@ FocusScope {
         viewState: column.viewState
     }
 
-    Loader {
+    InlineDetailView {
+        objectName: "inlineDetailView"
         anchors.fill: parent
         anchors.leftMargin: column.sideMargin
         anchors.rightMargin: column.sideMargin
         focus: column.isDetailViewActive
-        active: column.isDetailViewActive
-
-        sourceComponent: InlineDetailView {
-            objectName: "inlineDetailView"
-            focus: true
-            viewState: column.viewState
-        }
+        visible: column.isDetailViewActive
+        viewState: column.viewState
     }
 }

@@ -16,7 +16,7 @@ T.ApplicationWindow {
     title: viewState.title === "" ? "Qorvane" : viewState.title
     color: Theme.window
     // The controls would ask the desktop, past the application.
-    font.family: Qt.application.font.family
+    font.family: Application.font.family
 
     ColumnWidths {
         id: widths

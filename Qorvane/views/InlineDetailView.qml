@@ -8,6 +8,8 @@ FocusScope {
 
     required property ContentViewState viewState
     readonly property SelectedMedia media: viewState.selected
+    // A selection in the grid is not opened yet.
+    readonly property string path: viewState.isDetailViewActive ? media.path : ""
     readonly property bool isLoaded: picture.status === Image.Ready && picture.implicitWidth > 1
     readonly property bool hasThumbnail: thumbnail.status === Image.Ready && thumbnail.implicitWidth > 1
     // A bound rather than the size shown, which would decode anew at every step of a resize.
@@ -15,7 +17,7 @@ FocusScope {
 
     /// The picture's address in the provider of pictures.
     function source(kind) {
-        return media.path === "" ? "" : "image://pictures/" + kind + "/" + encodeURIComponent(media.path);
+        return path === "" ? "" : "image://pictures/" + kind + "/" + encodeURIComponent(path);
     }
 
     Keys.onEscapePressed: viewState.isDetailViewActive = false

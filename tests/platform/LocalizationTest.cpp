@@ -2,6 +2,8 @@
 
 #include "platform/Languages.h"
 
+#include <QCoreApplication>
+
 #include <gtest/gtest.h>
 
 using namespace Qorvane;
@@ -46,6 +48,19 @@ TEST_F(LocalizationTest, aChineseReaderReadsChinese)
         EXPECT_EQ(localizedFormat("thumb_progress", 3, 12), QStringLiteral("缩略图：3/12"));
         EXPECT_EQ(localizedFormat("embed_progress", 0, 12), QStringLiteral("向量：0/12"));
     }
+}
+
+TEST_F(LocalizationTest, aCountTakesTheFormOfItsLanguage)
+{
+    const auto selected = [](int count) {
+        return QCoreApplication::translate(Localization::context, "items_selected", "Items selected count",
+                                           count);
+    };
+    install({QStringLiteral("en-US")});
+    EXPECT_EQ(selected(1), QStringLiteral("1 item selected"));
+    EXPECT_EQ(selected(12), QStringLiteral("12 items selected"));
+    install({QStringLiteral("zh-Hans-CN")});
+    EXPECT_EQ(selected(12), QStringLiteral("已选择 12 项"));
 }
 
 TEST_F(LocalizationTest, theFirstWishThatCanBeMetDecides)

@@ -1,3 +1,4 @@
+#include "platform/NotificationCenter.h"
 #include "platform/desktop/DesktopAppearance.h"
 #include "views/ContentViewFixture.h"
 
@@ -38,7 +39,7 @@ protected:
     {
         select(folder, {index});
         state.setDetailViewActive(true);
-        ASSERT_TRUE(waitUntil([this] { return item("fullPicture") && item("fullPicture")->isVisible(); }));
+        ASSERT_TRUE(waitUntil([this] { return item("fullPicture")->isVisible(); }));
     }
 
     QString text(const char *name) const { return item(name)->property("text").toString(); }
@@ -140,6 +141,20 @@ TEST_F(ContentColumnsTest, theSortMenuSetsCriterionAndOrderAndMarksThem)
     EXPECT_TRUE(waitUntil([this] { return !sortMenu()->property("visible").toBool(); }));
 }
 
+TEST_F(ContentColumnsTest, theSortMenuIsReachedByKeysAlone)
+{
+    addFolder(QStringLiteral("Photos"), 2);
+    item("sortButton")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(window.get(), Qt::Key_Space);
+    ASSERT_TRUE(waitUntil([this] { return sortMenu()->property("opened").toBool(); }));
+    for (int i = 0; i < 6; ++i)
+        QTest::keyClick(window.get(), Qt::Key_Down);
+    QTest::keyClick(window.get(), Qt::Key_Return);
+    EXPECT_EQ(library.sortOrder(), SortOrder::descending);
+    ASSERT_TRUE(waitUntil([this] { return !sortMenu()->property("visible").toBool(); }));
+    EXPECT_TRUE(hasKeys("sortButton"));
+}
+
 TEST_F(ContentColumnsTest, theInspectorFollowsTheSelection)
 {
     const QString folder = addFolder(QStringLiteral("Photos"), 3);
@@ -178,7 +193,7 @@ TEST_F(ContentColumnsTest, escapeLeadsBackToTheGridAndTheKeysToTheSidebar)
     open(folder, 1);
     QTest::keyClick(window.get(), Qt::Key_Escape);
     EXPECT_TRUE(item("photoGrid")->isVisible());
-    EXPECT_EQ(item("inlineDetailView"), nullptr);
+    EXPECT_FALSE(item("inlineDetailView")->isVisible());
     EXPECT_TRUE(state.selection().urls().isEmpty());
     EXPECT_TRUE(state.focus()->isOnSidebar());
     EXPECT_FALSE(hasKeys("contentColumn"));
@@ -238,4 +253,30 @@ TEST_F(ContentColumnsTest, aMovedEdgeIsFollowedByTheOpenPicture)
     drag("sidebarSplitter", 100);
     EXPECT_EQ(item("fullPicture")->width(), before - 100);
     EXPECT_TRUE(item("fullPicture")->isVisible()) << "it was read from disk again";
+}
+
+TEST_F(ContentColumnsTest, aVideoIsOpenedWithThePlayMark)
+{
+    addFolder(QStringLiteral("Photos"), 1);
+    state.selection().setUrls({FileUrl::file(home.filePath(QStringLiteral("absent.mp4")))});
+    state.setDetailViewActive(true);
+    EXPECT_TRUE(item("playBadge")->isVisible());
+    EXPECT_FALSE(item("noPicturePage")->isVisible());
+}
+
+TEST_F(ContentColumnsTest, aDeletedFileLeavesTheResultsAtOnceAndStaysSelected)
+{
+    const QString folder = addFolder(QStringLiteral("Photos"), 3);
+    for (const int index : {2, 0, 1})
+        found.append({FileUrl::file(fileUrl(folder, index)), 0.4F, 0.1F});
+    click(item("searchField"));
+    type(QStringLiteral("x"));
+    ASSERT_TRUE(waitUntil([this] { return item("resultsGrid")->isVisible(); }));
+    select(folder, {0});
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImagesDeleted"),
+                                             {{QStringLiteral("paths"), QStringList{fileUrl(folder, 0)}}});
+    drainMainQueue();
+    EXPECT_EQ(state.results()->urls(),
+              (QList<FileUrl>{FileUrl::file(fileUrl(folder, 2)), FileUrl::file(fileUrl(folder, 1))}));
+    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 0))});
 }
