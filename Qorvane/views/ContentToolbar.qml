@@ -44,6 +44,7 @@ Item {
             text: qsTranslate("Qorvane", "Sort")
             iconName: "arrow.up.arrow.down.circle"
             isOn: sortMenu.visible
+            offersTip: !sortMenu.visible
             Accessible.role: Accessible.ButtonMenu
             onClicked: sortMenu.popup(sortButton, 0, sortButton.height + 4)
 

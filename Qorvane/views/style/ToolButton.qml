@@ -10,6 +10,8 @@ T.ToolButton {
     property int iconSize: Theme.iconSize
     /// What the button switches is on.
     property bool isOn: false
+    /// False while something else says it, as an open menu of the button's own.
+    property bool offersTip: true
 
     implicitWidth: Theme.controlHeight
     implicitHeight: Theme.controlHeight
@@ -40,6 +42,6 @@ T.ToolButton {
 
     ToolTip {
         text: control.text
-        visible: control.hovered && !control.pressed
+        visible: control.hovered && !control.pressed && control.offersTip
     }
 }
