@@ -50,7 +50,7 @@ DropArea {
                 anchors.fill: parent
                 radius: 16
                 color: Theme.popup
-                border.color: Theme.hairline
+                border.color: Theme.popupLine
             }
 
             Column {

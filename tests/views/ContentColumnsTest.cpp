@@ -155,6 +155,17 @@ TEST_F(ContentColumnsTest, theSortMenuIsReachedByKeysAlone)
     EXPECT_TRUE(hasKeys("sortButton"));
 }
 
+TEST_F(ContentColumnsTest, tabGoesThroughTheToolbarToThePhotographs)
+{
+    addFolder(QStringLiteral("Photos"), 2);
+    item("sortButton")->forceActiveFocus(Qt::TabFocusReason);
+    for (const char *next : {"inspectorButton", "searchField", "contentColumn"}) {
+        QTest::keyClick(window.get(), Qt::Key_Tab);
+        EXPECT_TRUE(hasKeys(next)) << next;
+    }
+    EXPECT_TRUE(state.focus()->isOnDetail());
+}
+
 TEST_F(ContentColumnsTest, theInspectorFollowsTheSelection)
 {
     const QString folder = addFolder(QStringLiteral("Photos"), 3);

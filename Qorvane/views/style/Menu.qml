@@ -41,7 +41,7 @@ T.Menu {
             anchors.fill: parent
             radius: Theme.fieldRadius
             color: Theme.popup
-            border.color: Theme.hairline
+            border.color: Theme.popupLine
         }
     }
     enter: Transition {

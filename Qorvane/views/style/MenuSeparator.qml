@@ -17,6 +17,6 @@ T.MenuSeparator {
 
     contentItem: Rectangle {
         implicitHeight: 1
-        color: Theme.hairline
+        color: Theme.popupLine
     }
 }

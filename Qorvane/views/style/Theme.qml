@@ -16,6 +16,7 @@ QtObject {
     readonly property color emptyCell: isDark ? "#2C2C30" : "#ECECEF"
     readonly property color popup: isDark ? "#333337" : "#FFFFFF"
     readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
+    readonly property color popupLine: isDark ? "#4C4C51" : "#E2E2E6"
     readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
     /// One of the layers that a soft shadow is made of.
     readonly property color shadow: isDark ? "#07000000" : "#03000000"
