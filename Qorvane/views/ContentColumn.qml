@@ -12,8 +12,7 @@ FocusScope {
 
     SearchResultsView {
         anchors.fill: parent
-        anchors.leftMargin: column.sideMargin
-        anchors.rightMargin: column.sideMargin
+        sideMargin: column.sideMargin
         focus: !column.isDetailViewActive
         visible: !column.isDetailViewActive
         viewState: column.viewState

@@ -4,11 +4,13 @@
 #include "views/ColumnFocus.h"
 #include "views/FolderListModel.h"
 #include "views/GridPage.h"
+#include "views/MediaActions.h"
 #include "views/MediaListModel.h"
 #include "views/MediaSelection.h"
 #include "views/SearchController.h"
 #include "views/SelectedMedia.h"
 #include "views/Sorting.h"
+#include "views/ThumbnailRevisions.h"
 
 #include <QObject>
 #include <QTimer>
@@ -37,6 +39,7 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
     Q_PROPERTY(Qorvane::SelectedMedia *selected READ selected CONSTANT)
     Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
+    Q_PROPERTY(Qorvane::MediaActions *actions READ actions CONSTANT)
     Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
     /// What the window shows: the selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
@@ -59,6 +62,7 @@ public:
     MediaListModel *photos() { return &m_photos; }
     MediaListModel *results() { return &m_results; }
     SearchController *search() { return &m_search; }
+    MediaActions *actions() { return &m_actions; }
     MediaSelection &selection() { return m_selection; }
     ColumnFocus *focus() { return &m_focus; }
     SelectedMedia *selected() { return &m_selected; }
@@ -103,6 +107,8 @@ private:
     FolderPanel m_folderPanel{this};
     MediaSelection m_selection;
     FolderListModel m_folders;
+    ThumbnailRevisions m_revisions;
+    MediaActions m_actions;
     MediaListModel m_photos;
     MediaListModel m_results;
     SearchController m_search;

@@ -1,6 +1,7 @@
 #include "views/GridColumns.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Qorvane {
 
@@ -17,10 +18,20 @@ void GridColumns::setWidth(double width)
     Q_EMIT changed();
 }
 
-int GridColumns::pitch() const
+double GridColumns::pitch() const
 {
     // Never below a whole cell: a narrower grid shows one column, cut off.
-    return std::max(minimumColumnWidth + gap, int((m_width + gap) / count()));
+    return std::max(double(minimumColumnWidth + gap), wholePixels((m_width + gap) / count()));
+}
+
+double GridColumns::centred(double width, double columnWidth) const
+{
+    return wholePixels((columnWidth - width) / 2);
+}
+
+double GridColumns::wholePixels(double length) const
+{
+    return m_devicePixelRatio > 0 ? std::floor(length * m_devicePixelRatio) / m_devicePixelRatio : length;
 }
 
 } // namespace Qorvane

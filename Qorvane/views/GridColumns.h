@@ -14,10 +14,12 @@ class GridColumns : public QObject
     /// Width of the grid, in pixels.
     Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
     Q_PROPERTY(int count READ count NOTIFY changed)
-    /// Distance between the left edges of two neighbours, in whole pixels so that pictures stay sharp.
-    Q_PROPERTY(int pitch READ pitch NOTIFY changed)
+    /// Of the screen; pictures stay sharp only where edges lie on its pixels.
+    Q_PROPERTY(double devicePixelRatio MEMBER m_devicePixelRatio NOTIFY changed)
+    /// Distance between the left edges of two neighbours, in whole physical pixels.
+    Q_PROPERTY(double pitch READ pitch NOTIFY changed)
     /// Width of one column without its gap.
-    Q_PROPERTY(int columnWidth READ columnWidth NOTIFY changed)
+    Q_PROPERTY(double columnWidth READ columnWidth NOTIFY changed)
 
 public:
     static constexpr int minimumColumnWidth = 200;
@@ -31,14 +33,19 @@ public:
     double width() const { return m_width; }
     void setWidth(double width);
     int count() const { return countFor(m_width); }
-    int pitch() const;
-    int columnWidth() const { return pitch() - gap; }
+    double pitch() const;
+    double columnWidth() const { return pitch() - gap; }
+    /// The left edge of what is centred in a column, `width` wide; on a whole physical pixel.
+    Q_INVOKABLE double centred(double width, double columnWidth) const;
 
 Q_SIGNALS:
     void changed();
 
 private:
+    double wholePixels(double length) const;
+
     double m_width = 0;
+    double m_devicePixelRatio = 1;
 };
 
 } // namespace Qorvane

@@ -1,61 +1,165 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import QtQuick.Window
 import QtQuick.Templates as T
 import QorvaneStyle
 import QorvaneViews
 
-/// Media as a scrolling grid of adaptive columns, with the selection and the arrow keys of both modes.
-GridView {
-    id: grid
+/// Media as a scrolling grid of adaptive columns, with the selection, the keys and the wheel of both modes.
+FocusScope {
+    id: area
 
     required property MediaListModel media
     /// Distance between the tops of two rows of cells.
     required property int rowPitch
-    readonly property int columnWidth: columns.columnWidth
+    required property Component delegate
+    /// Left free on either side; the wheel works there too.
+    property int sideMargin: 0
+    /// With another value it is another grid, which begins at the top.
+    property string identity
+    property string gridName: ""
+    readonly property double columnWidth: columns.columnWidth
+    /// Only whoever walks by keyboard needs to see where the keys go.
+    property bool isFocusShown: activeFocus && !isPointerUsed && media.firstSelectedRow < 0
+    property bool isPointerUsed: false
+    readonly property double lowest: grid.originY - grid.topMargin
+    readonly property double highest: grid.originY + grid.contentHeight + grid.bottomMargin - grid.height
+
+    /// A double click on a cell, which is the only one selected by then.
+    signal opened
+    signal menuRequested(string path, Item cell, point position)
+
+    function centred(width) {
+        return columns.centred(width, columns.columnWidth);
+    }
 
     function select(row, isCommandHeld) {
+        isPointerUsed = true;
         media.click(row, isCommandHeld);
         forceActiveFocus();
     }
 
-    function updateViewport() {
-        media.setViewport(contentY, height, rowPitch, columns.count);
+    function open(row) {
+        media.selectAlone(row);
+        opened();
     }
 
-    // A cell takes its gap with it; the last column's gap reaches into the padding.
-    leftMargin: Theme.contentPadding
-    topMargin: Theme.contentPadding
-    bottomMargin: Theme.contentPadding
-    cellWidth: columns.pitch
-    cellHeight: rowPitch
-    clip: true
-    activeFocusOnTab: true
-    boundsBehavior: Flickable.StopAtBounds
-    keyNavigationEnabled: false
-    highlightFollowsCurrentItem: false
-    // Two rows above and below: enough that a slow scroll meets no empty cell, little enough to drop quickly.
-    cacheBuffer: rowPitch * 2
-    reuseItems: true
-    model: media
-    Accessible.role: Accessible.List
-    Accessible.name: qsTranslate("Qorvane", "Photos")
-    T.ScrollBar.vertical: ScrollBar {}
+    function scrollTo(position, duration) {
+        motion.stop();
+        motion.duration = duration;
+        motion.to = GridScrolling.settled(position, lowest, highest, Screen.devicePixelRatio);
+        motion.start();
+    }
 
-    onContentYChanged: updateViewport()
-    onHeightChanged: updateViewport()
-    onCountChanged: updateViewport()
-    onCellWidthChanged: updateViewport()
+    function showRow(row) {
+        scrollTo(GridScrolling.showing(row, columns.count, rowPitch, Theme.contentPadding, grid.contentY, grid.height), Theme.panel);
+    }
+
+    function showMenuOfSelection() {
+        const row = media.firstSelectedRow;
+        if (row < 0)
+            return;
+        grid.positionViewAtIndex(row, GridView.Contain);
+        const cell = grid.itemAtIndex(row);
+        menuRequested(media.path(row), cell, Qt.point(cell.width / 2, cell.height / 2));
+    }
+
+    function updateViewport() {
+        media.setViewport(grid.contentY, grid.height, rowPitch, columns.count);
+    }
+
+    onIdentityChanged: scrollTo(lowest, 0)
     onVisibleChanged: updateViewport()
+    onActiveFocusChanged: isPointerUsed = isPointerUsed && activeFocus
 
-    Keys.onPressed: event => {
-        const row = grid.media.handleKey(event.key, columns.count);
-        event.accepted = row >= 0;
-        if (row >= 0)
-            grid.positionViewAtIndex(row, GridView.Contain);
+    GridView {
+        id: grid
+
+        objectName: area.gridName
+        anchors.fill: parent
+        anchors.leftMargin: area.sideMargin
+        anchors.rightMargin: area.sideMargin
+        // A cell takes its gap with it; the last column's gap reaches into the padding.
+        leftMargin: Theme.contentPadding
+        topMargin: Theme.contentPadding
+        bottomMargin: Theme.contentPadding
+        cellWidth: columns.pitch
+        cellHeight: area.rowPitch
+        focus: true
+        clip: true
+        activeFocusOnTab: true
+        boundsBehavior: Flickable.StopAtBounds
+        // A finger flicks; a mouse has the wheel, and dragging with it moves nothing on a desktop.
+        interactive: !mouse.hovered
+        pixelAligned: Screen.devicePixelRatio === Math.floor(Screen.devicePixelRatio)
+        keyNavigationEnabled: false
+        highlightFollowsCurrentItem: false
+        // Two rows above and below: enough that a slow scroll meets no empty cell, little enough to drop quickly.
+        cacheBuffer: area.rowPitch * 2
+        reuseItems: true
+        model: area.media
+        delegate: area.delegate
+        Accessible.role: Accessible.List
+        Accessible.name: qsTranslate("Qorvane", "Photos")
+        T.ScrollBar.vertical: bar
+
+        onContentYChanged: area.updateViewport()
+        onHeightChanged: area.updateViewport()
+        onCountChanged: area.updateViewport()
+        onCellWidthChanged: area.updateViewport()
+
+        Keys.onPressed: event => {
+            if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier) {
+                area.showMenuOfSelection();
+                return;
+            }
+            const row = area.media.handleKey(event.key, columns.count);
+            event.accepted = row >= 0;
+            if (row >= 0)
+                area.showRow(row);
+        }
+
+        NumberAnimation {
+            id: motion
+
+            target: grid
+            property: "contentY"
+            easing.type: Theme.easing
+        }
+    }
+
+    ScrollBar {
+        id: bar
+
+        objectName: area.gridName + "ScrollBar"
+        anchors.top: parent.top
+        anchors.bottom: parent.bottom
+        anchors.right: parent.right
+        onPressedChanged: pressed ? motion.stop() : area.scrollTo(grid.contentY, 0)
+    }
+
+    HoverHandler {
+        id: mouse
+
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+    }
+
+    WheelHandler {
+        target: null
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+        onWheel: event => {
+            // Turned on while it still moves, it goes on from where that would end.
+            const from = motion.running ? motion.to : grid.contentY;
+            area.scrollTo(from + GridScrolling.wheelDistance(event.pixelDelta, event.angleDelta),
+                          GridScrolling.isNotch(event.pixelDelta, event.angleDelta) ? Theme.panel : 0);
+        }
     }
 
     GridColumns {
         id: columns
 
         width: grid.width - 2 * Theme.contentPadding
+        devicePixelRatio: Screen.devicePixelRatio
     }
 }

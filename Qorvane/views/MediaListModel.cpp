@@ -1,6 +1,7 @@
 #include "views/MediaListModel.h"
 
 #include "views/MediaSelection.h"
+#include "views/ThumbnailRevisions.h"
 
 namespace Qorvane {
 
@@ -36,12 +37,15 @@ std::optional<GridDirection> directionOf(int key)
 
 } // namespace
 
-MediaListModel::MediaListModel(MediaSelection &selection, IsVideo isVideo, QObject *parent)
+MediaListModel::MediaListModel(MediaSelection &selection, const ThumbnailRevisions &revisions,
+                               IsVideo isVideo, QObject *parent)
     : QAbstractListModel(parent)
     , m_selection(selection)
+    , m_revisions(revisions)
     , m_isVideo(std::move(isVideo))
 {
     connect(&selection, &MediaSelection::changed, this, &MediaListModel::announceSelection);
+    connect(&revisions, &ThumbnailRevisions::revisionChanged, this, &MediaListModel::announceRevision);
 }
 
 void MediaListModel::setUrls(const QList<FileUrl> &urls)
@@ -57,6 +61,7 @@ void MediaListModel::setUrls(const QList<FileUrl> &urls)
         endResetModel();
     }
     Q_EMIT countChanged();
+    Q_EMIT firstSelectedRowChanged();
 }
 
 void MediaListModel::removeAllBut(const QList<FileUrl> &urls)
@@ -77,10 +82,26 @@ void MediaListModel::removeAllBut(const QList<FileUrl> &urls)
     }
 }
 
+QString MediaListModel::path(int row) const
+{
+    return m_urls.value(row).path();
+}
+
 void MediaListModel::click(int row, bool isCommandHeld)
 {
     if (row >= 0 && row < count())
         m_selection.click(m_urls.at(row), isCommandHeld);
+}
+
+void MediaListModel::selectAlone(int row)
+{
+    if (row >= 0 && row < count())
+        m_selection.selectAlone(m_urls.at(row));
+}
+
+int MediaListModel::firstSelectedRow() const
+{
+    return m_selection.firstPosition(m_urls).value_or(-1);
 }
 
 int MediaListModel::handleKey(int key, int columnCount)
@@ -121,6 +142,8 @@ QVariant MediaListModel::data(const QModelIndex &index, int role) const
         return m_isVideo(url);
     case IsSelectedRole:
         return m_selection.urls().contains(url);
+    case RevisionRole:
+        return m_revisions.revisionOf(url);
     default:
         return {};
     }
@@ -128,17 +151,30 @@ QVariant MediaListModel::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> MediaListModel::roleNames() const
 {
-    return {{PathRole, "path"}, {NameRole, "name"}, {IsVideoRole, "isVideo"}, {IsSelectedRole, "isSelected"}};
+    return {{PathRole, "path"},
+            {NameRole, "name"},
+            {IsVideoRole, "isVideo"},
+            {IsSelectedRole, "isSelected"},
+            {RevisionRole, "revision"}};
 }
 
 void MediaListModel::announceSelection(const QSet<FileUrl> &before)
 {
     const QSet<FileUrl> &now = m_selection.urls();
+    // One look a row: lists are long, and selections mostly short.
+    const QSet<FileUrl> changed = (before - now) + (now - before);
     for (int row = 0; row < count(); ++row) {
-        const FileUrl &url = m_urls.at(row);
-        if (before.contains(url) != now.contains(url))
+        if (changed.contains(m_urls.at(row)))
             Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
     }
+    Q_EMIT firstSelectedRowChanged();
+}
+
+void MediaListModel::announceRevision(const FileUrl &url)
+{
+    const qsizetype row = m_urls.indexOf(url);
+    if (row >= 0)
+        Q_EMIT dataChanged(index(int(row)), index(int(row)), {RevisionRole});
 }
 
 } // namespace Qorvane

@@ -13,6 +13,7 @@
 namespace Qorvane {
 
 class MediaSelection;
+class ThumbnailRevisions;
 
 /// Media files as rows of a grid, in the order given. GUI thread.
 class MediaListModel : public QAbstractListModel
@@ -21,6 +22,8 @@ class MediaListModel : public QAbstractListModel
     QML_ELEMENT
     QML_UNCREATABLE("Made by the window's state.")
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    /// Row of the cell that arrow keys start from, of the first one selected; -1 when none is.
+    Q_PROPERTY(int firstSelectedRow READ firstSelectedRow NOTIFY firstSelectedRowChanged)
 
 public:
     enum Role {
@@ -28,22 +31,29 @@ public:
         NameRole,                    ///< QString: its last component
         IsVideoRole,                 ///< bool
         IsSelectedRole,              ///< bool
+        RevisionRole,                ///< int: see ThumbnailRevisions
     };
 
     /// Whether a file is a video, by its name alone.
     using IsVideo = std::function<bool(const FileUrl &)>;
 
-    /// `selection` outlives the model.
-    MediaListModel(MediaSelection &selection, IsVideo isVideo, QObject *parent = nullptr);
+    /// `selection` and `revisions` outlive the model.
+    MediaListModel(MediaSelection &selection, const ThumbnailRevisions &revisions, IsVideo isVideo,
+                   QObject *parent = nullptr);
 
     const QList<FileUrl> &urls() const { return m_urls; }
     /// Replaces the list. A list that only lost entries loses their rows and keeps the others in place; any
     /// other change rebuilds the grid from the top.
     void setUrls(const QList<FileUrl> &urls);
     int count() const { return int(m_urls.size()); }
+    int firstSelectedRow() const;
 
+    /// The file's path; empty for a row that isn't there.
+    Q_INVOKABLE QString path(int row) const;
     /// A click on a row's cell; see MediaSelection.
     Q_INVOKABLE void click(int row, bool isCommandHeld);
+    /// A double click on a row's cell: it is the only one selected then.
+    Q_INVOKABLE void selectAlone(int row);
     /// A key pressed over the grid (Qt::Key): an arrow moves the selection. Gives the row to bring into view;
     /// -1 when the key isn't for the grid.
     Q_INVOKABLE int handleKey(int key, int columnCount);
@@ -56,13 +66,16 @@ public:
 
 Q_SIGNALS:
     void countChanged();
+    void firstSelectedRowChanged();
     void visiblePathsChanged(const QSet<QString> &paths);
 
 private:
     void removeAllBut(const QList<FileUrl> &urls);
     void announceSelection(const QSet<FileUrl> &before);
+    void announceRevision(const FileUrl &url);
 
     MediaSelection &m_selection;
+    const ThumbnailRevisions &m_revisions;
     IsVideo m_isVideo;
     QList<FileUrl> m_urls;
     RowRange m_visibleRows;

@@ -31,6 +31,12 @@ public:
     /// nothing: there is no range selection.
     void click(const FileUrl &url, bool isCommandHeld);
 
+    /// A double click: `url` alone, also where it was one of several.
+    void selectAlone(const FileUrl &url) { setUrls({url}); }
+
+    /// The lowest position in `urls` of a selected file; nothing when none of them is.
+    std::optional<int> firstPosition(const QList<FileUrl> &urls) const;
+
     /// An arrow key over the cells `urls`, in display order: starts from the first selected one (from the
     /// first cell when none is) and selects the cell arrived at alone. Gives its position; nothing, and no
     /// change, when there are no cells.

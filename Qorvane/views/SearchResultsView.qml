@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QorvaneStyle
 import QorvaneViews
@@ -7,42 +9,54 @@ FocusScope {
     id: view
 
     required property ContentViewState viewState
+    /// Left free on either side of the grids, where the column is wider than they may be.
+    property int sideMargin: 0
     readonly property int page: viewState.page
     readonly property bool isEmpty: page === GridPage.EmptyTag || page === GridPage.EmptyRating
                                     || page === GridPage.EmptyFolder
 
     MediaGrid {
-        objectName: "photoGrid"
+        id: photos
+
+        gridName: "photoGrid"
         anchors.fill: parent
+        sideMargin: view.sideMargin
         focus: visible
         visible: view.page === GridPage.Photos
         media: view.viewState.photos
+        identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order
         rowPitch: 210
+        onOpened: view.viewState.isDetailViewActive = true
+        onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
 
         delegate: PhotoGridItemView {
-            id: photo
-
-            width: (GridView.view as MediaGrid).columnWidth
-            height: 200
-            onClicked: isCommandHeld => (photo.GridView.view as MediaGrid).select(photo.index, isCommandHeld)
+            grid: photos
         }
     }
 
     MediaGrid {
-        objectName: "resultsGrid"
+        id: results
+
+        gridName: "resultsGrid"
         anchors.fill: parent
+        sideMargin: view.sideMargin
         focus: visible
         visible: view.page === GridPage.Results
         media: view.viewState.results
+        identity: view.viewState.search.isSearching ? "searching" : "found"
         rowPitch: 156
+        onOpened: view.viewState.isDetailViewActive = true
+        onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
 
         delegate: SearchResultItemView {
-            id: result
-
-            width: (GridView.view as MediaGrid).columnWidth
-            height: 140
-            onClicked: isCommandHeld => (result.GridView.view as MediaGrid).select(result.index, isCommandHeld)
+            grid: results
         }
+    }
+
+    MediaCellMenu {
+        id: menu
+
+        actions: view.viewState.actions
     }
 
     BusyIndicator {

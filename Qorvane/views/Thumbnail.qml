@@ -7,42 +7,62 @@ Item {
     id: thumbnail
 
     required property string path
+    /// With another number the picture is loaded again; the one before stays until then.
+    property int revision: 0
+    property color emptyColor: Theme.emptyCell
+    property color progressColor: Theme.secondaryText
     /// A file without a thumbnail arrives as a single clear pixel.
     readonly property bool isLoaded: image.status === Image.Ready && image.implicitWidth > 1
+    property int shownRevision: 0
+
+    function sourceFor(number) {
+        return ThumbnailUrl.source(path, width, height, Theme.cellRadius, number);
+    }
+
+    onPathChanged: {
+        shownRevision = revision;
+        patience.restart();
+    }
 
     Rectangle {
         anchors.fill: parent
         radius: Theme.cellRadius
-        color: Theme.emptyCell
-        visible: !thumbnail.isLoaded || image.opacity < 1
+        color: thumbnail.emptyColor
+        visible: !thumbnail.isLoaded
     }
 
     BusyIndicator {
-        id: indicator
-
+        objectName: "progress"
         anchors.centerIn: parent
-        running: !thumbnail.isLoaded
+        color: thumbnail.progressColor
+        running: !patience.running && !thumbnail.isLoaded
         visible: running
+    }
 
-        // A cell that fills at once shall not flicker.
-        SequentialAnimation on opacity {
-            PropertyAction { value: 0 }
-            PauseAnimation { duration: 300 }
-            NumberAnimation { to: 1; duration: Theme.quick }
-        }
+    // A cell that fills at once shall not flicker.
+    Timer {
+        id: patience
+
+        interval: 300
+        running: true
     }
 
     Image {
         id: image
 
         anchors.fill: parent
-        source: ThumbnailUrl.source(thumbnail.path, thumbnail.width, thumbnail.height, Theme.cellRadius)
+        source: thumbnail.sourceFor(thumbnail.shownRevision)
         sourceSize.width: thumbnail.width
         sourceSize.height: thumbnail.height
-        opacity: thumbnail.isLoaded ? 1 : 0
+        visible: thumbnail.isLoaded
+    }
 
-        Behavior on opacity {
-            NumberAnimation { duration: Theme.quick; easing.type: Theme.easing }
-        }
+    // Fetches the changed picture; as soon as it is there, it is in the engine's cache for the other.
+    Image {
+        visible: false
+        source: thumbnail.shownRevision === thumbnail.revision ? "" : thumbnail.sourceFor(thumbnail.revision)
+        sourceSize.width: thumbnail.width
+        sourceSize.height: thumbnail.height
+        onStatusChanged: if (status === Image.Ready) thumbnail.shownRevision = thumbnail.revision
     }
 }

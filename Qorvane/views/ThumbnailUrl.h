@@ -15,8 +15,9 @@ namespace Qorvane {
 struct ThumbnailRequest
 {
     QString path;
-    QSize size;     ///< logical pixels
-    int radius = 0; ///< of the corners, logical pixels
+    QSize size;       ///< logical pixels
+    int radius = 0;   ///< of the corners, logical pixels
+    int revision = 0; ///< see ThumbnailRevisions; only keeps the answers apart
 
     /// The provider's id for this request, fit to stand in a URL.
     QString toId() const;
@@ -37,7 +38,7 @@ public:
     using QObject::QObject;
 
     /// The image source for the thumbnail of the file at `path`.
-    Q_INVOKABLE QString source(const QString &path, int width, int height, int radius) const;
+    Q_INVOKABLE QString source(const QString &path, int width, int height, int radius, int revision) const;
 };
 
 } // namespace Qorvane

@@ -4,6 +4,7 @@ import QorvaneStyle
 /// The two marks of a video, laid over its picture.
 Item {
     Rectangle {
+        objectName: "videoWord"
         x: 6
         y: 6
         width: word.width + 12
@@ -22,7 +23,27 @@ Item {
         }
     }
 
+    // A shadow of radius 2: what it would blur is drawn as two rings that fade.
     Rectangle {
+        anchors.centerIn: disc
+        width: 44
+        height: 44
+        radius: 22
+        color: "#33000000"
+    }
+
+    Rectangle {
+        anchors.centerIn: disc
+        width: 42
+        height: 42
+        radius: 21
+        color: "#33000000"
+    }
+
+    Rectangle {
+        id: disc
+
+        objectName: "videoDisc"
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.margins: Theme.unit

@@ -132,33 +132,6 @@ TEST_F(ContentViewTest, choosingAnotherFolderEndsTheSearch)
     EXPECT_EQ(state.title(), QStringLiteral("Two"));
 }
 
-TEST_F(ContentViewTest, clicksAndArrowsMoveTheSelection)
-{
-    const QString folder = addFolder(QStringLiteral("Photos"), 6);
-    waitForFrame();
-    click(cell("photoGrid", 0));
-    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 0))});
-    click(cell("photoGrid", 2), Qt::ControlModifier);
-    EXPECT_EQ(state.selection().urls().size(), 2);
-    QTest::keyClick(window.get(), Qt::Key_Right);
-    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 1))});
-    QTest::keyClick(window.get(), Qt::Key_Down);
-    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 4))});
-    QTest::keyClick(window.get(), Qt::Key_Return);
-    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 4))});
-    EXPECT_TRUE(item("photoGrid")->isVisible());
-}
-
-TEST_F(ContentViewTest, anArrowScrollsItsCellIntoView)
-{
-    addFolder(QStringLiteral("Photos"), 40);
-    waitForFrame();
-    click(cell("photoGrid", 0));
-    for (int i = 0; i < 6; ++i)
-        QTest::keyClick(window.get(), Qt::Key_Down);
-    EXPECT_GT(item("photoGrid")->property("contentY").toDouble(), 100);
-}
-
 TEST_F(ContentViewTest, anEmptyFolderSaysSo)
 {
     makeFolder(QStringLiteral("Empty"), 0);

@@ -1,6 +1,10 @@
 #include "views/GridColumns.h"
 
+#include <QVariant>
+
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using Qorvane::GridColumns;
 
@@ -35,7 +39,19 @@ TEST(GridColumns, pitchFitsExactlyCountTimesAtEveryWidth)
     for (int width = 200; width < 4000; ++width) {
         columns.setWidth(width);
         const int span = width + GridColumns::gap;
-        EXPECT_EQ(span / columns.pitch(), columns.count()) << width;
+        EXPECT_EQ(int(span / columns.pitch()), columns.count()) << width;
         EXPECT_GE(columns.columnWidth(), GridColumns::minimumColumnWidth) << width;
+    }
+}
+
+TEST(GridColumns, edgesLieOnPhysicalPixelsAtEveryScale)
+{
+    GridColumns columns;
+    columns.setWidth(931);
+    for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
+        columns.setProperty("devicePixelRatio", QVariant(ratio));
+        for (const double edge : {columns.pitch(), columns.centred(200, columns.columnWidth())})
+            EXPECT_NEAR(edge * ratio, std::round(edge * ratio), 1e-9) << ratio;
+        EXPECT_EQ(int((931 + GridColumns::gap) / columns.pitch()), columns.count()) << ratio;
     }
 }

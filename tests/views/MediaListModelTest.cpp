@@ -1,6 +1,9 @@
 #include "views/MediaListModel.h"
 
+#include "platform/NotificationCenter.h"
+#include "support/Waiting.h"
 #include "views/MediaSelection.h"
+#include "views/ThumbnailRevisions.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -20,7 +23,8 @@ class MediaListModelTest : public testing::Test
 {
 protected:
     MediaSelection selection;
-    MediaListModel model{selection,
+    ThumbnailRevisions revisions;
+    MediaListModel model{selection, revisions,
                          [](const FileUrl &url) { return url.pathExtension() == QLatin1String("mp4"); }};
     QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
     QSignalSpy resets{&model, &QAbstractItemModel::modelReset};
@@ -106,4 +110,40 @@ TEST_F(MediaListModelTest, namesTheFilesInViewAnewAfterAnotherList)
     QSignalSpy announcements(&model, &MediaListModel::visiblePathsChanged);
     model.setViewport(0, 100, 210, 2);
     EXPECT_EQ(announcements.count(), 1);
+}
+
+TEST_F(MediaListModelTest, aChangedPictureConcernsItsRowAlone)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"),
+                                             {{QStringLiteral("url"), QVariant::fromValue(file("b.jpg"))}});
+    ASSERT_TRUE(waitUntil([&changes] { return changes.count() == 1; }));
+    EXPECT_EQ(changes.at(0).at(0).toModelIndex().row(), 1);
+    EXPECT_EQ(changes.at(0).at(2).value<QList<int>>(), QList<int>{MediaListModel::RevisionRole});
+    EXPECT_EQ(model.index(0).data(MediaListModel::RevisionRole).toInt(), 0);
+    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(), 1);
+}
+
+TEST_F(MediaListModelTest, aChangeBeforeTheFileIsListedCounts)
+{
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"),
+                                             {{QStringLiteral("url"), QVariant::fromValue(file("b.jpg"))}});
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"));
+    drainMainQueue();
+    model.setUrls({file("a.jpg"), file("b.jpg")});
+    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(), 1);
+}
+
+TEST_F(MediaListModelTest, namesTheFirstSelectedRowInDisplayOrder)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), -1);
+    selection.setUrls({file("c.jpg"), file("b.jpg"), file("elsewhere.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 1);
+    EXPECT_EQ(model.path(1), QStringLiteral("/photos/b.jpg"));
+    model.selectAlone(2);
+    EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("c.jpg")});
+    model.selectAlone(3);
+    EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("c.jpg")});
 }

@@ -8,6 +8,7 @@
 #include <QQuickTextureFactory>
 #include <QSignalSpy>
 #include <QThread>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -30,13 +31,26 @@ QImage halves(QSize size, QColor left, QColor right)
     return image;
 }
 
-const ThumbnailRequest request{QStringLiteral("/photos/旅行/100% a#b?.jpg"), QSize(200, 200), 8};
+const ThumbnailRequest request{QStringLiteral("/photos/旅行/100% a#b?.jpg"), QSize(200, 200), 8, 3};
 
 } // namespace
 
 TEST(ThumbnailRequest, survivesTheWayThroughAnIdentifier)
 {
     EXPECT_EQ(ThumbnailRequest::fromId(request.toId()), request);
+}
+
+// The engine takes the identifier out of the address in its readable form.
+TEST(ThumbnailRequest, survivesTheWayThroughAnAddress)
+{
+    for (const char *path : {"/photos/旅行/100% a#b?.jpg", "/p/🐶 %20é.jpg", "/p/a%2Fb&c=d+e;.jpg"}) {
+        const QUrl url(ThumbnailUrl().source(QString::fromUtf8(path), 200, 120, 8, 1));
+        const QString id = url.toString(QUrl::RemoveScheme | QUrl::RemoveAuthority).mid(1);
+        const auto read = ThumbnailRequest::fromId(id);
+        ASSERT_TRUE(read.has_value()) << path;
+        EXPECT_EQ(read->path, QString::fromUtf8(path));
+        EXPECT_EQ(read->size, QSize(200, 120));
+    }
 }
 
 TEST(ThumbnailRequest, refusesOtherIdentifiers)

@@ -215,5 +215,17 @@
         <source>尝试使用不同的关键词</source>
         <translation>Try different keywords</translation>
     </message>
+    <message>
+        <source>%1, video</source>
+        <translation>%1, video</translation>
+    </message>
+    <message>
+        <source>Photo</source>
+        <translation>Photo</translation>
+    </message>
+    <message>
+        <source>Open in Finder</source>
+        <translation>Open in File Manager</translation>
+    </message>
 </context>
 </TS>

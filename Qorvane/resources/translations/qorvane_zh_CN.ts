@@ -214,5 +214,17 @@
         <source>尝试使用不同的关键词</source>
         <translation>尝试使用不同的关键词</translation>
     </message>
+    <message>
+        <source>%1, video</source>
+        <translation>%1，视频</translation>
+    </message>
+    <message>
+        <source>Photo</source>
+        <translation>照片</translation>
+    </message>
+    <message>
+        <source>Open in Finder</source>
+        <translation>在文件管理器中打开</translation>
+    </message>
 </context>
 </TS>

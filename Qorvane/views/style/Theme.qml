@@ -14,6 +14,7 @@ QtObject {
     readonly property color field: isDark ? "#343438" : "#EEEEF1"
     readonly property color button: isDark ? "#48484D" : "#EEEEF1"
     readonly property color emptyCell: isDark ? "#2C2C30" : "#ECECEF"
+    readonly property color emptyHit: "#4D8E8E93" // gray at 30 %
     readonly property color popup: isDark ? "#333337" : "#FFFFFF"
     readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
     readonly property color popupLine: isDark ? "#4C4C51" : "#E2E2E6"
@@ -63,6 +64,7 @@ QtObject {
     readonly property int widestContent: 1200
     readonly property int contentPadding: 16
     readonly property int selectionStroke: 3
+    readonly property int focusStroke: 2
 
     // Motion, in milliseconds
     readonly property int quick: Appearance.reducesMotion ? 0 : 120

@@ -1,0 +1,152 @@
+#include "platform/GlobalQueue.h"
+#include "views/GridFixture.h"
+
+#include <QDBusConnection>
+#include <QProcess>
+
+using namespace Qorvane;
+
+namespace {
+
+// Plays the desktop's file manager.
+class FileManager : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+
+public:
+    QStringList m_shown;
+
+public Q_SLOTS:
+    void ShowItems(const QStringList &uris, const QString &) { m_shown += uris; }
+};
+
+const QString connectionName = QStringLiteral("file manager");
+
+/// The window on a message bus of our own, with a file manager of our own on it.
+class CellMenuTest : public GridFixture
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        s_folder = std::make_unique<QTemporaryDir>();
+        s_bus = std::make_unique<QProcess>();
+        s_bus->start(QStringLiteral(QORVANE_DBUS_DAEMON),
+                     {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                      QStringLiteral("--print-address"),
+                      QStringLiteral("--address=unix:tmpdir=") + s_folder->path()});
+        ASSERT_TRUE(s_bus->waitForReadyRead());
+        // Read once in the life of a process.
+        qputenv("DBUS_SESSION_BUS_ADDRESS", s_bus->readLine().trimmed());
+    }
+    static void TearDownTestSuite()
+    {
+        s_bus->kill();
+        s_bus->waitForFinished();
+        s_bus.reset();
+        s_folder.reset();
+    }
+
+    void SetUp() override
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
+        ASSERT_TRUE(bus.registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &fileManager,
+                                       QDBusConnection::ExportAllSlots));
+        ASSERT_TRUE(bus.registerService(QStringLiteral("org.freedesktop.FileManager1")));
+        GridFixture::SetUp();
+    }
+    void TearDown() override
+    {
+        GlobalQueue::waitUntilIdle();
+        QDBusConnection::disconnectFromBus(connectionName);
+    }
+
+    void waitForMenu()
+    {
+        ASSERT_TRUE(waitUntil([this] { return popupItem("openInFinder") != nullptr; }));
+        waitForFrame();
+    }
+    void chooseOpenInFinder()
+    {
+        click(popupItem("openInFinder"));
+        ASSERT_TRUE(waitUntil([this] { return !fileManager.m_shown.isEmpty(); }));
+    }
+
+    static inline std::unique_ptr<QTemporaryDir> s_folder;
+    static inline std::unique_ptr<QProcess> s_bus;
+    FileManager fileManager;
+};
+
+TEST_F(CellMenuTest, openInFinderShowsTheCellsFileAndLeavesTheSelection)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 0);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    clickPicture("photoGrid", 3, {}, Qt::RightButton);
+    waitForMenu();
+    EXPECT_EQ(popupItem("openInFinder")->property("text").toString(), QStringLiteral("Open in Finder"));
+    EXPECT_EQ(selected(), (QSet<FileUrl>{picture(0), picture(1)}));
+    chooseOpenInFinder();
+    EXPECT_EQ(fileManager.m_shown, QStringList{picture(3).absoluteString()});
+    EXPECT_EQ(selected(), (QSet<FileUrl>{picture(0), picture(1)}));
+}
+
+TEST_F(CellMenuTest, onOneOfSeveralSelectedItIsStillThatFileAlone)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 0);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    clickPicture("photoGrid", 1, {}, Qt::RightButton);
+    waitForMenu();
+    chooseOpenInFinder();
+    EXPECT_EQ(fileManager.m_shown, QStringList{picture(1).absoluteString()});
+}
+
+TEST_F(CellMenuTest, aHitHasTheSameMenu)
+{
+    showFolder(4);
+    showResults({2, 3});
+    clickPicture("resultsGrid", 1, {}, Qt::RightButton);
+    waitForMenu();
+    chooseOpenInFinder();
+    EXPECT_EQ(fileManager.m_shown, QStringList{picture(3).absoluteString()});
+    EXPECT_TRUE(selected().isEmpty());
+}
+
+TEST_F(CellMenuTest, theKeyboardOpensItForTheFirstSelectedCellAndBringsThatIntoView)
+{
+    showFolder(60);
+    clickPicture("photoGrid", 2);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    setPosition("photoGrid", 1500);
+    QTest::keyClick(window.get(), Qt::Key_F10, Qt::ShiftModifier);
+    waitForMenu();
+    EXPECT_TRUE(isInView("photoGrid", 1));
+    chooseOpenInFinder();
+    EXPECT_EQ(fileManager.m_shown, QStringList{picture(1).absoluteString()});
+}
+
+TEST_F(CellMenuTest, theMenuKeyOpensItTooAndEscapeClosesIt)
+{
+    showFolder(3);
+    clickPicture("photoGrid", 2);
+    QTest::keyClick(window.get(), Qt::Key_Menu);
+    waitForMenu();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_TRUE(waitUntil([this] { return !popupItem("openInFinder"); }));
+    EXPECT_TRUE(item("photoGrid")->hasActiveFocus());
+}
+
+TEST_F(CellMenuTest, withNothingSelectedTheKeyboardHasNoMenu)
+{
+    showFolder(3);
+    clickPicture("photoGrid", 2);
+    clickPicture("photoGrid", 2, Qt::ControlModifier);
+    QTest::keyClick(window.get(), Qt::Key_Menu);
+    waitForFrame();
+    EXPECT_FALSE(popupItem("openInFinder"));
+}
+
+} // namespace
+
+#include "CellMenuTest.moc"

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "views/ContentViewFixture.h"
+
+#include <QWheelEvent>
+
+namespace Qorvane {
+
+/// The real window with a folder of photographs in its grid.
+class GridFixture : public ContentViewFixture
+{
+protected:
+    // Adds a folder of so many pictures and waits until its first cell can be clicked.
+    void showFolder(int pictureCount)
+    {
+        folder = addFolder(QStringLiteral("Photos"), pictureCount);
+        ASSERT_TRUE(waitUntil([this] { return cell("photoGrid", 0) != nullptr; }));
+        waitForFrame();
+    }
+
+    // Searches, finding these pictures of the folder, and waits for their cells.
+    void showResults(const QList<int> &pictures)
+    {
+        for (const int picture : pictures)
+            found.append({FileUrl::file(fileUrl(folder, picture)), 0.4f, 0.1f});
+        click(item("searchField"));
+        type(QStringLiteral("x"));
+        ASSERT_TRUE(waitUntil([this] { return item("resultsGrid")->isVisible(); }));
+        ASSERT_TRUE(waitUntil([this] { return cell("resultsGrid", 0) != nullptr; }));
+        waitForFrame();
+    }
+
+    FileUrl picture(int index) const { return FileUrl::file(fileUrl(folder, index)); }
+    QSet<FileUrl> selected() { return state.selection().urls(); }
+
+    QPoint middleOf(QQuickItem *target) const
+    {
+        auto *const body = target->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
+        return body->mapToScene(QPointF(body->width() / 2, body->height() / 2)).toPoint();
+    }
+    void clickPicture(const char *grid, int index, Qt::KeyboardModifiers modifiers = {},
+                      Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseClick(window.get(), button, modifiers, middleOf(cell(grid, index)));
+    }
+    void doubleClickPicture(const char *grid, int index)
+    {
+        clickPicture(grid, index);
+        QTest::mouseDClick(window.get(), Qt::LeftButton, {}, middleOf(cell(grid, index)));
+    }
+
+    double position(const char *grid) const { return item(grid)->property("contentY").toDouble(); }
+    // Scrolls as the scroll bar does.
+    void setPosition(const char *grid, double position)
+    {
+        item(grid)->setProperty("contentY", position);
+        waitForFrame();
+    }
+    void turnWheel(const char *grid, int angle)
+    {
+        const QPointF place = item(grid)->mapToScene(QPointF(300, 300));
+        QTest::mouseMove(window.get(), place.toPoint());
+        QWheelEvent event(place, window->mapToGlobal(place), {}, QPoint(0, angle), Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(window.get(), &event);
+    }
+    // The line of a cell lies in view as a whole.
+    bool isInView(const char *grid, int index) const
+    {
+        QQuickItem *const target = cell(grid, index);
+        if (!target)
+            return false;
+        const double top = target->mapToItem(item(grid), QPointF()).y();
+        return top >= 0 && top + target->height() <= item(grid)->height();
+    }
+
+    QString folder;
+};
+
+} // namespace Qorvane

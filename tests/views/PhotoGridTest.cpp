@@ -1,0 +1,366 @@
+#include "platform/NotificationCenter.h"
+#include "platform/desktop/DesktopAppearance.h"
+#include "views/GridFixture.h"
+
+#include <QAccessible>
+#include <QFile>
+#include <QSignalSpy>
+
+using namespace Qorvane;
+
+namespace {
+
+class PhotoGridTest : public GridFixture
+{
+protected:
+    int columns() const
+    {
+        int count = 1;
+        const double top = cell("photoGrid", 0)->y();
+        while (cell("photoGrid", count) && cell("photoGrid", count)->y() == top)
+            ++count;
+        return count;
+    }
+
+    QQuickItem *thumbnail(int index) const
+    {
+        return cell("photoGrid", index)->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
+    }
+    QColor shownColour(int index)
+    {
+        return window->grabWindow().pixelColor(middleOf(cell("photoGrid", index)));
+    }
+};
+
+} // namespace
+
+TEST_F(PhotoGridTest, aPlainClickOnOneOfSeveralLeavesItAlone)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 0);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    clickPicture("photoGrid", 2, Qt::ControlModifier);
+    ASSERT_EQ(selected().size(), 3);
+    clickPicture("photoGrid", 1);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+}
+
+TEST_F(PhotoGridTest, aCommandClickOnTheOnlySelectedOneLeavesNothing)
+{
+    showFolder(2);
+    clickPicture("photoGrid", 1);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    EXPECT_TRUE(selected().isEmpty());
+}
+
+TEST_F(PhotoGridTest, shiftMeansNothing)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 0);
+    clickPicture("photoGrid", 3, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(3)});
+    clickPicture("photoGrid", 2, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(selected(), (QSet<FileUrl>{picture(2), picture(3)}));
+}
+
+TEST_F(PhotoGridTest, aClickTakesTheKeys)
+{
+    showFolder(3);
+    click(item("searchField"));
+    clickPicture("photoGrid", 0);
+    EXPECT_TRUE(item("photoGrid")->hasActiveFocus());
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+}
+
+TEST_F(PhotoGridTest, aDoubleClickSelectsFirstAndThenOpens)
+{
+    showFolder(3);
+    clickPicture("photoGrid", 0);
+    QTest::qWait(0);
+    const QPoint place = middleOf(cell("photoGrid", 2));
+    QTest::mousePress(window.get(), Qt::LeftButton, Qt::ControlModifier, place);
+    QTest::mouseRelease(window.get(), Qt::LeftButton, Qt::ControlModifier, place);
+    EXPECT_EQ(selected(), (QSet<FileUrl>{picture(0), picture(2)}));
+    EXPECT_FALSE(state.isDetailViewActive());
+    QTest::mouseDClick(window.get(), Qt::LeftButton, Qt::ControlModifier, place);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(2)});
+    EXPECT_TRUE(state.isDetailViewActive());
+}
+
+TEST_F(PhotoGridTest, returnAndSpaceOpenNothing)
+{
+    showFolder(3);
+    clickPicture("photoGrid", 1);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_PageDown, Qt::Key_End})
+        QTest::keyClick(window.get(), key);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+    EXPECT_FALSE(state.isDetailViewActive());
+}
+
+TEST_F(PhotoGridTest, downFromTheLineBeforeAShorterOneLandsOnTheLastCell)
+{
+    showFolder(12);
+    const int inLine = columns();
+    ASSERT_GT(inLine, 1);
+    const int last = 2 * inLine; // alone in the third line
+    for (int i = last + 1; i < 12; ++i)
+        ASSERT_TRUE(QFile::remove(picture(i).path()));
+    library.loadImages();
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == last + 1 && cell("photoGrid", last); }));
+    waitForFrame();
+    clickPicture("photoGrid", last - 1);
+    QTest::keyClick(window.get(), Qt::Key_Down);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(last)});
+}
+
+TEST_F(PhotoGridTest, anArrowStartsFromTheFirstOfSeveral)
+{
+    showFolder(8);
+    clickPicture("photoGrid", 3);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(2)});
+}
+
+TEST_F(PhotoGridTest, arrowsStayAtTheEdgesAndRepeatWhileHeld)
+{
+    showFolder(5);
+    clickPicture("photoGrid", 1);
+    clickPicture("photoGrid", 0, Qt::ControlModifier);
+    for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Up}) {
+        QTest::keyClick(window.get(), key);
+        EXPECT_EQ(selected(), QSet<FileUrl>{picture(0)});
+    }
+    for (int i = 0; i < 9; ++i) {
+        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Right, {}, QString(), i > 0);
+        QCoreApplication::sendEvent(window.get(), &repeat);
+    }
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(4)});
+}
+
+TEST_F(PhotoGridTest, anArrowBringsItsCellIntoViewInAMotion)
+{
+    showFolder(60);
+    clickPicture("photoGrid", 0);
+    QSignalSpy steps(item("photoGrid"), SIGNAL(contentYChanged()));
+    for (int i = 0; i < 5; ++i)
+        QTest::keyClick(window.get(), Qt::Key_Down);
+    const int row = state.photos()->firstSelectedRow();
+    ASSERT_EQ(row, 5 * columns());
+    EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", row); }));
+    EXPECT_GT(steps.count(), 2);
+}
+
+TEST_F(PhotoGridTest, withoutMotionAnArrowBringsItsCellIntoViewAtOnce)
+{
+    DesktopAppearance::shared().applySetting(QStringLiteral("org.gnome.desktop.interface"),
+                                             QStringLiteral("enable-animations"), false);
+    showFolder(60);
+    clickPicture("photoGrid", 0);
+    for (int i = 0; i < 5; ++i)
+        QTest::keyClick(window.get(), Qt::Key_Down);
+    const double place = position("photoGrid");
+    EXPECT_GT(place, 100);
+    waitForFrame();
+    EXPECT_EQ(position("photoGrid"), place);
+    EXPECT_TRUE(isInView("photoGrid", state.photos()->firstSelectedRow()));
+    DesktopAppearance::shared().applySetting(QStringLiteral("org.gnome.desktop.interface"),
+                                             QStringLiteral("enable-animations"), true);
+}
+
+TEST_F(PhotoGridTest, anotherSortOrderBeginsAtTheTop)
+{
+    showFolder(60);
+    const double top = position("photoGrid");
+    setPosition("photoGrid", 900);
+    library.setSortOrder(SortOrder::descending);
+    EXPECT_TRUE(
+        waitUntil([&] { return cell("photoGrid", 0) && state.photos()->urls().at(0) == picture(59); }));
+    EXPECT_EQ(position("photoGrid"), top);
+
+    setPosition("photoGrid", 900);
+    library.setSortCriterion(SortCriterion::modificationDate);
+    EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top; }));
+}
+
+TEST_F(PhotoGridTest, theSameSortOrderAgainLeavesThePlace)
+{
+    showFolder(60);
+    setPosition("photoGrid", 900);
+    library.setSortOrder(library.sortOrder());
+    library.setSortCriterion(library.sortCriterion());
+    waitForFrame();
+    EXPECT_EQ(position("photoGrid"), 900);
+}
+
+TEST_F(PhotoGridTest, aChangedPictureIsLoadedAgainAndTheOldOneStaysUntilThen)
+{
+    showFolder(2);
+    ASSERT_TRUE(waitUntil([&] { return thumbnail(0)->property("isLoaded").toBool(); }));
+    const QString cached = QorManage::thumbnailURL(picture(0))->path();
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(cached); }));
+    QImage green(320, 240, QImage::Format_RGB32);
+    green.fill(QColor(0, 200, 0));
+    ASSERT_TRUE(green.save(cached));
+    bool wasEmpty = false;
+    QSignalSpy emptied(thumbnail(0), SIGNAL(isLoadedChanged()));
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"),
+                                             {{QStringLiteral("url"), QVariant::fromValue(picture(0))}});
+    EXPECT_TRUE(waitUntil([&] {
+        wasEmpty = wasEmpty || !thumbnail(0)->property("isLoaded").toBool();
+        return thumbnail(0)->property("shownRevision").toInt() == 1;
+    }));
+    waitForFrame();
+    EXPECT_TRUE(waitUntil([&] {
+        const QColor colour = shownColour(0);
+        return colour.green() > 150 && colour.red() < 60;
+    }));
+    EXPECT_FALSE(wasEmpty);
+    EXPECT_EQ(emptied.count(), 0);
+    EXPECT_GT(shownColour(1).red(), 150); // the other cell keeps its own
+}
+
+TEST_F(PhotoGridTest, theSelectedOneIsRinged)
+{
+    showFolder(3);
+    ASSERT_TRUE(waitUntil([&] { return thumbnail(1)->property("isLoaded").toBool(); }));
+    clickPicture("photoGrid", 1);
+    QTest::mouseMove(window.get(), QPoint(5, 5));
+    waitForFrame();
+    const QPoint edge = thumbnail(1)->mapToScene(QPointF(1, 100)).toPoint();
+    const QImage shown = window->grabWindow();
+    EXPECT_EQ(shown.pixelColor(edge), QColor(QStringLiteral("#0A6CFF")));
+    EXPECT_EQ(shown.pixelColor(edge + QPoint(1, 0)), QColor(QStringLiteral("#0A6CFF")));
+    EXPECT_NE(shown.pixelColor(edge + QPoint(4, 0)), QColor(QStringLiteral("#0A6CFF")));
+}
+
+TEST_F(PhotoGridTest, videosAreMarked)
+{
+    const QString path = makeFolder(QStringLiteral("Videos"), 1);
+    QFile video(path + QStringLiteral("/clip.mp4"));
+    ASSERT_TRUE(video.open(QIODevice::WriteOnly));
+    video.write("not a video");
+    video.close();
+    state.addFolders({QUrl::fromLocalFile(path)});
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 2 && cell("photoGrid", 1); }));
+    waitForFrame();
+    // Sorted by name, the video is first.
+    EXPECT_TRUE(itemBelow(cell("photoGrid", 0), "videoWord"));
+    EXPECT_TRUE(itemBelow(cell("photoGrid", 0), "videoDisc"));
+    EXPECT_FALSE(itemBelow(cell("photoGrid", 1), "videoWord"));
+    QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(cell("photoGrid", 0));
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("clip.mp4, video"));
+    const QPoint badge = thumbnail(0)->mapToScene(QPointF(8, 9)).toPoint();
+    EXPECT_EQ(window->grabWindow().pixelColor(badge), QColor(QStringLiteral("#E0352B")));
+}
+
+TEST_F(PhotoGridTest, cellsTellScreenReadersWhatTheyAre)
+{
+    showFolder(2);
+    clickPicture("photoGrid", 1);
+    QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(cell("photoGrid", 1));
+    EXPECT_EQ(interface->role(), QAccessible::ListItem);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("img1.jpg"));
+    EXPECT_TRUE(interface->state().selected);
+    interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+    QAccessibleInterface *const other = QAccessible::queryAccessibleInterface(cell("photoGrid", 0));
+    EXPECT_FALSE(other->state().selected);
+    other->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(0)});
+}
+
+TEST_F(PhotoGridTest, theCellThatArrowsStartFromShowsToWhoeverCameByKeyboard)
+{
+    showFolder(3);
+    const auto ring = [this] { return itemBelow(cell("photoGrid", 0), "selectionRing"); };
+    EXPECT_FALSE(ring());
+    item("photoGrid")->forceActiveFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(ring());
+    clickPicture("photoGrid", 1);
+    clickPicture("photoGrid", 1, Qt::ControlModifier);
+    EXPECT_FALSE(ring());
+}
+
+TEST_F(PhotoGridTest, theWheelScrollsInAMotionAndStopsAtTheEnds)
+{
+    showFolder(60);
+    const double top = position("photoGrid");
+    turnWheel("photoGrid", -120);
+    EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 120; }));
+    // Turned on before it arrived, it adds up.
+    turnWheel("photoGrid", -120);
+    turnWheel("photoGrid", -120);
+    EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 360; }));
+    turnWheel("photoGrid", 120 * 50);
+    EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top; }));
+    turnWheel("photoGrid", -120 * 500);
+    EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", 59); }));
+}
+
+TEST_F(PhotoGridTest, draggingAPictureWithTheMouseMovesNothing)
+{
+    showFolder(60);
+    const double top = position("photoGrid");
+    const QPoint start = middleOf(cell("photoGrid", 4));
+    QTest::mouseMove(window.get(), start);
+    QTest::mousePress(window.get(), Qt::LeftButton, {}, start);
+    for (int step = 1; step <= 10; ++step)
+        QTest::mouseMove(window.get(), start - QPoint(0, 15 * step));
+    QTest::mouseRelease(window.get(), Qt::LeftButton, {}, start - QPoint(0, 150));
+    waitForFrame();
+    EXPECT_EQ(position("photoGrid"), top);
+}
+
+TEST_F(PhotoGridTest, theScrollBarFollowsTheMouse)
+{
+    showFolder(100);
+    const double top = position("photoGrid");
+    QQuickItem *const bar = item("photoGridScrollBar");
+    ASSERT_TRUE(bar && bar->isVisible());
+    const QPoint head = bar->mapToScene(QPointF(bar->width() / 2, 6)).toPoint();
+    QTest::mouseMove(window.get(), head);
+    QTest::mousePress(window.get(), Qt::LeftButton, {}, head);
+    QTest::mouseMove(window.get(), head + QPoint(0, 60));
+    QTest::mouseMove(window.get(), head + QPoint(0, 200));
+    QTest::mouseRelease(window.get(), Qt::LeftButton, {}, head + QPoint(0, 200));
+    const double dragged = position("photoGrid");
+    EXPECT_GT(dragged, top + 300);
+    // A click in the groove goes there.
+    const QPoint low = bar->mapToScene(QPointF(bar->width() / 2, bar->height() - 4)).toPoint();
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, low);
+    EXPECT_GT(position("photoGrid"), dragged + 300);
+}
+
+TEST_F(PhotoGridTest, pagesInTheMiddleOfAWideColumnAndScrollsBesideThem)
+{
+    showFolder(60);
+    auto *const view = item("photoGrid")->parentItem()->parentItem();
+    view->setProperty("sideMargin", 150);
+    waitForFrame();
+    EXPECT_EQ(item("photoGrid")->width(), view->width() - 300);
+    EXPECT_EQ(
+        item("photoGridScrollBar")->mapToItem(view, QPointF(item("photoGridScrollBar")->width(), 0)).x(),
+        view->width());
+    const double top = position("photoGrid");
+    const QPointF beside = view->mapToScene(QPointF(60, 300));
+    QTest::mouseMove(window.get(), beside.toPoint());
+    QWheelEvent event(beside, window->mapToGlobal(beside), {}, QPoint(0, -120), Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(window.get(), &event);
+    EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 120; }));
+}
+
+TEST_F(PhotoGridTest, anEmptyCellShowsThatItIsWaiting)
+{
+    const QString path = makeFolder(QStringLiteral("Broken"), 0);
+    QFile broken(path + QStringLiteral("/broken.jpg"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("no picture");
+    broken.close();
+    state.addFolders({QUrl::fromLocalFile(path)});
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 1 && cell("photoGrid", 0); }));
+    EXPECT_TRUE(waitUntil([&] { return itemBelow(cell("photoGrid", 0), "progress") != nullptr; }));
+    EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());
+}

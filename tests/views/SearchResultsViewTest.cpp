@@ -1,0 +1,160 @@
+#include "views/GridFixture.h"
+
+#include <QSignalSpy>
+
+using namespace Qorvane;
+
+namespace {
+
+using SearchResultsViewTest = GridFixture;
+
+QStringList textsBelow(QQuickItem *top)
+{
+    QStringList texts;
+    if (!top->isVisible())
+        return texts;
+    if (const QString text = top->property("text").toString(); !text.isEmpty())
+        texts.append(text);
+    for (QQuickItem *const child : top->childItems())
+        texts += textsBelow(child);
+    return texts;
+}
+
+} // namespace
+
+TEST_F(SearchResultsViewTest, showsTheHitsInTheirRankWhateverTheSortOrder)
+{
+    showFolder(6);
+    library.setSortOrder(SortOrder::descending);
+    showResults({4, 0, 2});
+    const auto names = [this] {
+        QStringList list;
+        for (int i = 0; i < 3; ++i)
+            list.append(cell("resultsGrid", i)->property("name").toString());
+        return list;
+    };
+    const QStringList ranked{QStringLiteral("img4.jpg"), QStringLiteral("img0.jpg"),
+                             QStringLiteral("img2.jpg")};
+    EXPECT_EQ(names(), ranked);
+    library.setSortOrder(SortOrder::ascending);
+    library.setSortCriterion(SortCriterion::creationDate);
+    waitForFrame();
+    EXPECT_EQ(names(), ranked);
+}
+
+TEST_F(SearchResultsViewTest, aQueryThatFindsNothingSaysSoUntilTheFieldIsEmptied)
+{
+    showFolder(3);
+    click(item("searchField"));
+    type(QStringLiteral("x"));
+    ASSERT_TRUE(waitUntil([&] { return item("noResultsPage")->isVisible(); }));
+    EXPECT_EQ(textsBelow(item("noResultsPage")),
+              (QStringList{QStringLiteral("没有找到匹配的图片"), QStringLiteral("尝试使用不同的关键词")}));
+    EXPECT_FALSE(item("photoGrid")->isVisible());
+    QTest::keyClick(window.get(), Qt::Key_Backspace);
+    EXPECT_TRUE(item("photoGrid")->isVisible());
+    EXPECT_FALSE(item("noResultsPage")->isVisible());
+}
+
+TEST_F(SearchResultsViewTest, aRunningSearchHidesTheHitsOfTheOneBefore)
+{
+    showFolder(3);
+    showResults({1});
+    bool wasHidden = false;
+    QObject::connect(&state, &ContentViewState::pageChanged, &state, [&] {
+        wasHidden = wasHidden || (item("searchingPage")->isVisible() && !item("resultsGrid")->isVisible() &&
+                                  state.results()->count() == 1);
+    });
+    QTest::keyClick(window.get(), Qt::Key_Y);
+    EXPECT_TRUE(waitUntil([&] { return wasHidden && item("resultsGrid")->isVisible(); }));
+}
+
+TEST_F(SearchResultsViewTest, aClickSelectsAHitAndCommandAddsOne)
+{
+    showFolder(6);
+    showResults({4, 0, 2});
+    clickPicture("resultsGrid", 0);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(4)});
+    EXPECT_TRUE(item("resultsGrid")->hasActiveFocus());
+    clickPicture("resultsGrid", 2, Qt::ControlModifier);
+    EXPECT_EQ(selected(), (QSet<FileUrl>{picture(4), picture(2)}));
+}
+
+TEST_F(SearchResultsViewTest, arrowsWalkTheHits)
+{
+    showFolder(6);
+    showResults({4, 0, 2});
+    clickPicture("resultsGrid", 0);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(0)});
+    QTest::keyClick(window.get(), Qt::Key_Down);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(2)});
+}
+
+TEST_F(SearchResultsViewTest, aDoubleClickOpensAHitFromOutsideTheFolder)
+{
+    showFolder(3);
+    const QString elsewhere = makeFolder(QStringLiteral("Elsewhere"), 1);
+    found.append({FileUrl::file(fileUrl(elsewhere, 0)), 0.5f, 0.2f});
+    showResults({1});
+    ASSERT_FALSE(state.photos()->urls().contains(FileUrl::file(fileUrl(elsewhere, 0))));
+    doubleClickPicture("resultsGrid", 0);
+    EXPECT_EQ(selected(), QSet<FileUrl>{FileUrl::file(fileUrl(elsewhere, 0))});
+    EXPECT_TRUE(state.isDetailViewActive());
+}
+
+TEST_F(SearchResultsViewTest, aHitWhoseFileIsGoneKeepsItsCellAndItsCachedPicture)
+{
+    showFolder(2);
+    const QString cached = QorManage::thumbnailURL(picture(1))->path();
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(cached); }));
+    ASSERT_TRUE(QFile::remove(picture(1).path()));
+    showResults({1, 0});
+    auto *const thumbnail = cell("resultsGrid", 0)->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
+    EXPECT_TRUE(waitUntil([&] { return thumbnail->property("isLoaded").toBool(); }));
+}
+
+TEST_F(SearchResultsViewTest, deletedFilesLeaveAtOnceAndTheSelectionStays)
+{
+    showFolder(4);
+    showResults({3, 1, 0});
+    clickPicture("resultsGrid", 1);
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImagesDeleted"),
+                                             {{QStringLiteral("paths"), QStringList{picture(1).path()}}});
+    ASSERT_TRUE(waitUntil([&] { return state.results()->count() == 2; }));
+    EXPECT_EQ(state.results()->urls(), (QList<FileUrl>{picture(3), picture(0)}));
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+}
+
+TEST_F(SearchResultsViewTest, aCellIsAPictureOverItsName)
+{
+    showFolder(1);
+    const QString name = QStringLiteral("一张名字非常非常非常非常非常非常非常非常长的照片 🐶🎉.jpg");
+    ASSERT_TRUE(QFile::copy(picture(0).path(), home.filePath(name)));
+    found.append({FileUrl::file(home.filePath(name)), 0.5f, 0.2f});
+    showResults({});
+    auto *const thumbnail = cell("resultsGrid", 0)->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
+    EXPECT_EQ(QSizeF(thumbnail->width(), thumbnail->height()), QSizeF(180, 120));
+    EXPECT_TRUE(waitUntil([&] { return thumbnail->property("isLoaded").toBool(); }));
+    auto *const caption = cell("resultsGrid", 0)->findChild<QQuickItem *>(QStringLiteral("caption"));
+    EXPECT_EQ(caption->property("text").toString(), name);
+    EXPECT_TRUE(caption->property("truncated").toBool());
+    EXPECT_EQ(caption->property("elide").toInt(), int(Qt::ElideMiddle));
+    EXPECT_LE(caption->y() + caption->height(), cell("resultsGrid", 0)->height());
+    // Neither number of a hit is shown.
+    EXPECT_EQ(textsBelow(cell("resultsGrid", 0)), QStringList{name});
+}
+
+TEST_F(SearchResultsViewTest, anotherSearchBeginsAtTheTop)
+{
+    showFolder(60);
+    QList<int> all;
+    for (int i = 0; i < 60; ++i)
+        all.append(i);
+    showResults(all);
+    const double top = position("resultsGrid");
+    setPosition("resultsGrid", 700);
+    QTest::keyClick(window.get(), Qt::Key_Y);
+    ASSERT_TRUE(waitUntil([&] { return queries.size() == 2 && item("resultsGrid")->isVisible(); }));
+    EXPECT_EQ(position("resultsGrid"), top);
+}
