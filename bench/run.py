@@ -85,6 +85,23 @@ PROGRAMS = {
         Figure("starter: precomputing all tags, first start", "first_pass_ms", None, " ms", needs_starter=True),
         Figure("starter: the same, second start", "second_pass_ms", None, " ms", needs_starter=True),
     ]),
+    "grid": ("window/GridBenchmark", [
+        Figure("50,000 photographs scroll by in 5 s: frames, p95", "scroll_5s_p95_ms", 16, " ms"),
+        Figure("the same: longest frame", "scroll_5s_longest_ms", 50, " ms"),
+        Figure("the same: memory's growth", "scroll_5s_growth_mb", 60, " MB"),
+        Figure("the same in 60 s: frames, p95", "scroll_60s_p95_ms", 16, " ms"),
+        Figure("the same: longest frame", "scroll_60s_longest_ms", 50, " ms"),
+        Figure("the same: memory's growth", "scroll_60s_growth_mb", 60, " MB"),
+        Figure("folder of 2,000, cached: first thumbnail", "folder_2000_first_ms", 150, " ms"),
+        Figure("the same: all thumbnails in view", "folder_2000_all_ms", None, " ms"),
+        Figure("folder of 50,000, cached: first thumbnail", "folder_50000_first_ms", None, " ms"),
+        Figure("typing a query: longest frame", "typing_longest_ms", 16, " ms"),
+        Figure("emptying the field: longest frame", "emptying_longest_ms", 16, " ms"),
+    ]),
+    "start": ("window/StartBenchmark", [
+        Figure("start to first painted window, 50,000 rows", "start_painted_ms", 700, " ms"),
+        Figure("start to encoders loaded", "start_loaded_ms", None, " ms"),
+    ]),
     "first-search": ("embedding/FirstSearchBenchmark", [
         Figure("starter: first key to the first search's hits", "answered_ms", 1000, " ms", needs_starter=True),
         Figure("starter: first key to encoders loaded", "loaded_ms", None, " ms", needs_starter=True),

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace Qorvane::ProcessMemory {
+
+/// What of this process is in memory now, in kibibytes.
+double resident();
+
+} // namespace Qorvane::ProcessMemory
