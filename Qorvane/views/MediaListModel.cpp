@@ -3,6 +3,8 @@
 #include "views/MediaSelection.h"
 #include "views/ThumbnailRevisions.h"
 
+#include <algorithm>
+
 namespace Qorvane {
 
 namespace {
@@ -56,12 +58,34 @@ void MediaListModel::setUrls(const QList<FileUrl> &urls)
     if (isShortenedFrom(m_urls, urls)) {
         removeAllBut(urls);
     } else {
-        beginResetModel();
-        m_urls = urls;
-        endResetModel();
+        replaceAll(urls);
     }
     Q_EMIT countChanged();
     Q_EMIT firstSelectedRowChanged();
+}
+
+void MediaListModel::replaceAll(const QList<FileUrl> &urls)
+{
+    const int before = count();
+    const int common = int(std::min(m_urls.size(), urls.size()));
+    if (common == 0) {
+        beginResetModel();
+        m_urls = urls;
+        endResetModel();
+        return;
+    }
+    if (before > common) {
+        beginRemoveRows({}, common, before - 1);
+        m_urls.resize(common);
+        endRemoveRows();
+    }
+    std::copy_n(urls.cbegin(), common, m_urls.begin());
+    Q_EMIT dataChanged(index(0), index(common - 1));
+    if (urls.size() > common) {
+        beginInsertRows({}, common, int(urls.size()) - 1);
+        m_urls = urls;
+        endInsertRows();
+    }
 }
 
 void MediaListModel::removeAllBut(const QList<FileUrl> &urls)

@@ -43,7 +43,7 @@ public:
 
     const QList<FileUrl> &urls() const { return m_urls; }
     /// Replaces the list. A list that only lost entries loses their rows and keeps the others in place; any
-    /// other change rebuilds the grid from the top.
+    /// other change gives the rows other files, and adds or removes rows at the end: cells are dear to make.
     void setUrls(const QList<FileUrl> &urls);
     int count() const { return int(m_urls.size()); }
     int firstSelectedRow() const;
@@ -71,6 +71,7 @@ Q_SIGNALS:
 
 private:
     void removeAllBut(const QList<FileUrl> &urls);
+    void replaceAll(const QList<FileUrl> &urls);
     void announceSelection(const QSet<FileUrl> &before);
     void announceRevision(const FileUrl &url);
 

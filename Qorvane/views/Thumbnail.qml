@@ -31,12 +31,15 @@ Item {
         visible: !thumbnail.isLoaded
     }
 
-    BusyIndicator {
-        objectName: "progress"
+    // Made for the few that need it: cells come into being many at a time.
+    Loader {
         anchors.centerIn: parent
-        color: thumbnail.progressColor
-        running: !patience.running && !thumbnail.isLoaded
-        visible: running
+        active: !patience.running && !thumbnail.isLoaded
+        sourceComponent: BusyIndicator {
+            objectName: "progress"
+            running: true
+        }
+        onLoaded: (item as BusyIndicator).color = Qt.binding(() => thumbnail.progressColor)
     }
 
     // A cell that fills at once shall not flicker.

@@ -43,12 +43,18 @@ TEST_F(MediaListModelTest, showsPathNameAndKindOfEachFile)
     EXPECT_TRUE(model.index(1).data(MediaListModel::IsVideoRole).toBool());
 }
 
-TEST_F(MediaListModelTest, anotherListResetsTheGrid)
+TEST_F(MediaListModelTest, anotherListKeepsTheRowsForOtherFiles)
 {
-    model.setUrls({file("a.jpg"), file("b.jpg")});
-    model.setUrls({file("b.jpg"), file("a.jpg")});
-    EXPECT_EQ(resets.count(), 2);
-    EXPECT_EQ(model.index(0).data(MediaListModel::NameRole).toString(), QStringLiteral("b.jpg"));
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    QSignalSpy insertions(&model, &QAbstractItemModel::rowsInserted);
+    model.setUrls({file("b.jpg"), file("x.jpg")});
+    EXPECT_EQ(model.urls(), (QList<FileUrl>{file("b.jpg"), file("x.jpg")}));
+    EXPECT_EQ(removals.count(), 1);
+    model.setUrls({file("y.jpg"), file("b.jpg"), file("z.jpg"), file("a.jpg")});
+    EXPECT_EQ(insertions.count(), 1);
+    EXPECT_EQ(resets.count(), 1);
+    EXPECT_EQ(model.index(0).data(MediaListModel::NameRole).toString(), QStringLiteral("y.jpg"));
+    EXPECT_EQ(model.index(3).data(MediaListModel::NameRole).toString(), QStringLiteral("a.jpg"));
 }
 
 TEST_F(MediaListModelTest, theSameListChangesNothing)
