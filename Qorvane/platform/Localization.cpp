@@ -62,6 +62,11 @@ QString localizedFormat(const char *key, qint64 first, qint64 second)
     return text;
 }
 
+QString localizedCount(const char *key, int count)
+{
+    return QCoreApplication::translate(Localization::context, key, nullptr, count);
+}
+
 void Localization::remove()
 {
     installed() = {};

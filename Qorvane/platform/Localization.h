@@ -13,6 +13,9 @@ QString localized(const char *key);
 /// Any thread.
 QString localizedFormat(const char *key, qint64 first, qint64 second);
 
+/// The text behind `key` with %n put in, in the form that the language has for this number. Any thread.
+QString localizedCount(const char *key, int count);
+
 namespace Localization {
 
 /// The context of every key in the translation files.
