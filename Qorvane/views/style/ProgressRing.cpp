@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <chrono>
 
 namespace Qorvane {
 
@@ -15,6 +16,8 @@ constexpr double smallestShare = 0.02;
 // QPainter counts arcs in sixteenths of a degree, anticlockwise from three o'clock.
 constexpr int fullCircle = 360 * 16;
 constexpr int top = 90 * 16;
+// Half the frames of the screen: nobody sees more in so small a picture, and a run needs the time.
+constexpr std::chrono::milliseconds step(33);
 
 } // namespace
 
@@ -22,14 +25,61 @@ ProgressRing::ProgressRing(QQuickItem *parent)
     : QQuickPaintedItem(parent)
 {
     setAntialiasing(true);
+    m_sweep.setInterval(step);
+    connect(&m_sweep, &QTimer::timeout, this, &ProgressRing::sweep);
 }
 
 void ProgressRing::setProgress(double progress)
 {
     if (m_progress == progress)
         return;
+    if (isSweeping())
+        sweep(); // to where the ring would be now: the next turn begins there
     m_progress = progress;
+    // Backwards only when another stage begins, or another row is drawn: nothing that has to be watched.
+    if (isVisible() && sweepDuration() > 0 && m_progress > m_shown) {
+        m_sweepStart = m_shown;
+        m_sweepTime.start();
+        if (!isSweeping()) // reports that come faster than steps mustn't hold them back
+            m_sweep.start();
+    } else {
+        settle();
+    }
     Q_EMIT progressChanged();
+}
+
+void ProgressRing::setSweepDuration(int milliseconds)
+{
+    if (sweepDuration() == milliseconds)
+        return;
+    m_sweepDuration = milliseconds;
+    if (milliseconds == 0)
+        settle();
+    Q_EMIT sweepDurationChanged();
+}
+
+void ProgressRing::itemChange(ItemChange change, const ItemChangeData &value)
+{
+    if (change == ItemVisibleHasChanged && !value.boolValue)
+        settle();
+    QQuickPaintedItem::itemChange(change, value);
+}
+
+void ProgressRing::sweep()
+{
+    const double turn = double(m_sweepTime.elapsed() % m_sweepDuration) / m_sweepDuration;
+    show(m_sweepStart + (m_progress - m_sweepStart) * turn);
+}
+
+void ProgressRing::settle()
+{
+    m_sweep.stop();
+    show(m_progress);
+}
+
+void ProgressRing::show(double progress)
+{
+    m_shown = progress;
     update();
 }
 
@@ -57,7 +107,7 @@ void ProgressRing::paint(QPainter *painter)
     painter->setPen(QPen(track, lineWidth));
     painter->drawEllipse(circle);
     painter->setPen(QPen(m_color, lineWidth, Qt::SolidLine, Qt::RoundCap));
-    painter->drawArc(circle, top, -int(fullCircle * drawnShare(m_progress)));
+    painter->drawArc(circle, top, -int(fullCircle * drawnShare(m_shown)));
 }
 
 } // namespace Qorvane

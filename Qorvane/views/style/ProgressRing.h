@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QQuickPaintedItem>
+#include <QTimer>
 
 namespace Qorvane {
 
@@ -13,6 +15,9 @@ class ProgressRing : public QQuickPaintedItem
     QML_ELEMENT
     /// 0 to 1. What is drawn is never less than a sliver of 0.02, so that a run that has just begun shows.
     Q_PROPERTY(double progress READ progress WRITE setProgress NOTIFY progressChanged)
+    /// How long the ring takes to what a change of `progress` made it, in milliseconds; it then does so
+    /// again, for ever, as long as it is seen. 0 for no motion.
+    Q_PROPERTY(int sweepDuration READ sweepDuration WRITE setSweepDuration NOTIFY sweepDurationChanged)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
 
 public:
@@ -20,9 +25,14 @@ public:
 
     double progress() const { return m_progress; }
     void setProgress(double progress);
+    int sweepDuration() const { return m_sweepDuration; }
+    void setSweepDuration(int milliseconds);
     QColor color() const { return m_color; }
     void setColor(const QColor &color);
 
+    /// The progress that is drawn now.
+    double shownProgress() const { return m_shown; }
+    bool isSweeping() const { return m_sweep.isActive(); }
     /// The share of the circle that is drawn for `progress`.
     static double drawnShare(double progress);
 
@@ -30,10 +40,23 @@ public:
 
 Q_SIGNALS:
     void progressChanged();
+    void sweepDurationChanged();
     void colorChanged();
 
+protected:
+    void itemChange(ItemChange change, const ItemChangeData &value) override;
+
 private:
+    void sweep();
+    void show(double progress);
+    void settle();
+
     double m_progress = 0;
+    double m_shown = 0;
+    int m_sweepDuration = 0;
+    double m_sweepStart = 0;
+    QElapsedTimer m_sweepTime;
+    QTimer m_sweep;
     QColor m_color;
 };
 

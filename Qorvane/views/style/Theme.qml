@@ -61,6 +61,9 @@ QtObject {
     readonly property int toolbarHeight: 52
     readonly property int iconSize: 18
     readonly property int controlHeight: 30
+    readonly property int sidebarHeaderHeight: 32
+    readonly property int sidebarIconX: 13
+    readonly property int sidebarIconGap: 6
     readonly property int widestContent: 1200
     readonly property int contentPadding: 16
     readonly property int selectionStroke: 3
@@ -69,5 +72,6 @@ QtObject {
     // Motion, in milliseconds
     readonly property int quick: Appearance.reducesMotion ? 0 : 120
     readonly property int panel: Appearance.reducesMotion ? 0 : 200
+    readonly property int ring: Appearance.reducesMotion ? 0 : 1000
     readonly property int easing: Easing.OutCubic
 }
