@@ -1,7 +1,6 @@
 #include "views/ContentViewState.h"
 
 #include "library/QorManage.h"
-#include "library/SidebarItem.h"
 #include "platform/FileAttributes.h"
 #include "platform/GlobalQueue.h"
 #include "platform/Localization.h"
@@ -10,15 +9,15 @@
 #include "views/ThumbnailQueue.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <chrono>
+#include <utility>
 
 namespace Qorvane {
 
 namespace {
 
-// A run reports every file, and skips thousands in a second; nobody sees more than a frame's worth of them.
-constexpr auto frame = std::chrono::milliseconds(16);
 // A window that has just come up may not have the keys yet.
 constexpr auto settling = std::chrono::milliseconds(100);
 
@@ -43,7 +42,7 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
                                    std::shared_ptr<ThumbnailQueue> thumbnails, QObject *parent)
     : QObject(parent)
     , m_qorManager(qorManager)
-    , m_folders([this](const FileUrl &folder) { return progressOf(folder); })
+    , m_sidebar(qorManager)
     , m_photos(m_selection, m_revisions, isVideo)
     , m_results(m_selection, m_revisions, isVideo)
     , m_search(searchSources(qorManager, std::move(search)))
@@ -62,35 +61,30 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
 
 void ContentViewState::followLibrary()
 {
-    const auto takeFolders = [this] { m_folders.setFolders(m_qorManager.libraryFolders()); };
     const auto takeImages = [this] {
         m_photos.setUrls(m_qorManager.imageURLs());
         updatePage();
     };
-    // From the first report on, not from the last: a flood of them must not hold the refresh back.
-    m_progressRefresh.setSingleShot(true);
-    m_progressRefresh.setInterval(frame);
-    connect(&m_progressRefresh, &QTimer::timeout, &m_folders, &FolderListModel::refreshProgress);
-    const auto refreshProgress = [this] {
-        if (!m_progressRefresh.isActive())
-            m_progressRefresh.start();
-    };
-    connect(&m_qorManager, &QorManage::libraryFoldersChanged, this, takeFolders);
     connect(&m_qorManager, &QorManage::imageURLsChanged, this, takeImages);
     connect(&m_qorManager, &QorManage::isLoadingChanged, this, &ContentViewState::updatePage);
-    // The last of the three that every report writes: by then they belong together.
-    connect(&m_qorManager, &QorManage::folderProcessingDetailsChanged, this, refreshProgress);
-    connect(&m_qorManager, &QorManage::selectedFolderChanged, this, [this] {
-        reset();
-        markSelectedFolder();
-        updatePage();
-        Q_EMIT titleChanged();
-    });
-    connect(&m_qorManager, &QorManage::selectedRatingChanged, this, [this] {
-        reset();
-        updatePage();
-        Q_EMIT titleChanged();
-    });
+    // The library announces equal writes too, and the sidebar makes them: whoever picks a tag empties the
+    // other two.
+    connect(&m_qorManager, &QorManage::selectedFolderChanged, this,
+            [this, last = m_qorManager.selectedFolder()]() mutable {
+                if (std::exchange(last, m_qorManager.selectedFolder()) == last)
+                    return;
+                reset();
+                updatePage();
+                Q_EMIT titleChanged();
+            });
+    connect(&m_qorManager, &QorManage::selectedRatingChanged, this,
+            [this, last = m_qorManager.selectedRating()]() mutable {
+                if (std::exchange(last, m_qorManager.selectedRating()) == last)
+                    return;
+                reset();
+                updatePage();
+                Q_EMIT titleChanged();
+            });
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
     // the text changes.
     connect(&m_qorManager, &QorManage::selectedTagChanged, this, [this] {
@@ -98,9 +92,7 @@ void ContentViewState::followLibrary()
         updatePage();
         Q_EMIT titleChanged();
     });
-    takeFolders();
     takeImages();
-    markSelectedFolder();
 }
 
 void ContentViewState::reset()
@@ -185,28 +177,6 @@ void ContentViewState::addFolders(const QList<QUrl> &urls)
     });
 }
 
-void ContentViewState::selectSidebarItem(const QString &id)
-{
-    if (m_sidebarSelection == id)
-        return;
-    m_sidebarSelection = id;
-    m_folders.setSelectedId(id);
-    m_qorManager.setSelectedTag(std::nullopt);
-    m_qorManager.setSelectedRating(std::nullopt);
-    // Finds nothing for a folder whose address holds a "-": such a row can be marked, but not opened. Wanted.
-    m_qorManager.setSelectedFolder(m_qorManager.folderForSidebarSelection(id));
-}
-
-void ContentViewState::markSelectedFolder()
-{
-    // A row that the user chose stays marked, whatever the library makes of it.
-    const std::optional<Folder> folder = m_qorManager.selectedFolder();
-    if (m_sidebarSelection || !folder)
-        return;
-    m_sidebarSelection = SidebarItem{*folder, SidebarItem::ItemType::library}.id();
-    m_folders.setSelectedId(m_sidebarSelection);
-}
-
 void ContentViewState::updatePage()
 {
     const GridPage::Page page = GridPage::pageFor({
@@ -223,13 +193,6 @@ void ContentViewState::updatePage()
         return;
     m_page = page;
     Q_EMIT pageChanged();
-}
-
-FolderProgress ContentViewState::progressOf(const FileUrl &folder) const
-{
-    const QString &path = folder.path();
-    return {m_qorManager.processingState(folder), m_qorManager.folderProcessingProgress().value(path, 0),
-            m_qorManager.folderProcessingDetails().value(path)};
 }
 
 } // namespace Qorvane

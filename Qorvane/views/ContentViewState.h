@@ -2,18 +2,17 @@
 
 #include "platform/desktop/FolderPanel.h"
 #include "views/ColumnFocus.h"
-#include "views/FolderListModel.h"
 #include "views/GridPage.h"
 #include "views/MediaActions.h"
 #include "views/MediaListModel.h"
 #include "views/MediaSelection.h"
 #include "views/SearchController.h"
 #include "views/SelectedMedia.h"
+#include "views/Sidebar.h"
 #include "views/Sorting.h"
 #include "views/ThumbnailRevisions.h"
 
 #include <QObject>
-#include <QTimer>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
@@ -32,7 +31,7 @@ class ContentViewState : public QObject
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The window's owner makes it.")
-    Q_PROPERTY(Qorvane::FolderListModel *folders READ folders CONSTANT)
+    Q_PROPERTY(Qorvane::Sidebar *sidebar READ sidebar CONSTANT)
     Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
     Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
     Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
@@ -58,7 +57,7 @@ public:
     ContentViewState(QorManage &qorManager, Search search, std::shared_ptr<ThumbnailQueue> thumbnails,
                      QObject *parent = nullptr);
 
-    FolderListModel *folders() { return &m_folders; }
+    Sidebar *sidebar() { return &m_sidebar; }
     MediaListModel *photos() { return &m_photos; }
     MediaListModel *results() { return &m_results; }
     SearchController *search() { return &m_search; }
@@ -84,8 +83,6 @@ public:
     /// Adds the folders among `urls` to the library, in their order; other files, and what isn't
     /// on this machine, are passed over.
     Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
-    /// A click on the sidebar row with this id.
-    Q_INVOKABLE void selectSidebarItem(const QString &id);
 
 Q_SIGNALS:
     void pageChanged();
@@ -99,14 +96,12 @@ private:
     void followLibrary();
     void followSearch();
     void reset();
-    void markSelectedFolder();
     void updatePage();
-    FolderProgress progressOf(const FileUrl &folder) const;
 
     QorManage &m_qorManager;
     FolderPanel m_folderPanel{this};
     MediaSelection m_selection;
-    FolderListModel m_folders;
+    Sidebar m_sidebar;
     ThumbnailRevisions m_revisions;
     MediaActions m_actions;
     MediaListModel m_photos;
@@ -117,8 +112,6 @@ private:
     Sorting m_sorting;
     bool m_isDetailViewActive = false;
     bool m_isInspectorCollapsed = false;
-    QTimer m_progressRefresh;
-    std::optional<QString> m_sidebarSelection;
     GridPage::Page m_page = GridPage::NothingSelected;
 };
 

@@ -1,94 +1,79 @@
 import QtQuick
-import QtQuick.Templates as T
 import QorvaneStyle
-import QorvaneViews
 
-/// A folder of the library: its name, and how far its background run has come.
-T.ItemDelegate {
+/// A folder in the sidebar: its name, how far its background run has come, and a star for a favourite.
+Item {
     id: row
 
-    required property ContentViewState viewState
-    required property int index
     required property string name
-    required property string itemId
+    required property bool isFlat
     required property int depth
     required property bool hasChildren
     required property bool isExpanded
     required property bool isSelected
+    required property bool isFavorite
     required property int runState
     required property double progress
-    required property string detail
-    readonly property color ink: isSelected ? Theme.accentInk : Theme.text
+    required property string percent
 
-    implicitHeight: Theme.rowHeight
-    leftPadding: Theme.unit + 2 + depth * Theme.contentPadding
-    rightPadding: Theme.contentPadding
-    hoverEnabled: true
-    focusPolicy: Qt.NoFocus
-    text: name
-    Accessible.role: Accessible.TreeItem
-    Accessible.name: name
-    Accessible.description: detail
-    Accessible.selected: isSelected
-    onClicked: viewState.selectSidebarItem(itemId)
+    signal toggled
 
-    background: Rectangle {
-        anchors.fill: parent
-        anchors.leftMargin: Theme.unit
-        anchors.rightMargin: Theme.unit
-        radius: Theme.rowRadius
-        color: row.isSelected ? Theme.accentFill : row.hovered ? Theme.hover : "transparent"
+    DisclosureButton {
+        objectName: "disclosure"
+        x: Theme.unit + 2 + row.depth * Theme.contentPadding
+        anchors.verticalCenter: parent.verticalCenter
+        isExpanded: row.isExpanded
+        ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
+        visible: row.hasChildren
+        onClicked: row.toggled()
     }
 
-    Item {
-        anchors.fill: parent
-        anchors.leftMargin: row.leftPadding
-        anchors.rightMargin: row.rightPadding
+    Icon {
+        id: icon
 
-        DisclosureButton {
-            id: disclosure
+        x: row.isFlat ? Theme.sidebarIconX : 30 + row.depth * Theme.contentPadding
+        anchors.verticalCenter: parent.verticalCenter
+        name: "folder"
+        size: 16
+        color: row.isSelected ? Theme.accentInk : Theme.accent
+    }
 
-            anchors.verticalCenter: parent.verticalCenter
-            isExpanded: row.isExpanded
-            ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
-            visible: row.hasChildren
-            onClicked: row.viewState.folders.toggle(row.index)
-        }
+    Label {
+        anchors.left: icon.right
+        anchors.leftMargin: Theme.sidebarIconGap
+        anchors.right: marks.left
+        anchors.rightMargin: marks.width > 0 ? 4 : 0
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.name
+        color: row.isSelected ? Theme.accentInk : Theme.text
+        Accessible.ignored: true
+    }
 
-        Icon {
-            id: folderIcon
+    // The name gives way to these.
+    Row {
+        id: marks
 
-            x: 20
-            anchors.verticalCenter: parent.verticalCenter
-            name: "folder"
-            size: 16
-            color: row.isSelected ? Theme.accentInk : Theme.accent
-        }
-
-        Label {
-            anchors.left: folderIcon.right
-            anchors.leftMargin: 6
-            anchors.right: indicator.left
-            anchors.rightMargin: indicator.width > 0 ? 6 : 0
-            anchors.verticalCenter: parent.verticalCenter
-            text: row.name
-            color: row.ink
-            Accessible.ignored: true
-        }
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.contentPadding
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 4
 
         ProcessingIndicator {
-            id: indicator
-
-            anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             runState: row.runState
             progress: row.progress
+            percent: row.percent
             standsOnAccent: row.isSelected
+            visible: width > 0
         }
-    }
 
-    ToolTip {
-        text: row.detail
-        visible: row.hovered && row.detail !== ""
+        Icon {
+            objectName: "favoriteStar"
+            anchors.verticalCenter: parent.verticalCenter
+            name: "star.fill"
+            size: 13
+            color: row.isSelected ? Theme.accentInk : Theme.star
+            visible: row.isFavorite
+        }
     }
 }

@@ -8,15 +8,17 @@ Row {
 
     required property int runState
     required property double progress
+    /// The progress in words: "62%".
+    required property string percent
     /// Stands on a selected row, where everything is drawn in one ink.
     property bool standsOnAccent: false
 
-    readonly property bool isRunning: runState === FolderListModel.Thumbnails
-                                      || runState === FolderListModel.Vectors
-    readonly property string stage: runState === FolderListModel.Thumbnails
+    readonly property bool isRunning: runState === SidebarListModel.Thumbnails
+                                      || runState === SidebarListModel.Vectors
+    readonly property string stage: runState === SidebarListModel.Thumbnails
                                     ? qsTranslate("Qorvane", "Preview") : qsTranslate("Qorvane", "AI Analysis")
     readonly property color ink: standsOnAccent ? Theme.accentInk
-                                 : runState === FolderListModel.Thumbnails ? Theme.orange : Theme.blue
+                                 : runState === SidebarListModel.Thumbnails ? Theme.orange : Theme.blue
 
     spacing: 4
 
@@ -26,6 +28,7 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
         visible: indicator.isRunning
         progress: indicator.progress
+        sweepDuration: Theme.ring
         color: indicator.ink
         Accessible.role: Accessible.ProgressBar
         Accessible.name: caption.text
@@ -36,7 +39,7 @@ Row {
 
         anchors.verticalCenter: parent.verticalCenter
         visible: indicator.isRunning
-        text: indicator.stage + " " + Math.floor(indicator.progress * 100) + "%"
+        text: indicator.stage + " " + indicator.percent
         font.pixelSize: Theme.caption2Size
         color: indicator.ink
     }
@@ -45,7 +48,7 @@ Row {
         width: 16
         height: 16
         anchors.verticalCenter: parent.verticalCenter
-        visible: indicator.runState === FolderListModel.Completed
+        visible: indicator.runState === SidebarListModel.Completed
 
         Icon {
             anchors.centerIn: parent

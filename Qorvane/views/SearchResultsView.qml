@@ -95,7 +95,7 @@ FocusScope {
         objectName: "nothingSelectedPage"
         anchors.fill: parent
         visible: view.page === GridPage.NothingSelected
-        isLibraryEmpty: view.viewState.folders.count === 0
+        isLibraryEmpty: view.viewState.sidebar.isLibraryEmpty
         onAddFolderRequested: view.viewState.chooseFolders()
     }
 }

@@ -2,7 +2,7 @@ import QtQuick
 import QorvaneStyle
 import QorvaneViews
 
-/// The left column: the library's folders and the button that adds some.
+/// The left column: favourites, the library's folders, ratings and tags, and the button that adds folders.
 Rectangle {
     id: sidebar
 
@@ -10,7 +10,7 @@ Rectangle {
 
     /// Gives the keys to the list.
     function takeFocus() {
-        list.forceActiveFocus();
+        list.takeFocus();
     }
 
     color: Theme.sidebar
@@ -26,27 +26,13 @@ Rectangle {
         onClicked: sidebar.viewState.chooseFolders()
     }
 
-    Label {
-        id: header
-
-        x: Theme.contentPadding
-        y: Theme.toolbarHeight + Theme.unit
-        text: qsTranslate("Qorvane", "照片库")
-        font.pixelSize: Theme.captionSize
-        font.weight: Font.DemiBold
-        color: Theme.secondaryText
-        visible: list.count > 0
-        Accessible.role: Accessible.Heading
-    }
-
-    FolderList {
+    SidebarList {
         id: list
 
-        objectName: "folderList"
+        objectName: "sidebarList"
         anchors.fill: parent
-        anchors.topMargin: header.y + header.height + 6
-        anchors.bottomMargin: Theme.unit
-        viewState: sidebar.viewState
+        anchors.topMargin: Theme.toolbarHeight
+        sidebar: sidebar.viewState.sidebar
     }
 
     Rectangle {

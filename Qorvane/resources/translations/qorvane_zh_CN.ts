@@ -223,8 +223,68 @@
         <translation>照片</translation>
     </message>
     <message>
+        <source>Favorites</source>
+        <translation>个人收藏</translation>
+    </message>
+    <message>
+        <source>Favorite</source>
+        <translation>已收藏</translation>
+    </message>
+    <message>
+        <source>Ratings</source>
+        <translation>评分</translation>
+    </message>
+    <message>
+        <source>Tags</source>
+        <translation>标签</translation>
+    </message>
+    <message>
+        <source>No tags</source>
+        <translation>无标签</translation>
+    </message>
+    <message>
+        <source>Add to Favorites</source>
+        <translation>添加到个人收藏</translation>
+    </message>
+    <message>
+        <source>Remove from Favorites</source>
+        <translation>从个人收藏中移除</translation>
+    </message>
+    <message>
         <source>Open in Finder</source>
         <translation>在文件管理器中打开</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Expanded</source>
+        <translation>已展开</translation>
+    </message>
+    <message>
+        <source>Collapsed</source>
+        <translation>已折叠</translation>
+    </message>
+    <message>
+        <source>Sidebar</source>
+        <translation>边栏</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1，%2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n stars</source>
+        <translation>
+            <numerusform>%n 星</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n items</source>
+        <translation>
+            <numerusform>%n 项</numerusform>
+        </translation>
     </message>
 </context>
 </TS>

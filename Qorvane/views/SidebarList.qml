@@ -1,0 +1,119 @@
+import QtQuick
+import QtQuick.Templates as T
+import QorvaneStyle
+import QorvaneViews
+
+/// The sidebar's rows, of which only those in view exist.
+ListView {
+    id: list
+
+    required property Sidebar sidebar
+    /// Whether the user moves by keys, so that the row they act on has to show.
+    property bool isKeyed: false
+
+    function showCurrentRow() {
+        currentIndex = sidebar.currentRow;
+        if (currentIndex > 1)
+            positionViewAtIndex(currentIndex, ListView.Contain);
+        else if (currentIndex >= 0)
+            positionViewAtBeginning(); // the header is above the first row
+    }
+
+    /// The keys are the list's; the user came by the pointer, or wasn't asked.
+    function takeFocus() {
+        forceActiveFocus();
+        isKeyed = false;
+    }
+
+    function rowAt(position) {
+        return indexAt(position.x, position.y + contentY);
+    }
+
+    function openMenu(row, item, x, y) {
+        if (sidebar.openMenu(row))
+            menu.popup(item, x, y);
+    }
+
+    function openMenuOfCurrentRow() {
+        if (currentItem !== null)
+            openMenu(currentIndex, currentItem, Theme.contentPadding, currentItem.height);
+    }
+
+    clip: true
+    activeFocusOnTab: true
+    keyNavigationEnabled: false
+    currentIndex: -1
+    highlightMoveDuration: 0
+    boundsBehavior: Flickable.StopAtBounds
+    bottomMargin: Theme.unit
+    reuseItems: true
+    model: sidebar.rows
+    Accessible.role: Accessible.Tree
+    Accessible.name: qsTranslate("Qorvane", "Sidebar")
+    T.ScrollBar.vertical: ScrollBar {}
+    Component.onCompleted: showCurrentRow()
+    onActiveFocusChanged: isKeyed = activeFocus
+
+    Keys.onMenuPressed: openMenuOfCurrentRow()
+    Keys.onPressed: event => {
+        isKeyed = true;
+        if (event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier) {
+            openMenuOfCurrentRow();
+            event.accepted = true;
+        } else if (!(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier))) {
+            event.accepted = sidebar.pressKey(event.key, event.text);
+        }
+    }
+
+    Connections {
+        target: list.sidebar
+
+        function onCurrentRowChanged() {
+            list.showCurrentRow();
+        }
+    }
+
+    delegate: SidebarDelegate {
+        width: (ListView.view as SidebarList).width
+        sidebar: (ListView.view as SidebarList).sidebar
+        showsFocus: activeFocus && (ListView.view as SidebarList).isKeyed
+        onPointedAt: (ListView.view as SidebarList).takeFocus()
+    }
+
+    Rectangle {
+        parent: list
+        anchors.fill: parent
+        anchors.margins: 2
+        radius: Theme.rowRadius
+        color: "transparent"
+        border.width: 2
+        border.color: Theme.accent
+        visible: list.activeFocus && list.isKeyed && list.currentIndex < 0
+    }
+
+    // Beside the rows: nothing is chosen then, and a search covers the whole library.
+    TapHandler {
+        parent: list
+        onTapped: point => {
+            if (list.rowAt(point.position) < 0) {
+                list.takeFocus();
+                list.sidebar.deselect();
+            }
+        }
+    }
+
+    TapHandler {
+        parent: list
+        acceptedButtons: Qt.RightButton
+        onTapped: point => {
+            list.takeFocus();
+            list.openMenu(list.rowAt(point.position), list, point.position.x, point.position.y);
+        }
+    }
+
+    SidebarContextMenu {
+        id: menu
+
+        menu: list.sidebar.menu
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "library/Folder.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace Qorvane {
+
+class QorManage;
+
+/// The id of the sidebar's selected row, kept in step with the library's selected tag, rating and folder in
+/// both directions. GUI thread.
+class SidebarSelection : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `qorManager` outlives this object.
+    explicit SidebarSelection(QorManage &qorManager, QObject *parent = nullptr);
+
+    const std::optional<QString> &id() const { return m_id; }
+    /// The user's choice; none deselects. One that is chosen already changes nothing.
+    void select(const std::optional<QString> &id);
+
+Q_SIGNALS:
+    /// Before the library is told: whoever draws the rows marks the new one first.
+    void idChanged();
+
+private:
+    void tellLibrary();
+    void selectRating();
+    void followFolder();
+    void followTag();
+    void followRating();
+
+    QorManage &m_qorManager;
+    std::optional<QString> m_id;
+    // What the library had selected last: it announces every write, equal ones too.
+    std::optional<Folder> m_folder;
+    std::optional<QString> m_tag;
+    std::optional<int> m_rating;
+};
+
+} // namespace Qorvane

@@ -1,0 +1,48 @@
+#include "views/SidebarTexts.h"
+
+#include "platform/Localization.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace Qorvane {
+
+namespace {
+
+QString withCount(const QString &name, const std::optional<int> &count)
+{
+    return count ? localized("%1, %2").arg(name, localizedCount("%n items", *count)) : name;
+}
+
+} // namespace
+
+QString SidebarTexts::countText(const SidebarRow &row)
+{
+    return row.count ? QLocale().toString(*row.count) : QString();
+}
+
+QString SidebarTexts::percentText(double progress)
+{
+    const double percent = std::isfinite(progress) ? std::trunc(progress * 100) : 0;
+    return QLocale().toString(qint64(percent)) + u'%';
+}
+
+QString SidebarTexts::spokenName(const SidebarRow &row)
+{
+    switch (row.kind) {
+    case SidebarRow::Kind::rating:
+        return withCount(localizedCount("%n stars", row.rating), row.count);
+    case SidebarRow::Kind::tag:
+        return withCount(row.name, row.count);
+    case SidebarRow::Kind::folder:
+        return row.isFavorite ? localized("%1, %2").arg(row.name, localized("Favorite")) : row.name;
+    case SidebarRow::Kind::header:
+    case SidebarRow::Kind::favorite:
+    case SidebarRow::Kind::noTags:
+        break;
+    }
+    return row.name;
+}
+
+} // namespace Qorvane

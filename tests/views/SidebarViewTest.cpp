@@ -1,0 +1,421 @@
+#include "store/EmbeddingStore.h"
+#include "views/ContentViewFixture.h"
+#include "views/style/ProgressRing.h"
+
+#include <QAccessible>
+#include <QSignalSpy>
+
+using namespace Qorvane;
+
+namespace {
+
+/// The sidebar in the real window, over a real library.
+class SidebarViewTest : public ContentViewFixture
+{
+protected:
+    ~SidebarViewTest() override
+    {
+        for (const QString &tag : EmbeddingStore::shared().listAllTags())
+            EmbeddingStore::shared().deleteTagGlobally(tag);
+    }
+
+    QList<SidebarRow> rows() { return state.sidebar()->rows()->rows(); }
+
+    int indexOf(const QString &name, SidebarRow::Kind kind)
+    {
+        const QList<SidebarRow> list = rows();
+        const auto match = std::ranges::find_if(
+            list, [&](const SidebarRow &row) { return row.name == name && row.kind == kind; });
+        return match == list.cend() ? -1 : int(match - list.cbegin());
+    }
+
+    /// The row as it is drawn.
+    QQuickItem *row(const QString &name, SidebarRow::Kind kind = SidebarRow::Kind::folder)
+    {
+        waitForFrame();
+        return cell("sidebarList", indexOf(name, kind));
+    }
+
+    QString selected()
+    {
+        QStringList names;
+        for (const SidebarRow &row : rows()) {
+            if (state.sidebar()->rows()->isSelected(row))
+                names.append(row.name);
+        }
+        return names.join(u' ');
+    }
+
+    void giveTags(const QStringList &tags)
+    {
+        for (const QString &tag : tags)
+            EmbeddingStore::shared().addTag(QStringLiteral("/p/a.jpg"), tag);
+        library.refreshAllTags();
+        ASSERT_TRUE(waitUntil([&] { return library.allTags().size() == tags.size(); }));
+    }
+
+    // A folder without pictures in it is through with its run at once.
+    QString addEmptyFolder(const QString &name, const QStringList &children = {})
+    {
+        const QString path = makeFolder(name, 0);
+        for (const QString &child : children)
+            QDir(path).mkpath(child);
+        state.addFolders({QUrl::fromLocalFile(path)});
+        EXPECT_TRUE(waitUntil([&] { return indexOf(name, SidebarRow::Kind::folder) >= 0; }));
+        EXPECT_TRUE(waitUntil([&] { return library.selectedFolder().has_value(); }));
+        EXPECT_TRUE(waitUntil([&] {
+            return library.processingState(FileUrl::directory(path)) == FolderProcessingState::completed;
+        }));
+        return path;
+    }
+
+    void addFavorite(const QString &path)
+    {
+        const Folder folder = *library.folderWithAbsoluteString(FileUrl::directory(path).absoluteString());
+        library.addToFavorites(folder);
+        ASSERT_TRUE(waitUntil([&] { return library.favoriteFolders().contains(folder); }));
+    }
+
+    void rightClick(QQuickItem *target)
+    {
+        const QPointF middle(target->width() / 2, target->height() / 2);
+        QTest::mouseClick(window.get(), Qt::RightButton, {}, target->mapToScene(middle).toPoint());
+    }
+
+    /// The entries that the open menu shows, by the names of the items.
+    QStringList entries()
+    {
+        QStringList names;
+        for (const char *name : {"removeFromFavorites", "addToFavorites", "openInFinder", "delete"}) {
+            if (popupItem(name))
+                names.append(QLatin1String(name));
+        }
+        return names;
+    }
+
+    bool isOpen() { return popupItem("openInFinder") || popupItem("delete"); }
+
+    QStringList openMenuOf(QQuickItem *target)
+    {
+        rightClick(target);
+        EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
+        waitForFrame();
+        return entries();
+    }
+
+    void choose(const char *entry)
+    {
+        ASSERT_TRUE(waitUntil([&] { return popupItem(entry) != nullptr; }));
+        waitForFrame();
+        click(popupItem(entry));
+        ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    }
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(window.get(), key, modifiers);
+    }
+
+    static QString textOf(QAccessible::Text kind, QQuickItem *target)
+    {
+        QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(target);
+        return interface ? interface->text(kind) : QString();
+    }
+
+    static QList<QQuickItem *> allBelow(QQuickItem *top)
+    {
+        QList<QQuickItem *> items{top};
+        for (QQuickItem *const child : top->childItems())
+            items += allBelow(child);
+        return items;
+    }
+
+    /// Every text that a row shows.
+    static QStringList textsOf(QQuickItem *top)
+    {
+        QStringList texts;
+        for (QQuickItem *const item : allBelow(top)) {
+            if (item->isVisible() && item->inherits("QQuickLabel") &&
+                !item->property("text").toString().isEmpty())
+                texts.append(item->property("text").toString());
+        }
+        return texts;
+    }
+};
+
+} // namespace
+
+TEST_F(SidebarViewTest, clicksSelectFoldersRatingsAndTags)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    giveTags({QStringLiteral("Beach")});
+    click(row(QStringLiteral("★★"), SidebarRow::Kind::rating));
+    EXPECT_EQ(library.selectedRating(), 2);
+    click(row(QStringLiteral("Beach"), SidebarRow::Kind::tag));
+    EXPECT_EQ(library.selectedTag(), QStringLiteral("Beach"));
+    EXPECT_EQ(library.selectedRating(), std::nullopt);
+    click(row(QStringLiteral("Photos")));
+    EXPECT_TRUE(library.selectedFolder().has_value());
+    EXPECT_EQ(selected(), QStringLiteral("Photos"));
+}
+
+TEST_F(SidebarViewTest, aClickOnEitherRowOfAFavouriteMarksTheClickedOne)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    addFavorite(path);
+    for (const SidebarRow::Kind kind : {SidebarRow::Kind::favorite, SidebarRow::Kind::folder}) {
+        click(row(QStringLiteral("Photos"), kind));
+        EXPECT_EQ(library.selectedFolder()->url.path(), path);
+        EXPECT_EQ(state.sidebar()->rows()->selectedRow(), indexOf(QStringLiteral("Photos"), kind));
+        EXPECT_EQ(selected(), QStringLiteral("Photos")) << "one row only";
+    }
+}
+
+TEST_F(SidebarViewTest, withoutTagsNothingCanBeSelectedThere)
+{
+    click(row(QStringLiteral("★"), SidebarRow::Kind::rating));
+    click(row(QStringLiteral("No tags"), SidebarRow::Kind::noTags));
+    EXPECT_EQ(selected(), QStringLiteral("★"));
+    click(row(QStringLiteral("Ratings"), SidebarRow::Kind::header));
+    EXPECT_EQ(selected(), QStringLiteral("★"));
+}
+
+TEST_F(SidebarViewTest, aClickBesideTheRowsSelectsNothing)
+{
+    click(row(QStringLiteral("★"), SidebarRow::Kind::rating));
+    const QQuickItem *const list = item("sidebarList");
+    const QPointF below = list->mapToScene(QPointF(list->width() / 2, list->height() - 4));
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, below.toPoint());
+    EXPECT_EQ(selected(), QString());
+    EXPECT_EQ(library.selectedRating(), std::nullopt);
+}
+
+TEST_F(SidebarViewTest, deletingTheSelectedTagLeavesNoRowSelected)
+{
+    giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
+    click(row(QStringLiteral("Beach"), SidebarRow::Kind::tag));
+    EXPECT_EQ(openMenuOf(row(QStringLiteral("Beach"), SidebarRow::Kind::tag)), QStringList{"delete"});
+    choose("delete");
+    ASSERT_TRUE(waitUntil([this] { return library.allTags() == QStringList{"Food"}; }));
+    EXPECT_EQ(library.selectedTag(), std::nullopt);
+    EXPECT_EQ(selected(), QString());
+}
+
+TEST_F(SidebarViewTest, aTagAndAFolderShowWhatTheyAre)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    EmbeddingStore::shared().addTag(QStringLiteral("/p/b.jpg"), QStringLiteral("Beach"));
+    giveTags({QStringLiteral("Beach")});
+    ASSERT_TRUE(waitUntil(
+        [this] { return rows().at(indexOf(QStringLiteral("Beach"), SidebarRow::Kind::tag)).count == 2; }));
+    EXPECT_EQ(textsOf(row(QStringLiteral("Beach"), SidebarRow::Kind::tag)), QStringList({"Beach", "(2)"}));
+    EXPECT_EQ(textsOf(row(QStringLiteral("★★"), SidebarRow::Kind::rating)), QStringList({"★★", "0"}));
+    EXPECT_EQ(textsOf(row(QStringLiteral("Photos"))), QStringList({"Photos"}));
+}
+
+TEST_F(SidebarViewTest, countsFollowARatingAtOnce)
+{
+    const auto count = [this] {
+        return rows().at(indexOf(QStringLiteral("★★★★"), SidebarRow::Kind::rating)).count;
+    };
+    ASSERT_TRUE(waitUntil([&] { return count() == 0; }));
+    library.setRating(4, FileUrl::file(QStringLiteral("/p/a.jpg")));
+    EXPECT_TRUE(waitUntil([&] { return count() == 1; }));
+    library.clearRating(FileUrl::file(QStringLiteral("/p/a.jpg")));
+    EXPECT_TRUE(waitUntil([&] { return count() == 0; }));
+}
+
+TEST_F(SidebarViewTest, aRunThatHasJustBegunShowsASliverAndZeroPercent)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    library.setProcessing(path, FolderProcessingState::thumbnails, 0, QStringLiteral("缩略图：0/9"));
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    ASSERT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "Preview 0%"}); }));
+    auto *const ring = photos->findChild<ProgressRing *>();
+    ASSERT_TRUE(ring && ring->isVisible());
+    EXPECT_EQ(ring->shownProgress(), 0);
+    EXPECT_EQ(ProgressRing::drawnShare(ring->shownProgress()), 0.02);
+    EXPECT_EQ(ring->size(), QSizeF(16, 16));
+
+    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "AI Analysis 62%"}); }));
+    EXPECT_TRUE(waitUntil([&] { return ring->isSweeping(); }));
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos"}); }));
+    EXPECT_FALSE(ring->isSweeping());
+}
+
+TEST_F(SidebarViewTest, aLongNameGivesWayToTheRun)
+{
+    const QString name = QStringLiteral("A folder with a name that is much longer than the sidebar is wide");
+    const QString path = addEmptyFolder(name);
+    library.setProcessing(path, FolderProcessingState::vectors, 0.99, std::nullopt);
+    QQuickItem *const folder = row(name);
+    ASSERT_TRUE(waitUntil([&] { return textsOf(folder).size() == 2; }));
+    waitForFrame();
+    QQuickItem *label = nullptr;
+    QQuickItem *caption = nullptr;
+    for (QQuickItem *const item : allBelow(folder)) {
+        const QString text = item->property("text").toString();
+        if (item->isVisible() && item != folder && text == name)
+            label = item;
+        if (item->isVisible() && text == QStringLiteral("AI Analysis 99%"))
+            caption = item;
+    }
+    ASSERT_TRUE(label && caption);
+    EXPECT_TRUE(label->property("truncated").toBool());
+    EXPECT_FALSE(caption->property("truncated").toBool());
+    EXPECT_LE(label->mapToItem(folder, QPointF(label->width(), 0)).x(),
+              folder->findChild<ProgressRing *>()->mapToItem(folder, QPointF()).x());
+    EXPECT_LE(caption->mapToItem(folder, QPointF(caption->width(), 0)).x(), folder->width());
+}
+
+TEST_F(SidebarViewTest, theStarOfAFavouriteStandsInTheLibraryOnly)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    EXPECT_FALSE(itemBelow(row(QStringLiteral("Photos")), "favoriteStar"));
+    addFavorite(path);
+    EXPECT_TRUE(itemBelow(row(QStringLiteral("Photos")), "favoriteStar"));
+    EXPECT_FALSE(itemBelow(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite), "favoriteStar"));
+}
+
+TEST_F(SidebarViewTest, theMenuOfAFolderAddsItToTheFavouritesAndTakesItOut)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    click(row(QStringLiteral("★"), SidebarRow::Kind::rating));
+    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"))),
+              QStringList({"addToFavorites", "openInFinder", "delete"}));
+    EXPECT_EQ(selected(), QStringLiteral("★")) << "a right click selects nothing";
+    choose("addToFavorites");
+    ASSERT_TRUE(waitUntil([this] { return library.favoriteFolders().size() == 1; }));
+    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"))),
+              QStringList({"removeFromFavorites", "openInFinder", "delete"}));
+    choose("removeFromFavorites");
+    EXPECT_TRUE(waitUntil([this] { return library.favoriteFolders().isEmpty(); }));
+}
+
+TEST_F(SidebarViewTest, aFavouriteOffersNoDeleteAndNoChildren)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    addFavorite(path);
+    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite)),
+              QStringList({"removeFromFavorites", "openInFinder"}));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    EXPECT_FALSE(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite)->property("hasChildren").toBool());
+    EXPECT_TRUE(row(QStringLiteral("Photos"))->property("hasChildren").toBool());
+}
+
+TEST_F(SidebarViewTest, deleteTakesAFolderOutOfTheLibraryUnasked)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    openMenuOf(row(QStringLiteral("Photos")));
+    choose("delete");
+    EXPECT_TRUE(waitUntil([this] { return library.libraryFolders().isEmpty(); }));
+    EXPECT_TRUE(QDir(path).exists());
+}
+
+TEST_F(SidebarViewTest, ratingsAndHeadersHaveNoMenu)
+{
+    rightClick(row(QStringLiteral("★"), SidebarRow::Kind::rating));
+    rightClick(row(QStringLiteral("Tags"), SidebarRow::Kind::header));
+    waitForFrame();
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(SidebarViewTest, theMarkUnfoldsAFolderWithoutSelectingIt)
+{
+    addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    click(row(QStringLiteral("★"), SidebarRow::Kind::rating));
+    click(itemBelow(row(QStringLiteral("Photos")), "disclosure"));
+    ASSERT_TRUE(row(QStringLiteral("2024")));
+    EXPECT_EQ(selected(), QStringLiteral("★"));
+    click(row(QStringLiteral("2024")));
+    EXPECT_EQ(library.selectedFolder()->url.lastPathComponent(), QStringLiteral("2024"));
+    click(itemBelow(row(QStringLiteral("Photos")), "disclosure"));
+    EXPECT_EQ(indexOf(QStringLiteral("2024"), SidebarRow::Kind::folder), -1);
+}
+
+TEST_F(SidebarViewTest, keysMoveFoldAndSelect)
+{
+    addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    giveTags({QStringLiteral("Beach"), QStringLiteral("Bird")});
+    click(row(QStringLiteral("Photos")));
+    ASSERT_TRUE(item("sidebarList")->hasActiveFocus());
+    press(Qt::Key_Right);
+    ASSERT_GE(indexOf(QStringLiteral("2024"), SidebarRow::Kind::folder), 0);
+    press(Qt::Key_Right);
+    EXPECT_EQ(selected(), QStringLiteral("2024"));
+    press(Qt::Key_Left);
+    EXPECT_EQ(selected(), QStringLiteral("Photos"));
+    press(Qt::Key_Left);
+    EXPECT_EQ(indexOf(QStringLiteral("2024"), SidebarRow::Kind::folder), -1);
+    press(Qt::Key_Down);
+    EXPECT_EQ(library.selectedRating(), 1);
+    press(Qt::Key_End);
+    EXPECT_EQ(library.selectedTag(), QStringLiteral("Bird"));
+    press(Qt::Key_Up);
+    EXPECT_EQ(library.selectedTag(), QStringLiteral("Beach"));
+    press(Qt::Key_Home);
+    EXPECT_EQ(selected(), QStringLiteral("Photos"));
+    type(QStringLiteral("bi"));
+    EXPECT_EQ(library.selectedTag(), QStringLiteral("Bird"));
+}
+
+TEST_F(SidebarViewTest, theRowThatTheKeysAreOnShowsIt)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    click(row(QStringLiteral("Photos")));
+    EXPECT_FALSE(row(QStringLiteral("Photos"))->property("showsFocus").toBool()) << "not for the pointer";
+    press(Qt::Key_Down);
+    QQuickItem *const rating = row(QStringLiteral("★"), SidebarRow::Kind::rating);
+    EXPECT_TRUE(rating->hasActiveFocus());
+    EXPECT_TRUE(rating->property("showsFocus").toBool());
+}
+
+TEST_F(SidebarViewTest, theMenuKeysOpenTheMenuOfTheCurrentRow)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    click(row(QStringLiteral("Photos")));
+    press(Qt::Key_Menu);
+    EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    press(Qt::Key_F10, Qt::ShiftModifier);
+    EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
+}
+
+TEST_F(SidebarViewTest, ofThousandsOfTagsOnlyThoseInViewExist)
+{
+    constexpr int tagCount = 5'000;
+    QStringList tags;
+    for (int i = 0; i < tagCount; ++i)
+        tags.append(QStringLiteral("tag %1").arg(i, 5, 10, QLatin1Char('0')));
+    state.sidebar()->rows()->setTags(tags);
+    waitForFrame();
+    int existing = 0;
+    for (int i = 0; i < rows().size(); ++i)
+        existing += cell("sidebarList", i) ? 1 : 0;
+    EXPECT_GT(existing, 10);
+    EXPECT_LT(existing, 60);
+    state.sidebar()->activate(int(rows().size()) - 1);
+    waitForFrame();
+    EXPECT_TRUE(cell("sidebarList", int(rows().size()) - 1)) << "the current row is in view";
+}
+
+TEST_F(SidebarViewTest, rowsHaveNamesRolesAndStatesForScreenReaders)
+{
+    addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    ASSERT_TRUE(waitUntil(
+        [this] { return rows().at(indexOf(QStringLiteral("★★★"), SidebarRow::Kind::rating)).count == 0; }));
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(photos);
+    ASSERT_TRUE(interface);
+    EXPECT_EQ(interface->role(), QAccessible::TreeItem);
+    EXPECT_TRUE(interface->state().selected);
+    EXPECT_EQ(textOf(QAccessible::Name, photos), QStringLiteral("Photos"));
+    EXPECT_TRUE(textOf(QAccessible::Description, photos).startsWith(QStringLiteral("Collapsed")));
+    EXPECT_EQ(textOf(QAccessible::Name, row(QStringLiteral("★★★"), SidebarRow::Kind::rating)),
+              QStringLiteral("3 stars, 0 items"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(item("sidebarList"))->role(), QAccessible::Tree);
+}
