@@ -14,6 +14,7 @@ Item {
     /// A file without a thumbnail arrives as a single clear pixel.
     readonly property bool isLoaded: image.status === Image.Ready && image.implicitWidth > 1
     property int shownRevision: 0
+    property bool hasWaited: false
 
     function sourceFor(number) {
         return ThumbnailUrl.source(path, width, height, Theme.cellRadius, number);
@@ -21,6 +22,7 @@ Item {
 
     onPathChanged: {
         shownRevision = revision;
+        hasWaited = false;
         patience.restart();
     }
 
@@ -34,7 +36,7 @@ Item {
     // Made for the few that need it: cells come into being many at a time.
     Loader {
         anchors.centerIn: parent
-        active: !patience.running && !thumbnail.isLoaded
+        active: thumbnail.hasWaited && !thumbnail.isLoaded
         sourceComponent: BusyIndicator {
             objectName: "progress"
             running: true
@@ -48,6 +50,7 @@ Item {
 
         interval: 300
         running: true
+        onTriggered: thumbnail.hasWaited = true
     }
 
     Image {
