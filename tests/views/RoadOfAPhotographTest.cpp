@@ -1,0 +1,212 @@
+#include "QorvaneApp.h"
+#include "encoders/StarterEncoders.h"
+#include "library/QorManage.h"
+#include "support/LogCapture.h"
+#include "support/Waiting.h"
+#include "views/ContentView.h"
+#include "views/DrawnPictures.h"
+
+#include <QDir>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace Qorvane;
+
+namespace {
+
+/// The whole application with its real encoders over real folders, driven by what a user's hands do.
+class RoadOfAPhotograph : public testing::Test
+{
+protected:
+    QString makeFolder(const QString &name, const QList<std::pair<QString, QImage>> &pictures) const
+    {
+        const QString path = m_home.filePath(name);
+        QDir().mkpath(path);
+        for (const auto &[file, image] : pictures)
+            EXPECT_TRUE(image.save(path + QLatin1Char('/') + file));
+        return path;
+    }
+
+    void open()
+    {
+        ASSERT_TRUE(m_app.openMainWindow());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
+        ASSERT_TRUE(waitUntil([this] { return state().focus()->isOnSidebar(); }));
+    }
+
+    QQuickWindow *window() { return m_app.contentView()->window(); }
+    ContentViewState &state() { return m_app.contentView()->state(); }
+    QorManage &library() { return m_app.qorManager(); }
+
+    QQuickItem *item(const char *name)
+    {
+        return window()->findChild<QQuickItem *>(QString::fromLatin1(name));
+    }
+
+    QQuickItem *cell(const char *list, int index)
+    {
+        QQuickItem *delegate = nullptr;
+        QMetaObject::invokeMethod(item(list), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
+                                  Q_ARG(int, index));
+        return delegate;
+    }
+
+    QPoint middleOf(QQuickItem *target)
+    {
+        return target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
+    }
+
+    void click(QQuickItem *target) { QTest::mouseClick(window(), Qt::LeftButton, {}, middleOf(target)); }
+
+    void doubleClick(QQuickItem *target)
+    {
+        QTest::mouseClick(window(), Qt::LeftButton, {}, middleOf(target));
+        QTest::mouseDClick(window(), Qt::LeftButton, {}, middleOf(target));
+    }
+
+    // No faster than it is searched: the last search to end wins, and of overlapping ones that may be an
+    // earlier one.
+    void type(const QString &text)
+    {
+        for (const QChar letter : text) {
+            QTest::keyClick(window(), letter.toLatin1());
+            EXPECT_TRUE(waitUntil([this] { return !state().search()->isSearching(); }));
+        }
+    }
+
+    void dropFolder(const QString &path)
+    {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        const QPoint position(700, 400);
+        QDragEnterEvent enter(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window(), &enter);
+        QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window(), &drop);
+    }
+
+    QStringList shownNames(MediaListModel *media)
+    {
+        QStringList names;
+        for (const FileUrl &url : media->urls())
+            names.append(url.lastPathComponent());
+        return names;
+    }
+
+    bool isDone(const QString &folder)
+    {
+        return library().processingState(FileUrl::directory(folder)) == FolderProcessingState::completed;
+    }
+
+    // The sidebar's row that begins with this name, once it is there.
+    QQuickItem *sidebarRow(const QString &name)
+    {
+        QQuickItem *found = nullptr;
+        waitUntil([&] {
+            const int count = item("sidebarList")->property("count").toInt();
+            for (int row = 0; row < count && !found; ++row) {
+                QQuickItem *const candidate = cell("sidebarList", row);
+                if (candidate && candidate->property("name").toString() == name)
+                    found = candidate;
+            }
+            return found != nullptr;
+        });
+        EXPECT_TRUE(found) << qPrintable(name);
+        return found;
+    }
+
+    const LogCapture m_log; // and keeps what the library says off the console
+    // Without a "-", which would keep the sidebar from opening the folders in it.
+    const QTemporaryDir m_home{QDir::temp().filePath(QStringLiteral("QorvaneRoadXXXXXX"))};
+    QorvaneApp m_app;
+};
+
+} // namespace
+
+TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
+{
+    if (!installStarter())
+        GTEST_SKIP() << noStarter;
+    const QString drawings =
+        makeFolder(QStringLiteral("Drawings"), {{QStringLiteral("a.png"), drawnTrafficLight()},
+                                                {QStringLiteral("b.png"), drawnClock()},
+                                                {QStringLiteral("c.png"), drawnHoneycomb()}});
+    const QString puzzles =
+        makeFolder(QStringLiteral("Puzzles"), {{QStringLiteral("puzzle.png"), drawnCrossword()}});
+    open();
+
+    // A folder is dragged onto the window: its run shows a ring that fills, and in the end a check mark.
+    QList<double> progress;
+    QSet<FolderProcessingState> states;
+    const auto note = QObject::connect(&library(), &QorManage::folderProcessingDetailsChanged, [&] {
+        states.insert(library().processingState(FileUrl::directory(drawings)));
+        progress.append(library().folderProcessingProgress().value(drawings));
+    });
+    dropFolder(drawings);
+    ASSERT_TRUE(waitUntil([&] { return shownNames(state().photos()).size() == 3; }));
+    ASSERT_TRUE(waitUntil([&] { return states.contains(FolderProcessingState::completed); }));
+    QObject::disconnect(note);
+    EXPECT_TRUE(states.contains(FolderProcessingState::thumbnails));
+    EXPECT_TRUE(states.contains(FolderProcessingState::vectors));
+    EXPECT_TRUE(std::any_of(progress.cbegin(), progress.cend(), [](double p) { return p > 0 && p < 1; }));
+    EXPECT_TRUE(waitUntil([&] {
+        return sidebarRow(QStringLiteral("Drawings"))->property("runState").toInt() ==
+               SidebarListModel::Completed;
+    }));
+
+    // Words find the picture that shows what they say.
+    click(item("searchField"));
+    type(QStringLiteral("clock"));
+    ASSERT_TRUE(waitUntil([&] {
+        return item("resultsGrid")->isVisible() &&
+               shownNames(state().results()).value(0) == QStringLiteral("b.png") && cell("resultsGrid", 0);
+    }));
+
+    // A double click opens it, in the place of the grid; Escape leads back to the hits.
+    doubleClick(cell("resultsGrid", 0));
+    ASSERT_TRUE(state().isDetailViewActive());
+    EXPECT_EQ(state().selected()->name(), QStringLiteral("b.png"));
+    ASSERT_TRUE(waitUntil([&] { return item("fullPicture")->isVisible(); }));
+    EXPECT_FALSE(item("resultsGrid")->isVisible());
+    QTest::keyClick(window(), Qt::Key_Escape);
+    EXPECT_FALSE(state().isDetailViewActive());
+    EXPECT_TRUE(item("resultsGrid")->isVisible());
+
+    // Another folder ends the search.
+    dropFolder(puzzles);
+    click(sidebarRow(QStringLiteral("Puzzles")));
+    EXPECT_TRUE(
+        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("puzzle.png")}; }));
+    EXPECT_EQ(state().search()->text(), QString());
+    EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
+
+    EXPECT_TRUE(waitUntil([&] { return isDone(puzzles); }));
+
+    // What was tagged and rated is behind its row in the sidebar.
+    const auto picture = [&](const char *name) {
+        return FileUrl::file(drawings + QLatin1Char('/') + QLatin1String(name));
+    };
+    library().addTag(QStringLiteral("时间"), picture("b.png"));
+    library().setRating(4, picture("c.png"));
+    click(sidebarRow(QStringLiteral("时间")));
+    EXPECT_TRUE(
+        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("b.png")}; }));
+    EXPECT_EQ(state().title(), QStringLiteral("时间"));
+    click(sidebarRow(QStringLiteral("★★★★")));
+    EXPECT_TRUE(
+        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("c.png")}; }));
+    click(sidebarRow(QStringLiteral("Drawings")));
+    EXPECT_TRUE(waitUntil([&] { return shownNames(state().photos()).size() == 3; }));
+
+    // What is in work when the window goes would stay without an answer.
+    EXPECT_TRUE(
+        waitUntil([&] { return isDone(drawings) && !m_app.contentView()->clipService().isLoadingModels(); }));
+}
