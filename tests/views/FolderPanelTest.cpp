@@ -182,6 +182,23 @@ TEST_F(FolderPanelTest, oneIsOpenAtATimeAndAfterItAnother)
     ASSERT_TRUE(waitUntil([this] { return portal.calls.size() == 2; }));
 }
 
+TEST_F(FolderPanelTest, aPortalThatDiesWithItsPanelOpenCountsAsNone)
+{
+    startPortal();
+    open();
+    QDBusConnection::disconnectFromBus(portalName);
+    ASSERT_TRUE(waitUntil([this] { return unavailable.count() == 1; }));
+    EXPECT_EQ(chosen.count(), 0);
+
+    // Started anew, it is asked again.
+    startPortal();
+    panel.open(QStringLiteral("again"));
+    ASSERT_TRUE(waitUntil([this] { return portal.calls.size() == 2; }));
+    portal.answer(0, {QStringLiteral("file:///p")});
+    ASSERT_TRUE(waitUntil([this] { return chosen.count() == 1; }));
+    EXPECT_EQ(unavailable.count(), 1);
+}
+
 TEST_F(FolderPanelTest, aBusWithoutAPortalSaysSo)
 {
     panel.open(QStringLiteral("title"));

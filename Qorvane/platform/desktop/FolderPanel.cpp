@@ -7,6 +7,7 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QUuid>
 
 namespace Qorvane {
@@ -37,6 +38,8 @@ void FolderPanel::open(const QString &title, const QString &parentWindow)
         return;
     }
     m_isOpen = true;
+    const int opening = ++m_openings;
+    watchPortal();
     const QString token = QStringLiteral("qorvane") + QUuid::createUuid().toString(QUuid::Id128);
     listenTo(requestPathFor(token));
 
@@ -49,16 +52,19 @@ void FolderPanel::open(const QString &title, const QString &parentWindow)
                         {QStringLiteral("multiple"), true},
                         {QStringLiteral("modal"), true}};
     auto *const watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, opening] {
         const QDBusPendingReply<QDBusObjectPath> reply = *watcher;
         watcher->deleteLater();
+        // Answered already, or lost with the portal; what is open now may be another panel.
+        if (!m_isOpen || opening != m_openings)
+            return;
         if (reply.isError()) {
             finish();
             Q_EMIT unavailable();
             return;
         }
         // Portals of before 2016 choose the path themselves.
-        if (m_isOpen && reply.value().path() != m_requestPath)
+        if (reply.value().path() != m_requestPath)
             listenTo(reply.value().path());
     });
 }
@@ -73,6 +79,24 @@ void FolderPanel::onResponse(uint response, const QVariantMap &results)
             folders.append(QUrl(uri));
     }
     Q_EMIT chosen(folders);
+}
+
+// A portal that crashes with its panel open, or is restarted, never answers.
+void FolderPanel::watchPortal()
+{
+    if (m_watchesPortal)
+        return;
+    m_watchesPortal = true;
+    auto *const watcher = new QDBusServiceWatcher(portalService, QDBusConnection::sessionBus(),
+                                                  QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &oldOwner) {
+                // Without an old owner, the portal was only started by our call.
+                if (!m_isOpen || oldOwner.isEmpty())
+                    return;
+                finish();
+                Q_EMIT unavailable();
+            });
 }
 
 void FolderPanel::listenTo(const QString &requestPath)

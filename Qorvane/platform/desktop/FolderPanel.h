@@ -24,17 +24,20 @@ Q_SIGNALS:
     /// The user's answer, in the panel's order; empty when the panel was dismissed. A panel may show other
     /// machines too: not every address need be a file's.
     void chosen(const QList<QUrl> &folders);
-    /// This desktop has no such panel: the program has to show one of its own.
+    /// This desktop has no such panel, or lost it while it was open: the program has to show one of its own.
     void unavailable();
 
 private Q_SLOTS:
     void onResponse(uint response, const QVariantMap &results);
 
 private:
+    void watchPortal();
     void listenTo(const QString &requestPath);
     void finish();
 
     bool m_isOpen = false;
+    bool m_watchesPortal = false;
+    int m_openings = 0;
     QString m_requestPath;
 };
 
