@@ -10,5 +10,5 @@ Image {
     height: size
     sourceSize.width: size
     sourceSize.height: size
-    source: "image://icons/" + name + "/" + String(color).substring(1)
+    source: "image://icons/" + name + "/" + String(color).substring(1) + "/" + size
 }
