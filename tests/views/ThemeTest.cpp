@@ -2,6 +2,7 @@
 #include "views/ContentWindow.h"
 #include "views/ThumbnailProvider.h"
 #include "views/ThumbnailQueue.h"
+#include "views/style/Contrast.h"
 
 #include <QColor>
 #include <QQmlComponent>
@@ -89,10 +90,49 @@ TEST_P(ThemeTest, buttonsStandOutFromTheirGroundAndTheirWordsFromThem)
     EXPECT_GE(contrast(color("text"), laidOver(color("button"), color("pressed"))), 4.5);
 }
 
+TEST_P(ThemeTest, theCaptionsOfProgressCanBeReadOnEveryStateOfTheirRow)
+{
+    ASSERT_TRUE(theme);
+    for (const char *ink : {"orange", "blue"}) {
+        EXPECT_GE(contrast(color(ink), color("sidebar")), 4.5) << ink;
+        for (const char *veil : {"hover", "pressed"})
+            EXPECT_GE(contrast(color(ink), laidOver(color("sidebar"), color(veil))), 4.5)
+                << ink << " on a row with " << veil;
+    }
+}
+
 TEST_P(ThemeTest, whatTakesAwayKeepsItsContrastInAMenu)
 {
     ASSERT_TRUE(theme);
     EXPECT_GE(contrast(color("destructive"), color("popup")), 4.5);
+}
+
+TEST_P(ThemeTest, wordsOnTheBuiltInAccentAreWhiteAndCanBeRead)
+{
+    ASSERT_TRUE(theme);
+    EXPECT_GE(contrast(color("accentInk"), color("accentFill")), 4.5);
+    EXPECT_EQ(color("accentInk"), QColor(Qt::white));
+}
+
+TEST(AccentFill, carriesWordsThatCanBeReadWhateverTheDesktopsAccentIs)
+{
+    for (const QColor &accent :
+         {QColor(0xFF, 0xE0, 0x00), QColor(Qt::white), QColor(Qt::black), QColor(0x35, 0x84, 0xE4),
+          QColor(0x3A, 0x94, 0x4A), QColor(0xED, 0x5B, 0x00), QColor(0x00, 0xFF, 0xFF),
+          QColor(0x91, 0x91, 0x91), QColor(0x95, 0x95, 0x95)}) {
+        const QColor fill = readableFill(accent);
+        EXPECT_GE(contrast(inkOn(fill), fill), 4.5) << qPrintable(accent.name());
+    }
+}
+
+TEST(AccentFill, staysTheDesktopsColour)
+{
+    const QColor yellow(0xFF, 0xE0, 0x00);
+    EXPECT_EQ(readableFill(yellow), yellow);
+    const QColor green(0x3A, 0x94, 0x4A);
+    EXPECT_NEAR(readableFill(green).hue(), green.hue(), 3);
+    const QColor dark(0x50, 0x20, 0x60);
+    EXPECT_EQ(readableFill(dark), dark);
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, ThemeTest, testing::Values(ColorScheme::light, ColorScheme::dark));

@@ -1,6 +1,7 @@
 #include "views/style/Appearance.h"
 
 #include "platform/desktop/DesktopAppearance.h"
+#include "views/style/Contrast.h"
 
 namespace Qorvane {
 
@@ -28,6 +29,16 @@ QColor Appearance::accentColor() const
 bool Appearance::reducesMotion() const
 {
     return DesktopAppearance::shared().reducesMotion();
+}
+
+QColor Appearance::fillFor(const QColor &accent) const
+{
+    return readableFill(accent);
+}
+
+QColor Appearance::inkOn(const QColor &fill) const
+{
+    return Qorvane::inkOn(fill);
 }
 
 } // namespace Qorvane

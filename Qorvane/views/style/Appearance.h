@@ -26,6 +26,11 @@ public:
     QColor accentColor() const;
     bool reducesMotion() const;
 
+    /// `accent`, darkened where words on it couldn't be read otherwise.
+    Q_INVOKABLE QColor fillFor(const QColor &accent) const;
+    /// The colour of words on a `fill` that comes from `fillFor`.
+    Q_INVOKABLE QColor inkOn(const QColor &fill) const;
+
 Q_SIGNALS:
     void changed();
 };

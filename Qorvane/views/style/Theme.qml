@@ -26,16 +26,17 @@ QtObject {
     // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons, hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
     readonly property color secondaryText: isDark ? "#B2B2B8" : "#626267"
-    readonly property color accentInk: "#FFFFFF"
+    readonly property color accentInk: Appearance.inkOn(accentFill)
     readonly property color destructive: isDark ? "#FF7A70" : "#C9211E"
 
     // The accent is the desktop's where it names one.
     readonly property color accent: Appearance.hasAccentColor ? Appearance.accentColor
                                                               : isDark ? "#3B8CFF" : "#0A6CFF"
-    readonly property color accentFill: Appearance.hasAccentColor ? Appearance.accentColor
-                                                                  : isDark ? "#2F7CF0" : "#0A6CFF"
-    readonly property color orange: isDark ? "#FFA733" : "#F08C00"
-    readonly property color blue: isDark ? "#4A97FF" : "#0A6CFF"
+    readonly property color accentFill: Appearance.fillFor(Appearance.hasAccentColor ? Appearance.accentColor
+                                                                                     : isDark ? "#2F7CF0" : "#0A6CFF")
+    // Of the small captions in the sidebar too, and of the rings beside them: they keep 4.5 to 1 there, pressed rows included.
+    readonly property color orange: isDark ? "#FFA733" : "#8E4D00"
+    readonly property color blue: isDark ? "#82B8FF" : "#0654CC"
     readonly property color green: isDark ? "#46C768" : "#2FA84F"
     readonly property color star: "#F7B500"
     readonly property color videoBadge: "#E0352B"
