@@ -1,15 +1,18 @@
 #include "views/SidebarSelection.h"
 
+#include "library/FolderTree.h"
 #include "library/QorManage.h"
 #include "library/SidebarItem.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Qorvane {
 
 namespace {
 
 const QString ratingPrefix = QStringLiteral("rating-");
+const QString libraryPrefix = QStringLiteral("library-");
 
 } // namespace
 
@@ -20,17 +23,25 @@ SidebarSelection::SidebarSelection(QorManage &qorManager, QObject *parent)
     connect(&qorManager, &QorManage::selectedFolderChanged, this, &SidebarSelection::followFolder);
     connect(&qorManager, &QorManage::selectedTagChanged, this, &SidebarSelection::followTag);
     connect(&qorManager, &QorManage::selectedRatingChanged, this, &SidebarSelection::followRating);
+    connect(&qorManager, &QorManage::libraryFoldersChanged, this, &SidebarSelection::forgetLostFolder);
+    connect(&qorManager, &QorManage::favoriteFoldersChanged, this, &SidebarSelection::forgetLostFolder);
     followFolder();
     followTag();
     followRating();
+}
+
+void SidebarSelection::setId(const std::optional<QString> &id)
+{
+    m_id = id;
+    m_isFolder = isFolderOfLibrary();
+    Q_EMIT idChanged();
 }
 
 void SidebarSelection::select(const std::optional<QString> &id)
 {
     if (m_id == id)
         return;
-    m_id = id;
-    Q_EMIT idChanged();
+    setId(id);
     tellLibrary();
 }
 
@@ -76,12 +87,32 @@ void SidebarSelection::followFolder()
     const bool isFavorite =
         std::ranges::any_of(m_qorManager.favoriteFolders(),
                             [this](const Folder &favorite) { return favorite.id() == m_folder->id(); });
-    m_id =
-        SidebarItem{*m_folder, isFavorite ? SidebarItem::ItemType::favorite : SidebarItem::ItemType::library}
-            .id();
     // Only marked. The library has made room for its own folder already, and to ask it for the folder again,
     // by the id, would lose one with a "-" in its address: the first folder that is added stays selected.
-    Q_EMIT idChanged();
+    setId(
+        SidebarItem{*m_folder, isFavorite ? SidebarItem::ItemType::favorite : SidebarItem::ItemType::library}
+            .id());
+}
+
+// An id without a row would keep the next folder that the library selects from being marked, and a click on
+// the same folder, should it come back, from opening it. The library sees to its own selection.
+void SidebarSelection::forgetLostFolder()
+{
+    const bool wasFolder = std::exchange(m_isFolder, isFolderOfLibrary());
+    if (wasFolder && !m_isFolder)
+        setId(std::nullopt);
+}
+
+bool SidebarSelection::isFolderOfLibrary() const
+{
+    if (!m_id || m_qorManager.allTags().contains(*m_id))
+        return false;
+    if (m_id->startsWith(libraryPrefix))
+        return FolderTree::findFolder(m_id->sliced(libraryPrefix.size()), m_qorManager.libraryFolders())
+            .has_value();
+    return std::ranges::any_of(m_qorManager.favoriteFolders(), [this](const Folder &favorite) {
+        return SidebarItem{favorite, SidebarItem::ItemType::favorite}.id() == m_id;
+    });
 }
 
 void SidebarSelection::followTag()

@@ -31,14 +31,19 @@ Q_SIGNALS:
     void idChanged();
 
 private:
+    void setId(const std::optional<QString> &id);
     void tellLibrary();
     void selectRating();
     void followFolder();
     void followTag();
     void followRating();
+    void forgetLostFolder();
+    bool isFolderOfLibrary() const;
 
     QorManage &m_qorManager;
     std::optional<QString> m_id;
+    // The row of a folder that the library has, folded away or not.
+    bool m_isFolder = false;
     // What the library had selected last: it announces every write, equal ones too.
     std::optional<Folder> m_folder;
     std::optional<QString> m_tag;

@@ -222,6 +222,48 @@ TEST_F(SidebarSelectionTest, aFolderThatTheLibrarySelectsLeavesTheUsersRowMarked
     EXPECT_EQ(library.selectedFolder(), two);
 }
 
+TEST_F(SidebarSelectionTest, aFolderThatCameBackCanBeChosenAgain)
+{
+    addFolder(QStringLiteral("One"));
+    const Folder two = addFolder(QStringLiteral("Two"));
+    selection.select(rowOf(two));
+    library.removeFolderFromLibrary(two);
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().size() == 1; }));
+    EXPECT_EQ(selection.id(), std::nullopt);
+    addFolder(QStringLiteral("Two"));
+    selection.select(rowOf(two));
+    EXPECT_EQ(library.selectedFolder(), two);
+}
+
+TEST_F(SidebarSelectionTest, theFolderAfterTheOnlyOneIsMarked)
+{
+    const Folder one = addFolder(QStringLiteral("One"));
+    library.removeFolderFromLibrary(one);
+    ASSERT_TRUE(
+        waitUntil([this] { return library.libraryFolders().isEmpty() && !library.selectedFolder(); }));
+    EXPECT_EQ(selection.id(), std::nullopt);
+    const Folder two = addFolder(QStringLiteral("Two"));
+    EXPECT_EQ(selection.id(), rowOf(two));
+    EXPECT_EQ(library.selectedFolder(), two);
+}
+
+TEST_F(SidebarSelectionTest, aFolderThatGoesLeavesTheOthersMarkedAndIsForgottenInSilence)
+{
+    const Folder one = addFolder(QStringLiteral("One"));
+    const Folder two = addFolder(QStringLiteral("Two"));
+    addFavorite(one);
+    selection.select(rowOf(one, "favorite"));
+    library.removeFolderFromLibrary(two);
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().size() == 1; }));
+    EXPECT_EQ(selection.id(), rowOf(one, "favorite"));
+    takeWrites();
+    library.removeFromFavorites(one);
+    ASSERT_TRUE(waitUntil([this] { return library.favoriteFolders().isEmpty(); }));
+    EXPECT_EQ(selection.id(), std::nullopt);
+    EXPECT_EQ(library.selectedFolder(), one);
+    EXPECT_EQ(takeWrites(), QStringList());
+}
+
 TEST_F(SidebarSelectionTest, deletingTheSelectedTagSelectsNothing)
 {
     giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
