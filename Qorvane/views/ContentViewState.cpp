@@ -87,11 +87,14 @@ void ContentViewState::followLibrary()
             });
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
     // the text changes.
-    connect(&m_qorManager, &QorManage::selectedTagChanged, this, [this] {
-        setDetailViewActive(false);
-        updatePage();
-        Q_EMIT titleChanged();
-    });
+    connect(&m_qorManager, &QorManage::selectedTagChanged, this,
+            [this, last = m_qorManager.selectedTag()]() mutable {
+                if (std::exchange(last, m_qorManager.selectedTag()) == last)
+                    return;
+                setDetailViewActive(false);
+                updatePage();
+                Q_EMIT titleChanged();
+            });
     takeImages();
 }
 

@@ -31,7 +31,19 @@ protected:
         for (const char *name : {"one", "two", "three"})
             QDir(m_place.path()).mkdir(QString::fromLatin1(name));
     }
-    ~ContentViewStateTest() override { UserDefaults::standard().remove(QStringLiteral("libraryFolders")); }
+    ~ContentViewStateTest() override
+    {
+        EmbeddingStore::shared().deleteTagGlobally(QStringLiteral("Beach"));
+        UserDefaults::standard().remove(QStringLiteral("libraryFolders"));
+    }
+
+    /// The sidebar keeps no tag selected that the library does not list.
+    void giveTag()
+    {
+        EmbeddingStore::shared().addTag(QStringLiteral("/p/a.jpg"), QStringLiteral("Beach"));
+        m_library.refreshAllTags();
+        ASSERT_TRUE(waitUntil([this] { return !m_library.allTags().isEmpty(); }));
+    }
 
     static QCoro::Task<QList<SearchResult>> findNothing() { co_return {}; }
 
@@ -193,24 +205,35 @@ TEST_F(ContentViewStateTest, aFolderOrARatingEndsTheSearchAndLeavesTheOpenFile)
 
 TEST_F(ContentViewStateTest, aTagPickedInTheSidebarKeepsTheQuery)
 {
-    EmbeddingStore::shared().addTag(QStringLiteral("/p/a.jpg"), QStringLiteral("Beach"));
-    m_library.refreshAllTags();
-    ASSERT_TRUE(waitUntil([this] { return !m_library.allTags().isEmpty(); }));
+    giveTag();
     m_state.search()->setText(QStringLiteral("cat"));
     m_state.sidebar()->pressKey(Qt::Key_End, {});
     EXPECT_EQ(m_library.selectedTag(), QStringLiteral("Beach"));
     EXPECT_EQ(m_state.search()->text(), QStringLiteral("cat"));
-    EmbeddingStore::shared().deleteTagGlobally(QStringLiteral("Beach"));
     drainMainQueue();
 }
 
 TEST_F(ContentViewStateTest, aTagLeavesTheOpenFileButKeepsTheQuery)
 {
+    giveTag();
     m_state.search()->setText(QStringLiteral("cat"));
     m_state.setDetailViewActive(true);
     m_library.setSelectedTag(QStringLiteral("Beach"));
     EXPECT_FALSE(m_state.isDetailViewActive());
     EXPECT_EQ(m_state.search()->text(), QStringLiteral("cat"));
+    drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, aTagThatStaysTheSameLeavesTheOpenFileOpen)
+{
+    giveTag();
+    m_state.setDetailViewActive(true);
+    m_library.setSelectedTag(std::nullopt);
+    EXPECT_TRUE(m_state.isDetailViewActive());
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    m_state.setDetailViewActive(true);
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    EXPECT_TRUE(m_state.isDetailViewActive());
     drainMainQueue();
 }
 
