@@ -78,6 +78,11 @@ void SidebarListModel::setTags(const QStringList &tags)
 void SidebarListModel::setCounts(const TagAndRatingCounts &counts)
 {
     m_content.counts = counts;
+    // Listed, but on no file any more. One that is listed from now on is not counted yet, and shows nothing.
+    for (const QString &tag : std::as_const(m_content.tags)) {
+        if (!counts.tags.contains(tag))
+            m_content.counts->tags.insert(tag, 0);
+    }
     QList<int> changed;
     for (int row = m_folderRowCount; row < m_rows.size(); ++row) {
         const std::optional<int> count = SidebarSections::countFor(m_rows.at(row), m_content.counts);

@@ -225,6 +225,15 @@ TEST_F(SidebarListModelTest, aCountShowsNothingUntilItIsKnown)
     EXPECT_EQ(data(tagRow(QStringLiteral("New")), SidebarListModel::CountRole).toString(), QString());
 }
 
+TEST_F(SidebarListModelTest, aTagThatLostItsLastFileShowsZero)
+{
+    model.setTags({QStringLiteral("Beach")});
+    model.setCounts({{{QStringLiteral("Beach"), 1}}, {}});
+    model.setCounts({{}, {}});
+    EXPECT_EQ(data(tagRow(QStringLiteral("Beach")), SidebarListModel::CountRole).toString(),
+              QStringLiteral("0"));
+}
+
 TEST_F(SidebarListModelTest, aCountTouchesTheRowsThatChangedOnly)
 {
     model.setTags({QStringLiteral("Beach"), QStringLiteral("Food"), QStringLiteral("Zoo")});
