@@ -93,8 +93,10 @@ void Sidebar::followSelection()
     m_rows.setSelectedId(m_selection.id());
     const int row = m_cursor.row();
     const bool isThere = row >= 0 && m_rows.rows().at(row).id == m_selection.id();
-    if (const int selected = m_rows.selectedRow(); selected >= 0 && !isThere)
+    if (const int selected = m_rows.selectedRow(); selected >= 0 && !isThere) {
         m_cursor.set(selected);
+        Q_EMIT currentRowChosen();
+    }
 }
 
 void Sidebar::activate(int row)
@@ -102,6 +104,7 @@ void Sidebar::activate(int row)
     if (row < 0 || row >= m_rows.rowCount() || !m_rows.rows().at(row).isSelectable())
         return;
     m_cursor.set(row);
+    Q_EMIT currentRowChosen();
     m_selection.select(QString(m_rows.rows().at(row).id)); // a copy: the rows may change under it
 }
 
@@ -126,10 +129,12 @@ bool Sidebar::pressKey(int key, const QString &text)
     if (!movement)
         return type(text);
     if (const auto step = SidebarMovement::move(m_rows.rows(), m_cursor.row(), *movement)) {
-        if (step->isToggle)
+        if (step->isToggle) {
             toggle(step->row);
-        else
+            Q_EMIT currentRowChosen();
+        } else {
             activate(step->row);
+        }
     }
     return true;
 }

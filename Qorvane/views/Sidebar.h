@@ -51,6 +51,9 @@ public:
 
 Q_SIGNALS:
     void currentRowChanged();
+    /// The user or the library went to the current row, if only once more: it has to show. Not after changes
+    /// of the rows, which leave the user where they look.
+    void currentRowChosen();
     void isLibraryEmptyChanged();
 
 private:

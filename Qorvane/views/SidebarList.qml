@@ -12,7 +12,6 @@ ListView {
     property bool isKeyed: false
 
     function showCurrentRow() {
-        currentIndex = sidebar.currentRow;
         if (currentIndex > 1)
             positionViewAtIndex(currentIndex, ListView.Contain);
         else if (currentIndex >= 0)
@@ -43,7 +42,8 @@ ListView {
     activeFocusOnTab: true
     keyNavigationEnabled: false
     currentIndex: -1
-    highlightMoveDuration: 0
+    // Rows that come and go change the index too, and mustn't move what the user looks at.
+    highlightFollowsCurrentItem: false
     boundsBehavior: Flickable.StopAtBounds
     bottomMargin: Theme.unit
     reuseItems: true
@@ -51,7 +51,10 @@ ListView {
     Accessible.role: Accessible.Tree
     Accessible.name: qsTranslate("Qorvane", "Sidebar")
     T.ScrollBar.vertical: ScrollBar {}
-    Component.onCompleted: showCurrentRow()
+    Component.onCompleted: {
+        currentIndex = sidebar.currentRow;
+        showCurrentRow();
+    }
     onActiveFocusChanged: isKeyed = activeFocus
 
     Keys.onMenuPressed: openMenuOfCurrentRow()
@@ -69,6 +72,10 @@ ListView {
         target: list.sidebar
 
         function onCurrentRowChanged() {
+            list.currentIndex = list.sidebar.currentRow;
+        }
+
+        function onCurrentRowChosen() {
             list.showCurrentRow();
         }
     }
