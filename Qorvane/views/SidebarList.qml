@@ -10,6 +10,8 @@ ListView {
     required property Sidebar sidebar
     /// Whether the user moves by keys, so that the row they act on has to show.
     property bool isKeyed: false
+    /// The same when the menu opened.
+    property bool isMenuKeyed: false
 
     function showCurrentRow() {
         if (currentIndex > 1)
@@ -24,13 +26,22 @@ ListView {
         isKeyed = false;
     }
 
+    /// The keys are the list's again, whichever way the user came.
+    function takeFocusBack() {
+        const wasKeyed = isMenuKeyed;
+        forceActiveFocus();
+        isKeyed = wasKeyed;
+    }
+
     function rowAt(position) {
         return indexAt(position.x, position.y + contentY);
     }
 
     function openMenu(row, item, x, y) {
-        if (sidebar.openMenu(row))
-            menu.popup(item, x, y);
+        if (!sidebar.openMenu(row))
+            return;
+        isMenuKeyed = isKeyed;
+        menu.popup(item, x, y);
     }
 
     function openMenuOfCurrentRow() {
@@ -122,5 +133,8 @@ ListView {
         id: menu
 
         menu: list.sidebar.menu
+        // While it fades it has the keys no more, and the window's own order gives them back only afterwards: a key
+        // pressed right after Escape would be lost.
+        onAboutToHide: list.takeFocusBack()
     }
 }

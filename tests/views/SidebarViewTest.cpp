@@ -385,6 +385,19 @@ TEST_F(SidebarViewTest, theMenuKeysOpenTheMenuOfTheCurrentRow)
     EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
 }
 
+TEST_F(SidebarViewTest, aKeyRightAfterTheMenuIsTheLists)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    click(row(QStringLiteral("Photos")));
+    openMenuOf(row(QStringLiteral("Photos")));
+    press(Qt::Key_Escape);
+    press(Qt::Key_End);
+    EXPECT_EQ(library.selectedRating(), 5);
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    press(Qt::Key_Up);
+    EXPECT_EQ(library.selectedRating(), 4);
+}
+
 TEST_F(SidebarViewTest, unfoldingAFolderLeavesTheListWhereItIs)
 {
     QStringList children;
