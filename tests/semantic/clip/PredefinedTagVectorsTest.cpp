@@ -9,6 +9,7 @@
 #include "platform/Languages.h"
 #include "platform/NotificationCenter.h"
 #include "store/EmbeddingStore.h"
+#include "support/ThreadTime.h"
 #include "support/Waiting.h"
 
 #include <QColor>
@@ -18,7 +19,6 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <ctime>
 
 using namespace Qorvane;
 
@@ -82,13 +82,6 @@ protected:
 
     std::unique_ptr<ChineseClipService> service;
 };
-
-double processorSecondsOfThisThread()
-{
-    timespec time = {};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
-}
 
 } // namespace
 
