@@ -19,8 +19,11 @@ Item {
     property alias emptyColor: thumbnail.emptyColor
     property alias progressColor: thumbnail.progressColor
     default property alias content: body.data
+    property bool isPooled: false
 
     width: grid.columnWidth
+    GridView.onPooled: isPooled = true
+    GridView.onReused: isPooled = false
     Accessible.role: Accessible.ListItem
     Accessible.name: isVideo ? qsTranslate("Qorvane", "%1, video").arg(name) : name
     Accessible.selectable: true
@@ -43,6 +46,8 @@ Item {
             height: cell.pictureHeight
             path: cell.path
             revision: cell.revision
+            // Asked for while it matters only: it changes with every step of a scroll.
+            isInView: isWaiting && !cell.isPooled && cell.grid.isInView(cell.y, cell.height)
         }
 
         Loader {

@@ -34,6 +34,10 @@ FocusScope {
         return columns.centred(width, columns.columnWidth);
     }
 
+    function isInView(top, height) {
+        return top + height > grid.contentY && top < grid.contentY + grid.height;
+    }
+
     function select(row, isCommandHeld) {
         isPointerUsed = true;
         media.click(row, isCommandHeld);

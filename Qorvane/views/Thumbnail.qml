@@ -13,6 +13,10 @@ Item {
     property color progressColor: Theme.secondaryText
     /// A file without a thumbnail arrives as a single clear pixel.
     readonly property bool isLoaded: image.status === Image.Ready && image.implicitWidth > 1
+    /// It has been loading for so long that the empty cell shows it.
+    readonly property bool isWaiting: hasWaited && image.status === Image.Loading
+    /// Out of view nothing turns.
+    property bool isInView: true
     property int shownRevision: 0
     property bool hasWaited: false
 
@@ -39,6 +43,8 @@ Item {
         active: thumbnail.hasWaited && !thumbnail.isLoaded
         sourceComponent: BusyIndicator {
             objectName: "progress"
+            // A file that will never have a picture keeps the mark, at rest.
+            isTurning: thumbnail.isWaiting && thumbnail.isInView
             running: true
         }
         onLoaded: (item as BusyIndicator).color = Qt.binding(() => thumbnail.progressColor)

@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QSignalSpy>
 
+#include <chrono>
+#include <future>
+
 using namespace Qorvane;
 
 namespace {
@@ -352,7 +355,7 @@ TEST_F(PhotoGridTest, pagesInTheMiddleOfAWideColumnAndScrollsBesideThem)
     EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 120; }));
 }
 
-TEST_F(PhotoGridTest, anEmptyCellShowsThatItIsWaiting)
+TEST_F(PhotoGridTest, aFileWithoutAPictureKeepsItsMarkWhichStandsStill)
 {
     const QString path = makeFolder(QStringLiteral("Broken"), 0);
     QFile broken(path + QStringLiteral("/broken.jpg"));
@@ -361,6 +364,45 @@ TEST_F(PhotoGridTest, anEmptyCellShowsThatItIsWaiting)
     broken.close();
     state.addFolders({QUrl::fromLocalFile(path)});
     ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 1 && cell("photoGrid", 0); }));
-    EXPECT_TRUE(waitUntil([&] { return itemBelow(cell("photoGrid", 0), "progress") != nullptr; }));
+    ASSERT_TRUE(waitUntil([&] { return itemBelow(cell("photoGrid", 0), "progress") != nullptr; }));
     EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());
+    // The rings of the sidebar turn as long as the folder is being gone through.
+    ASSERT_TRUE(waitUntil([&] {
+        return library.processingState(FileUrl::directory(path)) == FolderProcessingState::completed
+               && !itemBelow(cell("photoGrid", 0), "progress")->property("isTurning").toBool();
+    }));
+    // Whatever was begun before then ends; a mark that turned would draw as long as it is there.
+    QSignalSpy frames(window.get(), &QQuickWindow::frameSwapped);
+    const auto isStill = [&frames] {
+        frames.clear();
+        return !waitUntil([&frames] { return frames.count() > 2; }, std::chrono::milliseconds(400));
+    };
+    EXPECT_TRUE(isStill() || isStill() || isStill());
+    EXPECT_TRUE(itemBelow(cell("photoGrid", 0), "progress"));
+}
+
+TEST_F(PhotoGridTest, marksTurnInViewOnly)
+{
+    std::promise<void> gate;
+    const std::shared_future<void> isOpen = gate.get_future().share();
+    for (int thread = 0; thread < 2; ++thread)
+        thumbnails->add(QStringLiteral("gate"), [isOpen] { isOpen.wait(); });
+    showFolder(60);
+    int below = 0;
+    while (isInView("photoGrid", below))
+        ++below;
+    const int far = below + columns(); // the line after may be cut by the edge
+    const auto turns = [this](int index) {
+        QQuickItem *const mark = cell("photoGrid", index) ? itemBelow(cell("photoGrid", index), "progress")
+                                                          : nullptr;
+        return mark && mark->property("isTurning").toBool();
+    };
+    EXPECT_TRUE(waitUntil([&] { return turns(0); }));
+    ASSERT_TRUE(
+        waitUntil([&] { return cell("photoGrid", far) && itemBelow(cell("photoGrid", far), "progress"); }));
+    EXPECT_FALSE(turns(far));
+    setPosition("photoGrid", position("photoGrid") + 420);
+    EXPECT_TRUE(turns(far));
+    gate.set_value();
+    EXPECT_TRUE(waitUntil([&] { return thumbnail(far)->property("isLoaded").toBool(); }));
 }

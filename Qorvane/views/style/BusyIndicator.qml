@@ -2,11 +2,13 @@ import QtQuick
 import QtQuick.Templates as T
 import QorvaneStyle
 
-/// An arc that turns while `running`.
+/// An arc that is seen while `running`, and turns.
 T.BusyIndicator {
     id: control
 
     property color color: Theme.secondaryText
+    /// Standing still it says that nothing more will come; each turn costs the window its frames.
+    property bool isTurning: true
 
     implicitWidth: 20
     implicitHeight: 20
@@ -24,7 +26,7 @@ T.BusyIndicator {
             to: 360
             duration: 900
             loops: Animation.Infinite
-            running: control.running && control.visible && !Appearance.reducesMotion
+            running: control.running && control.isTurning && control.visible && !Appearance.reducesMotion
         }
     }
 }
