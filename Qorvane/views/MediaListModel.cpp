@@ -71,19 +71,23 @@ void MediaListModel::replaceAll(const QList<FileUrl> &urls)
     if (common == 0) {
         beginResetModel();
         m_urls = urls;
+        forgetRows();
         endResetModel();
         return;
     }
     if (before > common) {
         beginRemoveRows({}, common, before - 1);
         m_urls.resize(common);
+        forgetRows();
         endRemoveRows();
     }
     std::copy_n(urls.cbegin(), common, m_urls.begin());
+    forgetRows();
     Q_EMIT dataChanged(index(0), index(common - 1));
     if (urls.size() > common) {
         beginInsertRows({}, common, int(urls.size()) - 1);
         m_urls = urls;
+        forgetRows();
         endInsertRows();
     }
 }
@@ -102,6 +106,7 @@ void MediaListModel::removeAllBut(const QList<FileUrl> &urls)
             ++last;
         beginRemoveRows({}, int(row), int(last));
         m_urls.remove(row, last - row + 1);
+        forgetRows();
         endRemoveRows();
     }
 }
@@ -125,13 +130,40 @@ void MediaListModel::selectAlone(int row)
 
 int MediaListModel::firstSelectedRow() const
 {
-    return m_selection.firstPosition(m_urls).value_or(-1);
+    if (!m_firstSelectedRow) {
+        int first = count();
+        for (const FileUrl &url : m_selection.urls()) {
+            const auto [begin, end] = rows().equal_range(url);
+            for (auto row = begin; row != end; ++row)
+                first = std::min(first, *row);
+        }
+        m_firstSelectedRow = first < count() ? first : -1;
+    }
+    return *m_firstSelectedRow;
+}
+
+void MediaListModel::forgetRows()
+{
+    m_rows.clear();
+    m_firstSelectedRow.reset();
+}
+
+const QMultiHash<FileUrl, int> &MediaListModel::rows() const
+{
+    if (m_rows.isEmpty()) {
+        m_rows.reserve(m_urls.size());
+        for (int row = 0; row < count(); ++row)
+            m_rows.insert(m_urls.at(row), row);
+    }
+    return m_rows;
 }
 
 int MediaListModel::handleKey(int key, int columnCount)
 {
     const std::optional<GridDirection> direction = directionOf(key);
-    return direction ? m_selection.move(*direction, m_urls, columnCount).value_or(-1) : -1;
+    if (!direction)
+        return -1;
+    return m_selection.move(*direction, std::max(0, firstSelectedRow()), m_urls, columnCount).value_or(-1);
 }
 
 void MediaListModel::setViewport(double contentY, double viewHeight, double rowPitch, int columnCount)
@@ -185,12 +217,13 @@ QHash<int, QByteArray> MediaListModel::roleNames() const
 void MediaListModel::announceSelection(const QSet<FileUrl> &before)
 {
     const QSet<FileUrl> &now = m_selection.urls();
-    // One look a row: lists are long, and selections mostly short.
-    const QSet<FileUrl> changed = (before - now) + (now - before);
-    for (int row = 0; row < count(); ++row) {
-        if (changed.contains(m_urls.at(row)))
-            Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
-    }
+    m_firstSelectedRow.reset();
+    QList<int> changed;
+    for (const FileUrl &url : (before - now) + (now - before))
+        changed += rows().values(url);
+    std::ranges::sort(changed);
+    for (const int row : std::as_const(changed))
+        Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
     Q_EMIT firstSelectedRowChanged();
 }
 

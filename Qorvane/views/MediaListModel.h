@@ -5,10 +5,12 @@
 
 #include <QAbstractListModel>
 #include <QList>
+#include <QMultiHash>
 #include <QSet>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <optional>
 
 namespace Qorvane {
 
@@ -72,6 +74,8 @@ Q_SIGNALS:
 private:
     void removeAllBut(const QList<FileUrl> &urls);
     void replaceAll(const QList<FileUrl> &urls);
+    void forgetRows();
+    const QMultiHash<FileUrl, int> &rows() const;
     void announceSelection(const QSet<FileUrl> &before);
     void announceRevision(const FileUrl &url);
 
@@ -79,6 +83,9 @@ private:
     const ThumbnailRevisions &m_revisions;
     IsVideo m_isVideo;
     QList<FileUrl> m_urls;
+    // Lists are long, and a held arrow asks often: both made when first asked for.
+    mutable QMultiHash<FileUrl, int> m_rows;
+    mutable std::optional<int> m_firstSelectedRow;
     RowRange m_visibleRows;
 };
 

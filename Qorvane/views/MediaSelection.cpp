@@ -1,7 +1,5 @@
 #include "views/MediaSelection.h"
 
-#include <algorithm>
-
 namespace Qorvane {
 
 void MediaSelection::setUrls(const QSet<FileUrl> &urls)
@@ -25,21 +23,12 @@ void MediaSelection::click(const FileUrl &url, bool isCommandHeld)
     setUrls(urls);
 }
 
-std::optional<int> MediaSelection::firstPosition(const QList<FileUrl> &urls) const
-{
-    if (m_urls.isEmpty())
-        return std::nullopt;
-    const auto first =
-        std::find_if(urls.cbegin(), urls.cend(), [this](const FileUrl &url) { return m_urls.contains(url); });
-    return first == urls.cend() ? std::nullopt : std::optional(int(first - urls.cbegin()));
-}
-
-std::optional<int> MediaSelection::move(GridDirection direction, const QList<FileUrl> &urls, int columnCount)
+std::optional<int> MediaSelection::move(GridDirection direction, int position, const QList<FileUrl> &urls,
+                                        int columnCount)
 {
     if (urls.isEmpty())
         return std::nullopt;
-    const int target =
-        movedPosition(direction, firstPosition(urls).value_or(0), int(urls.size()), columnCount);
+    const int target = movedPosition(direction, position, int(urls.size()), columnCount);
     setUrls({urls.at(target)});
     return target;
 }

@@ -34,13 +34,11 @@ public:
     /// A double click: `url` alone, also where it was one of several.
     void selectAlone(const FileUrl &url) { setUrls({url}); }
 
-    /// The lowest position in `urls` of a selected file; nothing when none of them is.
-    std::optional<int> firstPosition(const QList<FileUrl> &urls) const;
-
-    /// An arrow key over the cells `urls`, in display order: starts from the first selected one (from the
-    /// first cell when none is) and selects the cell arrived at alone. Gives its position; nothing, and no
-    /// change, when there are no cells.
-    std::optional<int> move(GridDirection direction, const QList<FileUrl> &urls, int columnCount);
+    /// An arrow key over the cells `urls`, in display order: starts from `position`, which is that of the first
+    /// selected one (the first cell when none is), and selects the cell arrived at alone. Gives its position;
+    /// nothing, and no change, when there are no cells.
+    std::optional<int> move(GridDirection direction, int position, const QList<FileUrl> &urls,
+                            int columnCount);
 
 Q_SIGNALS:
     /// `before` is what was selected until now.

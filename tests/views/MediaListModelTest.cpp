@@ -98,6 +98,38 @@ TEST_F(MediaListModelTest, arrowKeysMoveAndOthersAreLeftAlone)
     EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("b.jpg")});
 }
 
+TEST_F(MediaListModelTest, anArrowStartsFromTheFirstSelectedOfTheListThatIsShown)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});
+    selection.setUrls({file("c.jpg"), file("b.jpg")});
+    EXPECT_EQ(model.handleKey(Qt::Key_Left, 2), 0);
+    model.setUrls({file("c.jpg"), file("b.jpg"), file("a.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 2);
+    EXPECT_EQ(model.handleKey(Qt::Key_Left, 2), 1);
+    selection.clear();
+    EXPECT_EQ(model.handleKey(Qt::Key_Right, 2), 1);
+}
+
+TEST_F(MediaListModelTest, everyChangeOfTheListMovesTheFirstSelectedRow)
+{
+    selection.setUrls({file("d.jpg")});
+    // Whoever follows the rows asks in the midst of a change too.
+    const auto ask = [this] { (void)model.firstSelectedRow(); };
+    QObject::connect(&model, &QAbstractItemModel::rowsRemoved, &model, ask);
+    QObject::connect(&model, &QAbstractItemModel::dataChanged, &model, ask);
+    QObject::connect(&model, &QAbstractItemModel::rowsInserted, &model, ask);
+    model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg"), file("d.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 3);
+    model.setUrls({file("b.jpg"), file("d.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 1);
+    model.setUrls({file("x.jpg"), file("y.jpg"), file("d.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 2);
+    model.setUrls({file("d.jpg"), file("y.jpg")});
+    EXPECT_EQ(model.firstSelectedRow(), 0);
+    model.setUrls({});
+    EXPECT_EQ(model.firstSelectedRow(), -1);
+}
+
 TEST_F(MediaListModelTest, namesTheFilesInView)
 {
     model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg"), file("d.jpg")});

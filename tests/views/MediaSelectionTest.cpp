@@ -41,32 +41,26 @@ TEST(MediaSelection, commandClickOnTheOnlySelectedCellLeavesNothing)
     EXPECT_TRUE(selection.urls().isEmpty());
 }
 
-TEST(MediaSelection, arrowStartsFromTheFirstSelectedInDisplayOrder)
+TEST(MediaSelection, arrowSelectsTheCellArrivedAtAlone)
 {
     MediaSelection selection;
     selection.setUrls({c, b});
-    EXPECT_EQ(selection.move(GridDirection::left, all, 1), 0);
+    EXPECT_EQ(selection.move(GridDirection::left, 1, all, 1), 0);
     EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
 }
 
 TEST(MediaSelection, arrowAtTheEdgeStaysButSelects)
 {
     MediaSelection selection;
-    EXPECT_EQ(selection.move(GridDirection::left, all, 4), 0);
+    EXPECT_EQ(selection.move(GridDirection::left, 0, all, 4), 0);
     EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
-}
-
-TEST(MediaSelection, arrowWithNothingSelectedCountsFromTheFirstCell)
-{
-    MediaSelection selection;
-    EXPECT_EQ(selection.move(GridDirection::right, all, 4), 1);
 }
 
 TEST(MediaSelection, arrowOverNoCellsIsNotHandled)
 {
     MediaSelection selection;
     selection.setUrls({a});
-    EXPECT_EQ(selection.move(GridDirection::right, {}, 4), std::nullopt);
+    EXPECT_EQ(selection.move(GridDirection::right, 0, {}, 4), std::nullopt);
     EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
 }
 
