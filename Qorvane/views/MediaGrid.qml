@@ -70,12 +70,22 @@ FocusScope {
     }
 
     function updateViewport() {
-        media.setViewport(grid.contentY, grid.height, rowPitch, columns.count);
+        // A hidden grid would put its files before those of the one in view.
+        if (visible)
+            media.setViewport(grid.contentY, grid.height, rowPitch, columns.count);
     }
 
     onIdentityChanged: scrollTo(lowest, 0)
-    onVisibleChanged: updateViewport()
+    onVisibleChanged: visible ? updateViewport() : media.leaveViewport()
     onActiveFocusChanged: isPointerUsed = isPointerUsed && activeFocus
+
+    Connections {
+        target: area.media
+
+        function onUrlsChanged() {
+            area.updateViewport();
+        }
+    }
 
     GridView {
         id: grid
@@ -110,7 +120,6 @@ FocusScope {
 
         onContentYChanged: area.updateViewport()
         onHeightChanged: area.updateViewport()
-        onCountChanged: area.updateViewport()
         onCellWidthChanged: area.updateViewport()
 
         Keys.onPressed: event => {

@@ -60,6 +60,7 @@ void MediaListModel::setUrls(const QList<FileUrl> &urls)
     } else {
         replaceAll(urls);
     }
+    Q_EMIT urlsChanged();
     Q_EMIT countChanged();
     Q_EMIT firstSelectedRowChanged();
 }

@@ -150,6 +150,18 @@ TEST_F(MediaListModelTest, namesTheFilesInViewAnewAfterAnotherList)
     EXPECT_EQ(announcements.count(), 1);
 }
 
+TEST_F(MediaListModelTest, aGridThatWasHiddenTellsItsFilesAgain)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg")});
+    model.setViewport(0, 100, 210, 2);
+    QSignalSpy announcements(&model, &MediaListModel::visiblePathsChanged);
+    model.setViewport(0, 100, 210, 2);
+    model.leaveViewport();
+    EXPECT_EQ(announcements.count(), 0);
+    model.setViewport(0, 100, 210, 2);
+    EXPECT_EQ(announcements.count(), 1);
+}
+
 TEST_F(MediaListModelTest, aChangedPictureConcernsItsRowAlone)
 {
     model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QSignalSpy>
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 
@@ -185,6 +186,59 @@ TEST_F(PhotoGridTest, anotherSortOrderBeginsAtTheTop)
     setPosition("photoGrid", 900);
     library.setSortCriterion(SortCriterion::modificationDate);
     EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top; }));
+}
+
+TEST_F(PhotoGridTest, anotherFolderBeginsAtTheTop)
+{
+    showFolder(60);
+    const double top = position("photoGrid");
+    const QString second = makeFolder(QStringLiteral("Second"), 60);
+    state.addFolders({QUrl::fromLocalFile(second)});
+    ASSERT_TRUE(waitUntil([&] { return library.libraryFolders().size() == 2; }));
+    const auto choose = [this](const QString &path) {
+        const QList<Folder> folders = library.libraryFolders();
+        const auto chosen =
+            std::ranges::find_if(folders, [&](const Folder &one) { return one.url.path() == path; });
+        ASSERT_NE(chosen, folders.end());
+        library.setSelectedFolder(*chosen);
+        ASSERT_TRUE(waitUntil([&] {
+            return state.photos()->count() == 60 &&
+                   state.photos()->path(0).startsWith(path + QLatin1Char('/'));
+        }));
+    };
+    choose(second);
+    for (const QString &path : {folder, second}) {
+        setPosition("photoGrid", 900);
+        choose(path);
+        EXPECT_EQ(position("photoGrid"), top);
+    }
+}
+
+TEST_F(PhotoGridTest, tellsWhatIsInViewAfterAnotherOrderToo)
+{
+    showFolder(60);
+    QSet<QString> visible;
+    QObject::connect(state.photos(), &MediaListModel::visiblePathsChanged, &state,
+                     [&visible](const QSet<QString> &paths) { visible = paths; });
+    library.setSortOrder(SortOrder::descending);
+    EXPECT_TRUE(waitUntil([&] { return visible.contains(picture(59).path()); }));
+    EXPECT_FALSE(visible.contains(picture(0).path()));
+}
+
+TEST_F(PhotoGridTest, aHiddenGridTellsNothingUntilItIsBack)
+{
+    showFolder(60);
+    showResults({1, 2});
+    QSignalSpy told(state.photos(), &MediaListModel::visiblePathsChanged);
+    window->resize(window->width(), window->height() - 250);
+    waitForFrame();
+    library.setSortOrder(SortOrder::descending);
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->path(0) == picture(59).path(); }));
+    waitForFrame();
+    EXPECT_EQ(told.count(), 0);
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible() && told.count() > 0; }));
+    EXPECT_TRUE(told.last().at(0).value<QSet<QString>>().contains(picture(59).path()));
 }
 
 TEST_F(PhotoGridTest, theSameSortOrderAgainLeavesThePlace)
@@ -368,8 +422,8 @@ TEST_F(PhotoGridTest, aFileWithoutAPictureKeepsItsMarkWhichStandsStill)
     EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());
     // The rings of the sidebar turn as long as the folder is being gone through.
     ASSERT_TRUE(waitUntil([&] {
-        return library.processingState(FileUrl::directory(path)) == FolderProcessingState::completed
-               && !itemBelow(cell("photoGrid", 0), "progress")->property("isTurning").toBool();
+        return library.processingState(FileUrl::directory(path)) == FolderProcessingState::completed &&
+               !itemBelow(cell("photoGrid", 0), "progress")->property("isTurning").toBool();
     }));
     // Whatever was begun before then ends; a mark that turned would draw as long as it is there.
     QSignalSpy frames(window.get(), &QQuickWindow::frameSwapped);
@@ -393,8 +447,8 @@ TEST_F(PhotoGridTest, marksTurnInViewOnly)
         ++below;
     const int far = below + columns(); // the line after may be cut by the edge
     const auto turns = [this](int index) {
-        QQuickItem *const mark = cell("photoGrid", index) ? itemBelow(cell("photoGrid", index), "progress")
-                                                          : nullptr;
+        QQuickItem *const mark =
+            cell("photoGrid", index) ? itemBelow(cell("photoGrid", index), "progress") : nullptr;
         return mark && mark->property("isTurning").toBool();
     };
     EXPECT_TRUE(waitUntil([&] { return turns(0); }));
