@@ -129,6 +129,17 @@ QString ContentViewState::title() const
     return {};
 }
 
+QString ContentViewState::scope() const
+{
+    if (const std::optional<QString> tag = m_qorManager.selectedTag())
+        return QStringLiteral("tag-") + *tag;
+    if (const std::optional<int> rating = m_qorManager.selectedRating())
+        return QStringLiteral("rating-%1").arg(*rating);
+    if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
+        return QStringLiteral("folder-") + folder->url.path();
+    return {};
+}
+
 void ContentViewState::setDetailViewActive(bool isActive)
 {
     if (m_isDetailViewActive == isActive)

@@ -42,6 +42,7 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
     /// What the window shows: the selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(QString scope READ scope NOTIFY titleChanged)
     /// The middle column shows one file instead of the grid.
     Q_PROPERTY(bool isDetailViewActive READ isDetailViewActive WRITE setDetailViewActive NOTIFY
                    isDetailViewActiveChanged)
@@ -68,6 +69,8 @@ public:
     Sorting *sorting() { return &m_sorting; }
     GridPage::Page page() const { return m_page; }
     QString title() const;
+    /// Another text for each tag, rating and folder.
+    QString scope() const;
     bool isDetailViewActive() const { return m_isDetailViewActive; }
     /// Opening takes the keys to the middle column; closing gives them to the sidebar, and deselects
     /// everything.

@@ -24,7 +24,7 @@ FocusScope {
         focus: visible
         visible: view.page === GridPage.Photos
         media: view.viewState.photos
-        identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order
+        identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order + view.viewState.scope
         rowPitch: 210
         onOpened: view.viewState.isDetailViewActive = true
         onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
