@@ -61,8 +61,8 @@ public:
     Q_INVOKABLE int handleKey(int key, int columnCount);
     /// Tells which cells are in view; lengths in pixels, see visibleRows().
     Q_INVOKABLE void setViewport(double contentY, double viewHeight, double rowPitch, int columnCount);
-    /// The grid is hidden: the next viewport is told even if it is the same. Tells nothing itself, since another
-    /// grid may be in view by now.
+    /// The grid is hidden: the next viewport is told even if it is the same. Tells nothing itself, since
+    /// another grid may be in view by now.
     Q_INVOKABLE void leaveViewport() { m_visibleRows = {}; }
 
     int rowCount(const QModelIndex &parent = {}) const override;

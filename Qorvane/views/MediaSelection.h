@@ -34,9 +34,9 @@ public:
     /// A double click: `url` alone, also where it was one of several.
     void selectAlone(const FileUrl &url) { setUrls({url}); }
 
-    /// An arrow key over the cells `urls`, in display order: starts from `position`, which is that of the first
-    /// selected one (the first cell when none is), and selects the cell arrived at alone. Gives its position;
-    /// nothing, and no change, when there are no cells.
+    /// An arrow key over the cells `urls`, in display order: starts from `position`, which is that of the
+    /// first selected one (the first cell when none is), and selects the cell arrived at alone. Gives its
+    /// position; nothing, and no change, when there are no cells.
     std::optional<int> move(GridDirection direction, int position, const QList<FileUrl> &urls,
                             int columnCount);
 

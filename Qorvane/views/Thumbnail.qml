@@ -43,11 +43,14 @@ Item {
         active: thumbnail.hasWaited && !thumbnail.isLoaded
         sourceComponent: BusyIndicator {
             objectName: "progress"
-            // A file that will never have a picture keeps the mark, at rest.
-            isTurning: thumbnail.isWaiting && thumbnail.isInView
             running: true
         }
-        onLoaded: (item as BusyIndicator).color = Qt.binding(() => thumbnail.progressColor)
+        onLoaded: {
+            const mark = item as BusyIndicator;
+            mark.color = Qt.binding(() => thumbnail.progressColor);
+            // A file that will never have a picture keeps the mark, at rest.
+            mark.isTurning = Qt.binding(() => thumbnail.isWaiting && thumbnail.isInView);
+        }
     }
 
     // A cell that fills at once shall not flicker.
