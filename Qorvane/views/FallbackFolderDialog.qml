@@ -33,10 +33,17 @@ T.Popup {
     T.Overlay.modal: Rectangle {
         color: "#66000000"
     }
-    background: Rectangle {
-        color: Theme.popup
-        radius: Theme.cardRadius
-        border.color: Theme.hairline
+    background: Item {
+        SoftShadow {
+            radius: Theme.cardRadius
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.cardRadius
+            color: Theme.popup
+            border.color: Theme.popupLine
+        }
     }
 
     FolderBrowser {

@@ -20,9 +20,18 @@ T.ToolTip {
         text: control.text
         font.pixelSize: Theme.captionSize
     }
-    background: Rectangle {
-        color: Theme.popup
-        radius: Theme.rowRadius
-        border.color: Theme.hairline
+    background: Item {
+        SoftShadow {
+            radius: Theme.rowRadius
+            count: 12
+            fall: 3
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.rowRadius
+            color: Theme.popup
+            border.color: Theme.popupLine
+        }
     }
 }
