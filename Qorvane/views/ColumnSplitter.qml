@@ -5,25 +5,45 @@ import QorvaneStyle
 Item {
     id: splitter
 
+    /// For screen readers.
+    required property string name
+
     /// The edge is to move by so much to the right.
     signal moved(real distance)
     /// Back to where it was at first.
     signal reset
 
     width: 8
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Splitter
+    Accessible.name: name
+    Accessible.focusable: true
+    Accessible.focused: activeFocus
+    Keys.onLeftPressed: splitter.moved(-Theme.unit)
+    Keys.onRightPressed: splitter.moved(Theme.unit)
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Home) {
+            splitter.reset();
+            event.accepted = true;
+        }
+    }
 
     Rectangle {
-        // The last pixel of the column on the left.
-        x: parent.width / 2 - width
-        width: 1
+        objectName: "splitterLine"
+        // Ends with the last pixel of the column on the left, where it is a hairline.
+        x: parent.width / 2 - 1
+        width: splitter.activeFocus ? Theme.focusStroke : 1
         height: parent.height
-        color: Theme.hairline
+        color: splitter.activeFocus ? Theme.accent : area.containsMouse || area.pressed ? Theme.secondaryText : Theme.hairline
     }
 
     MouseArea {
+        id: area
+
         property real grabbedAt
 
         anchors.fill: parent
+        hoverEnabled: true
         cursorShape: Qt.SplitHCursor
         preventStealing: true
         onPressed: mouse => grabbedAt = mouse.x

@@ -8,6 +8,9 @@ T.ApplicationWindow {
     id: window
 
     required property ContentViewState viewState
+    readonly property Item popups: T.Overlay.overlay
+    // Every modal popup takes the keys, and a tooltip doesn't.
+    readonly property bool isUnderPopup: viewState.focus.isWithin(activeFocusItem, popups)
 
     width: 1280
     height: 800
@@ -87,6 +90,7 @@ T.ApplicationWindow {
 
     ColumnSplitter {
         objectName: "sidebarSplitter"
+        name: qsTranslate("Qorvane", "Width of the Sidebar")
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: sidebarColumn.right
@@ -96,6 +100,7 @@ T.ApplicationWindow {
 
     ColumnSplitter {
         objectName: "inspectorSplitter"
+        name: qsTranslate("Qorvane", "Width of the Info Panel")
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: content.right
@@ -133,11 +138,13 @@ T.ApplicationWindow {
 
     Shortcut {
         sequence: "Ctrl+F"
+        enabled: !window.isUnderPopup
         onActivated: toolbar.focusSearch()
     }
 
     Shortcut {
         sequence: "Ctrl+I"
+        enabled: !window.isUnderPopup
         onActivated: window.viewState.isInspectorCollapsed = !window.viewState.isInspectorCollapsed
     }
 }

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -170,6 +171,11 @@ void ContentViewState::setInspectorCollapsed(bool isCollapsed)
 void ContentViewState::chooseFolders()
 {
     m_folderPanel.open(localized("Add Folder"));
+}
+
+bool ContentViewState::mayHoldFolders(const QList<QUrl> &urls) const
+{
+    return std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
 }
 
 void ContentViewState::addFolders(const QList<QUrl> &urls)

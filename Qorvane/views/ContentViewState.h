@@ -86,6 +86,9 @@ public:
     /// Adds the folders among `urls` to the library, in their order; other files, and what isn't
     /// on this machine, are passed over.
     Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
+    /// Whether `addFolders` might find folders among `urls`. By the addresses alone, for a drag can't wait
+    /// for a disk.
+    Q_INVOKABLE bool mayHoldFolders(const QList<QUrl> &urls) const;
 
 Q_SIGNALS:
     void pageChanged();

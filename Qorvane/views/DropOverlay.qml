@@ -10,8 +10,16 @@ DropArea {
 
     objectName: "dropOverlay"
     keys: ["text/uri-list"]
+    // Always a copy: after a move, the file manager would delete what the library only points to.
+    onEntered: drag => {
+        if (area.viewState.mayHoldFolders(drag.urls) && (drag.supportedActions & Qt.CopyAction))
+            drag.accept(Qt.CopyAction);
+        else
+            drag.accepted = false;
+    }
+    onPositionChanged: drag => drag.accept(Qt.CopyAction)
     onDropped: drop => {
-        drop.acceptProposedAction();
+        drop.accept(Qt.CopyAction);
         area.viewState.addFolders(drop.urls);
     }
 

@@ -81,6 +81,46 @@ TEST_F(ContentColumnsTest, eachEdgeCanBeDrawnToEitherSideAndGoesBackAtADoubleCli
     EXPECT_EQ(width("inspectorColumn"), 300);
 }
 
+TEST_F(ContentColumnsTest, eachEdgeCanBeMovedByKeysAndGoesBackAtHome)
+{
+    for (const auto &[splitter, column, ideal, step] :
+         {std::tuple("sidebarSplitter", "sidebar", 230, 8),
+          std::tuple("inspectorSplitter", "inspectorColumn", 300, -8)}) {
+        QQuickItem *const edge = item(splitter);
+        EXPECT_TRUE(edge->activeFocusOnTab());
+        QAccessibleInterface *const accessible = QAccessible::queryAccessibleInterface(edge);
+        EXPECT_EQ(accessible->role(), QAccessible::Splitter);
+        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty());
+        QQuickItem *const line = itemBelow(edge, "splitterLine");
+        const QColor unfocused = line->property("color").value<QColor>();
+        edge->forceActiveFocus(Qt::TabFocusReason);
+        EXPECT_NE(line->property("color").value<QColor>(), unfocused);
+        QTest::keyClick(window.get(), Qt::Key_Right);
+        EXPECT_EQ(width(column), ideal + step);
+        QTest::keyClick(window.get(), Qt::Key_Left);
+        QTest::keyClick(window.get(), Qt::Key_Left);
+        EXPECT_EQ(width(column), ideal - step);
+        QTest::keyClick(window.get(), Qt::Key_Home);
+        EXPECT_EQ(width(column), ideal);
+    }
+}
+
+TEST_F(ContentColumnsTest, theShortcutsRestWhileAMenuIsOpen)
+{
+    addFolder(QStringLiteral("Photos"), 2);
+    waitForFrame();
+    click(item("sortButton"));
+    ASSERT_TRUE(waitUntil([this] { return sortMenu()->property("opened").toBool(); }));
+    QTest::keyClick(window.get(), Qt::Key_I, Qt::ControlModifier);
+    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_FALSE(state.isInspectorCollapsed());
+    EXPECT_FALSE(hasKeys("searchField"));
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return !sortMenu()->property("visible").toBool(); }));
+    QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(hasKeys("searchField"));
+}
+
 TEST_F(ContentColumnsTest, theContentOfAVeryWideWindowStaysInTheMiddle)
 {
     window->resize(2600, 900);

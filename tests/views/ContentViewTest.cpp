@@ -68,6 +68,33 @@ TEST_F(ContentViewTest, aFolderDroppedOnTheWindowIsAddedAndAFileIsNot)
     EXPECT_TRUE(waitUntil([this] { return !item("dropVeil")->isVisible(); }));
 }
 
+TEST_F(ContentViewTest, aDropIsNeverAMove)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(makeFolder(QStringLiteral("Moved"), 1))});
+    const QPoint position(700, 400);
+    const Qt::DropActions either = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(position, either, &data, Qt::LeftButton, Qt::ShiftModifier);
+    enter.setDropAction(Qt::MoveAction);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    QDropEvent drop(position, either, &data, Qt::LeftButton, Qt::ShiftModifier);
+    drop.setDropAction(Qt::MoveAction);
+    QCoreApplication::sendEvent(window.get(), &drop);
+    EXPECT_TRUE(drop.isAccepted());
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
+    EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == 1; }));
+}
+
+TEST_F(ContentViewTest, addressesOfOtherMachinesAreNotTakenFromADrag)
+{
+    QMimeData data;
+    data.setUrls({QUrl(QStringLiteral("https://example.org/picture.jpg"))});
+    QDragEnterEvent enter(QPoint(700, 400), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    EXPECT_FALSE(enter.isAccepted());
+    EXPECT_FALSE(item("dropOverlay")->property("containsDrag").toBool());
+}
+
 TEST_F(ContentViewTest, typingSearchesAtEveryKeyAndShowsTheHits)
 {
     const QString folder = addFolder(QStringLiteral("Photos"), 6);

@@ -272,6 +272,14 @@
         <translation>Sidebar</translation>
     </message>
     <message>
+        <source>Width of the Sidebar</source>
+        <translation>Width of the Sidebar</translation>
+    </message>
+    <message>
+        <source>Width of the Info Panel</source>
+        <translation>Width of the Info Panel</translation>
+    </message>
+    <message>
         <source>%1, %2</source>
         <translation>%1, %2</translation>
     </message>

@@ -271,6 +271,14 @@
         <translation>边栏</translation>
     </message>
     <message>
+        <source>Width of the Sidebar</source>
+        <translation>边栏宽度</translation>
+    </message>
+    <message>
+        <source>Width of the Info Panel</source>
+        <translation>信息面板宽度</translation>
+    </message>
+    <message>
         <source>%1, %2</source>
         <translation>%1，%2</translation>
     </message>
