@@ -1,69 +1,66 @@
 #include "views/ThumbnailQueue.h"
 
 #include <algorithm>
-#include <thread>
 
 namespace Qorvane {
 
 ThumbnailQueue::ThumbnailQueue(int threadCount)
 {
-    m_pool->setMaxThreadCount(threadCount);
-    m_pool->setObjectName(QStringLiteral("thumbnails"));
+    m_pool.setMaxThreadCount(threadCount);
+    m_pool.setObjectName(QStringLiteral("thumbnails"));
 }
 
 ThumbnailQueue::~ThumbnailQueue()
 {
     {
-        const std::scoped_lock lock(m_desk->mutex);
-        m_desk->waiting.clear();
+        const std::scoped_lock lock(m_mutex);
+        m_waiting.clear();
     }
-    m_pool->clear();
-    if (m_pool->waitForDone(0))
-        return;
-    // A pool waits for its threads when it goes, so it goes elsewhere.
-    std::thread([pool = std::move(m_pool)]() mutable { pool.reset(); }).detach();
+    m_pool.waitForDone();
 }
 
 ThumbnailQueue::Ticket ThumbnailQueue::add(const QString &path, Work work)
 {
     Ticket ticket = 0;
     {
-        const std::scoped_lock lock(m_desk->mutex);
-        ticket = ++m_desk->lastTicket;
-        m_desk->waiting.push_back({ticket, path, std::move(work)});
+        const std::scoped_lock lock(m_mutex);
+        ticket = ++m_lastTicket;
+        m_waiting.push_back({ticket, path, std::move(work)});
     }
     // One turn for each piece; which piece a turn takes is decided when a thread is free for it.
-    m_pool->start([desk = m_desk] {
-        if (const Work next = desk->takeNext())
-            next();
-    });
+    m_pool.start([this] { runNext(); });
     return ticket;
 }
 
 bool ThumbnailQueue::drop(Ticket ticket)
 {
-    const std::scoped_lock lock(m_desk->mutex);
-    return std::erase_if(m_desk->waiting, [ticket](const Entry &entry) { return entry.ticket == ticket; }) >
-           0;
+    const std::scoped_lock lock(m_mutex);
+    return std::erase_if(m_waiting, [ticket](const Entry &entry) { return entry.ticket == ticket; }) > 0;
 }
 
 void ThumbnailQueue::setVisiblePaths(const QSet<QString> &paths)
 {
-    const std::scoped_lock lock(m_desk->mutex);
-    m_desk->visiblePaths = paths;
+    const std::scoped_lock lock(m_mutex);
+    m_visiblePaths = paths;
 }
 
-ThumbnailQueue::Work ThumbnailQueue::Desk::takeNext()
+void ThumbnailQueue::runNext()
 {
-    const std::scoped_lock lock(mutex);
-    if (waiting.empty())
+    if (const Work work = takeNext())
+        work();
+}
+
+ThumbnailQueue::Work ThumbnailQueue::takeNext()
+{
+    const std::scoped_lock lock(m_mutex);
+    if (m_waiting.empty())
         return {};
-    auto next = std::find_if(waiting.begin(), waiting.end(),
-                             [this](const Entry &entry) { return visiblePaths.contains(entry.path); });
-    if (next == waiting.end())
-        next = std::prev(waiting.end());
+    auto next = std::find_if(m_waiting.begin(), m_waiting.end(),
+                             [this](const Entry &entry) { return m_visiblePaths.contains(entry.path); });
+    if (next == m_waiting.end())
+        next = std::prev(m_waiting.end());
     Work work = std::move(next->work);
-    waiting.erase(next);
+    m_waiting.erase(next);
     return work;
 }
 

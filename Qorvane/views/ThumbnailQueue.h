@@ -5,7 +5,6 @@
 #include <QThreadPool>
 
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -23,8 +22,7 @@ public:
 
     /// `threadCount` pieces of work run at the same time.
     explicit ThumbnailQueue(int threadCount);
-    /// Drops what waits. What runs comes to its end by itself, later maybe: a file on a drive that no longer
-    /// answers would hold up whoever closes the window.
+    /// Drops what waits, and waits for what runs.
     ~ThumbnailQueue();
     ThumbnailQueue(const ThumbnailQueue &) = delete;
     ThumbnailQueue &operator=(const ThumbnailQueue &) = delete;
@@ -46,19 +44,14 @@ private:
         Work work;
     };
 
-    /// What the threads share with the queue, and may outlive it with.
-    struct Desk
-    {
-        Work takeNext();
+    void runNext();
+    Work takeNext();
 
-        std::mutex mutex;
-        std::vector<Entry> waiting; // in the order asked for
-        QSet<QString> visiblePaths;
-        Ticket lastTicket = 0;
-    };
-
-    std::shared_ptr<Desk> m_desk = std::make_shared<Desk>();
-    std::unique_ptr<QThreadPool> m_pool = std::make_unique<QThreadPool>();
+    std::mutex m_mutex;
+    std::vector<Entry> m_waiting; // in the order asked for
+    QSet<QString> m_visiblePaths;
+    Ticket m_lastTicket = 0;
+    QThreadPool m_pool; // last: its threads use all of the above
 };
 
 } // namespace Qorvane
