@@ -2,12 +2,12 @@
 
 #include "platform/Directories.h"
 #include "platform/GlobalQueue.h"
+#include "support/MessageBus.h"
 #include "support/Waiting.h"
 
 #include <QDBusConnection>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -19,19 +19,6 @@
 using namespace Qorvane;
 
 namespace {
-
-// Plays the desktop's file manager.
-class FileManager : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-    QStringList m_shown;
-
-public Q_SLOTS:
-    void ShowItems(const QStringList &uris, const QString &) { m_shown += uris; }
-};
 
 void writeFile(const QString &path, const QByteArray &content)
 {
@@ -111,12 +98,11 @@ protected:
                   "inode/directory=org.example.Editor.desktop\n"
                   "text/plain=org.example.Editor.desktop\n"
                   "x-scheme-handler/https=org.example.Editor.desktop\n");
-        startBus();
+        s_bus = std::make_unique<MessageBus>();
+        ASSERT_TRUE(s_bus->isRunning());
     }
     static void TearDownTestSuite()
     {
-        s_bus->kill();
-        s_bus->waitForFinished();
         s_bus.reset();
         s_application.reset();
         s_folder.reset();
@@ -128,20 +114,7 @@ protected:
         s_application->forget();
     }
 
-    // A message bus of our own. The address is read once in the life of a process.
-    static void startBus()
-    {
-        s_bus = std::make_unique<QProcess>();
-        s_bus->start(QStringLiteral(QORVANE_DBUS_DAEMON),
-                     {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                      QStringLiteral("--print-address"),
-                      QStringLiteral("--address=unix:tmpdir=") + s_folder->path()});
-        ASSERT_TRUE(s_bus->waitForReadyRead());
-        qputenv("DBUS_SESSION_BUS_ADDRESS", s_bus->readLine().trimmed());
-    }
-
-    static inline std::unique_ptr<QProcess> s_bus;
-
+    static inline std::unique_ptr<MessageBus> s_bus;
     static inline std::unique_ptr<QTemporaryDir> s_folder;
     static inline std::unique_ptr<RecordingApplication> s_application;
 };
@@ -246,13 +219,11 @@ TEST_F(WorkspaceTest, theFileManagerOnTheBusIsAskedToSelectTheFiles)
 // Last, since the bus doesn't come back.
 TEST_F(WorkspaceTest, withoutABusTheFolderIsOpened)
 {
-    s_bus->kill();
-    ASSERT_TRUE(s_bus->waitForFinished());
+    s_bus->end();
+    ASSERT_FALSE(s_bus->isRunning());
     Workspace::showInFileManager({FileUrl::file(s_folder->filePath(QStringLiteral("a.jpg")))});
     ASSERT_TRUE(s_application->waitUntilStarted());
     EXPECT_EQ(localPath(s_application->arguments().value(0)), s_folder->path());
 }
 
 } // namespace
-
-#include "WorkspaceTest.moc"

@@ -1,25 +1,12 @@
 #include "platform/GlobalQueue.h"
+#include "support/MessageBus.h"
 #include "views/GridFixture.h"
 
 #include <QDBusConnection>
-#include <QProcess>
 
 using namespace Qorvane;
 
 namespace {
-
-// Plays the desktop's file manager.
-class FileManager : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-    QStringList m_shown;
-
-public Q_SLOTS:
-    void ShowItems(const QStringList &uris, const QString &) { m_shown += uris; }
-};
 
 const QString connectionName = QStringLiteral("file manager");
 
@@ -29,23 +16,10 @@ class CellMenuTest : public GridFixture
 protected:
     static void SetUpTestSuite()
     {
-        s_folder = std::make_unique<QTemporaryDir>();
-        s_bus = std::make_unique<QProcess>();
-        s_bus->start(QStringLiteral(QORVANE_DBUS_DAEMON),
-                     {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                      QStringLiteral("--print-address"),
-                      QStringLiteral("--address=unix:tmpdir=") + s_folder->path()});
-        ASSERT_TRUE(s_bus->waitForReadyRead());
-        // Read once in the life of a process.
-        qputenv("DBUS_SESSION_BUS_ADDRESS", s_bus->readLine().trimmed());
+        s_bus = std::make_unique<MessageBus>();
+        ASSERT_TRUE(s_bus->isRunning());
     }
-    static void TearDownTestSuite()
-    {
-        s_bus->kill();
-        s_bus->waitForFinished();
-        s_bus.reset();
-        s_folder.reset();
-    }
+    static void TearDownTestSuite() { s_bus.reset(); }
 
     void SetUp() override
     {
@@ -72,8 +46,7 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return !fileManager.m_shown.isEmpty(); }));
     }
 
-    static inline std::unique_ptr<QTemporaryDir> s_folder;
-    static inline std::unique_ptr<QProcess> s_bus;
+    static inline std::unique_ptr<MessageBus> s_bus;
     FileManager fileManager;
 };
 
@@ -148,5 +121,3 @@ TEST_F(CellMenuTest, withNothingSelectedTheKeyboardHasNoMenu)
 }
 
 } // namespace
-
-#include "CellMenuTest.moc"

@@ -1,14 +1,13 @@
 #include "platform/desktop/FolderPanel.h"
 
+#include "support/MessageBus.h"
 #include "support/Waiting.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QProcess>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -68,23 +67,10 @@ class FolderPanelTest : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        s_folder = std::make_unique<QTemporaryDir>();
-        s_bus = std::make_unique<QProcess>();
-        s_bus->start(QStringLiteral(QORVANE_DBUS_DAEMON),
-                     {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                      QStringLiteral("--print-address"),
-                      QStringLiteral("--address=unix:tmpdir=") + s_folder->path()});
-        ASSERT_TRUE(s_bus->waitForReadyRead());
-        // Read once in the life of a process.
-        qputenv("DBUS_SESSION_BUS_ADDRESS", s_bus->readLine().trimmed());
+        s_bus = std::make_unique<MessageBus>();
+        ASSERT_TRUE(s_bus->isRunning());
     }
-    static void TearDownTestSuite()
-    {
-        s_bus->kill();
-        s_bus->waitForFinished();
-        s_bus.reset();
-        s_folder.reset();
-    }
+    static void TearDownTestSuite() { s_bus.reset(); }
 
     ~FolderPanelTest() override { QDBusConnection::disconnectFromBus(portalName); }
 
@@ -104,8 +90,7 @@ protected:
 
     QList<QUrl> answered() const { return chosen.at(0).at(0).value<QList<QUrl>>(); }
 
-    static inline std::unique_ptr<QTemporaryDir> s_folder;
-    static inline std::unique_ptr<QProcess> s_bus;
+    static inline std::unique_ptr<MessageBus> s_bus;
     Portal portal;
     FolderPanel panel;
     QSignalSpy chosen{&panel, &FolderPanel::chosen};
