@@ -230,9 +230,9 @@ void MediaListModel::announceSelection(const QSet<FileUrl> &before)
 
 void MediaListModel::announceRevision(const FileUrl &url)
 {
-    const qsizetype row = m_urls.indexOf(url);
-    if (row >= 0)
-        Q_EMIT dataChanged(index(int(row)), index(int(row)), {RevisionRole});
+    const QList<int> changed = rows().values(url);
+    for (const int row : changed)
+        Q_EMIT dataChanged(index(row), index(row), {RevisionRole});
 }
 
 } // namespace Qorvane
