@@ -39,9 +39,4 @@ void ColumnFocus::note(FocusableField field)
     Q_EMIT focusedFieldChanged();
 }
 
-bool ColumnFocus::isWithin(const QQuickItem *item, const QQuickItem *ground) const
-{
-    return item && ground && ground->isAncestorOf(item);
-}
-
 } // namespace Qorvane

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
 #include <optional>
@@ -46,9 +45,6 @@ public:
     /// The user is in a column already, by a click or the Tab key.
     Q_INVOKABLE void noteSidebar() { note(FocusableField::sidebar); }
     Q_INVOKABLE void noteDetail() { note(FocusableField::detail); }
-
-    /// Whether what has the keys lies in `ground`; false where either is nothing.
-    Q_INVOKABLE bool isWithin(const QQuickItem *item, const QQuickItem *ground) const;
 
 Q_SIGNALS:
     void focusedFieldChanged();

@@ -10,7 +10,7 @@ T.ApplicationWindow {
     required property ContentViewState viewState
     readonly property Item popups: T.Overlay.overlay
     // Every modal popup takes the keys, and a tooltip doesn't.
-    readonly property bool isUnderPopup: viewState.focus.isWithin(activeFocusItem, popups)
+    readonly property bool isUnderPopup: viewState.keyboardFocus.isWithin(activeFocusItem, popups)
 
     width: 1280
     height: 800
@@ -20,6 +20,7 @@ T.ApplicationWindow {
     color: Theme.window
     // The controls would ask the desktop, past the application.
     font.family: Application.font.family
+    Component.onCompleted: viewState.keyboardFocus.follow(window, popups)
 
     ColumnWidths {
         id: widths

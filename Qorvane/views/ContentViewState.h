@@ -3,6 +3,7 @@
 #include "platform/desktop/FolderPanel.h"
 #include "views/ColumnFocus.h"
 #include "views/GridPage.h"
+#include "views/KeyboardFocus.h"
 #include "views/MediaActions.h"
 #include "views/MediaListModel.h"
 #include "views/MediaSelection.h"
@@ -36,6 +37,7 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
     Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
     Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
+    Q_PROPERTY(Qorvane::KeyboardFocus *keyboardFocus READ keyboardFocus CONSTANT)
     Q_PROPERTY(Qorvane::SelectedMedia *selected READ selected CONSTANT)
     Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
     Q_PROPERTY(Qorvane::MediaActions *actions READ actions CONSTANT)
@@ -65,6 +67,7 @@ public:
     MediaActions *actions() { return &m_actions; }
     MediaSelection &selection() { return m_selection; }
     ColumnFocus *focus() { return &m_focus; }
+    KeyboardFocus *keyboardFocus() { return &m_keyboardFocus; }
     SelectedMedia *selected() { return &m_selected; }
     Sorting *sorting() { return &m_sorting; }
     GridPage::Page page() const { return m_page; }
@@ -114,6 +117,7 @@ private:
     MediaListModel m_results;
     SearchController m_search;
     ColumnFocus m_focus;
+    KeyboardFocus m_keyboardFocus;
     SelectedMedia m_selected;
     Sorting m_sorting;
     bool m_isDetailViewActive = false;

@@ -10,7 +10,8 @@ Item {
     required property int depth
     required property bool hasChildren
     required property bool isExpanded
-    required property bool isSelected
+    /// Everything in it is drawn in one ink.
+    required property bool standsOut
     required property bool isFavorite
     required property int runState
     required property double progress
@@ -23,7 +24,7 @@ Item {
         x: Theme.unit + 2 + row.depth * Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
         isExpanded: row.isExpanded
-        ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
+        ink: row.standsOut ? Theme.accentInk : Theme.secondaryText
         visible: row.hasChildren
         onClicked: row.toggled()
     }
@@ -35,7 +36,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         name: "folder"
         size: 16
-        color: row.isSelected ? Theme.accentInk : Theme.accent
+        color: row.standsOut ? Theme.accentInk : Theme.accent
     }
 
     Label {
@@ -45,7 +46,7 @@ Item {
         anchors.rightMargin: marks.width > 0 ? 4 : 0
         anchors.verticalCenter: parent.verticalCenter
         text: row.name
-        color: row.isSelected ? Theme.accentInk : Theme.text
+        color: row.standsOut ? Theme.accentInk : Theme.text
         Accessible.ignored: true
     }
 
@@ -63,7 +64,7 @@ Item {
             runState: row.runState
             progress: row.progress
             percent: row.percent
-            standsOnAccent: row.isSelected
+            standsOnAccent: row.standsOut
             visible: width > 0
         }
 
@@ -72,7 +73,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             name: "star.fill"
             size: 13
-            color: row.isSelected ? Theme.accentInk : Theme.star
+            color: row.standsOut ? Theme.accentInk : Theme.star
             visible: row.isFavorite
         }
     }

@@ -29,6 +29,7 @@ Item {
     Accessible.selectable: true
     Accessible.selected: isSelected
     Accessible.focusable: true
+    Accessible.focused: activeFocus
     Accessible.onPressAction: grid.select(index, false)
 
     Item {
@@ -68,9 +69,23 @@ Item {
             anchors.fill: thumbnail
             color: "transparent"
             radius: Theme.cellRadius
-            border.width: cell.isSelected ? Theme.selectionStroke : Theme.focusStroke
-            border.color: cell.isSelected ? Theme.accent : Theme.secondaryText
-            visible: cell.isSelected || cell.index === 0 && cell.grid.isFocusShown
+            border.width: Theme.selectionStroke
+            border.color: Theme.accent
+            visible: cell.isSelected
+        }
+
+        // Around the picture, where it is seen beside the ring of a selected one too.
+        Loader {
+            anchors.fill: thumbnail
+            anchors.margins: -2 * Theme.focusStroke
+            active: cell.activeFocus && cell.grid.keys.isVisible
+            sourceComponent: Rectangle {
+                objectName: "focusRing"
+                color: "transparent"
+                radius: Theme.cellRadius + 2 * Theme.focusStroke
+                border.width: Theme.focusStroke
+                border.color: Theme.accent
+            }
         }
 
         HoverHandler {

@@ -11,6 +11,7 @@ FocusScope {
     id: area
 
     required property MediaListModel media
+    required property KeyboardFocus keys
     /// Distance between the tops of two rows of cells.
     required property int rowPitch
     required property Component delegate
@@ -20,9 +21,7 @@ FocusScope {
     property string identity
     property string gridName: ""
     readonly property double columnWidth: columns.columnWidth
-    /// Only whoever walks by keyboard needs to see where the keys go.
-    property bool isFocusShown: activeFocus && !isPointerUsed && media.firstSelectedRow < 0
-    property bool isPointerUsed: false
+    readonly property bool hasKeys: keys.isWithin(keys.holder, grid)
     readonly property double lowest: grid.originY - grid.topMargin
     readonly property double highest: grid.originY + grid.contentHeight + grid.bottomMargin - grid.height
 
@@ -39,7 +38,6 @@ FocusScope {
     }
 
     function select(row, isCommandHeld) {
-        isPointerUsed = true;
         media.click(row, isCommandHeld);
         forceActiveFocus();
     }
@@ -53,7 +51,8 @@ FocusScope {
         motion.stop();
         motion.duration = duration;
         motion.to = GridScrolling.settled(position, lowest, highest, Screen.devicePixelRatio);
-        motion.start();
+        if (motion.to !== grid.contentY)
+            motion.start();
     }
 
     function showRow(row) {
@@ -77,7 +76,8 @@ FocusScope {
 
     onIdentityChanged: scrollTo(lowest, 0)
     onVisibleChanged: visible ? updateViewport() : media.leaveViewport()
-    onActiveFocusChanged: isPointerUsed = isPointerUsed && activeFocus
+    // Who comes by keys sees where they are; who comes back from a menu or another window finds what they left.
+    onHasKeysChanged: if (hasKeys && keys.isVisible && media.currentRow >= 0) showRow(media.currentRow)
 
     Connections {
         target: area.media
@@ -108,6 +108,7 @@ FocusScope {
         interactive: !mouse.hovered
         pixelAligned: Screen.devicePixelRatio === Math.floor(Screen.devicePixelRatio)
         keyNavigationEnabled: false
+        currentIndex: area.media.currentRow
         highlightFollowsCurrentItem: false
         // Two rows above and below: enough that a slow scroll meets no empty cell, little enough to drop quickly.
         cacheBuffer: area.rowPitch * 2

@@ -143,6 +143,11 @@ int MediaListModel::firstSelectedRow() const
     return *m_firstSelectedRow;
 }
 
+int MediaListModel::currentRow() const
+{
+    return m_urls.isEmpty() ? -1 : std::max(0, firstSelectedRow());
+}
+
 void MediaListModel::forgetRows()
 {
     m_rows.clear();
@@ -164,7 +169,7 @@ int MediaListModel::handleKey(int key, int columnCount)
     const std::optional<GridDirection> direction = directionOf(key);
     if (!direction)
         return -1;
-    return m_selection.move(*direction, std::max(0, firstSelectedRow()), m_urls, columnCount).value_or(-1);
+    return m_selection.move(*direction, currentRow(), m_urls, columnCount).value_or(-1);
 }
 
 void MediaListModel::setViewport(double contentY, double viewHeight, double rowPitch, int columnCount)

@@ -24,8 +24,11 @@ class MediaListModel : public QAbstractListModel
     QML_ELEMENT
     QML_UNCREATABLE("Made by the window's state.")
     Q_PROPERTY(int count READ count NOTIFY countChanged)
-    /// Row of the cell that arrow keys start from, of the first one selected; -1 when none is.
+    /// -1 when none is selected.
     Q_PROPERTY(int firstSelectedRow READ firstSelectedRow NOTIFY firstSelectedRowChanged)
+    /// Row of the cell that arrow keys start from: the first one selected, the first of all when none is; -1
+    /// without cells.
+    Q_PROPERTY(int currentRow READ currentRow NOTIFY firstSelectedRowChanged)
 
 public:
     enum Role {
@@ -49,6 +52,7 @@ public:
     void setUrls(const QList<FileUrl> &urls);
     int count() const { return int(m_urls.size()); }
     int firstSelectedRow() const;
+    int currentRow() const;
 
     /// The file's path; empty for a row that isn't there.
     Q_INVOKABLE QString path(int row) const;

@@ -24,6 +24,7 @@ FocusScope {
         focus: visible
         visible: view.page === GridPage.Photos
         media: view.viewState.photos
+        keys: view.viewState.keyboardFocus
         identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order + view.viewState.scope
         rowPitch: 210
         onOpened: view.viewState.isDetailViewActive = true
@@ -43,6 +44,7 @@ FocusScope {
         focus: visible
         visible: view.page === GridPage.Results
         media: view.viewState.results
+        keys: view.viewState.keyboardFocus
         identity: view.viewState.search.isSearching ? "searching" : "found"
         rowPitch: 156
         onOpened: view.viewState.isDetailViewActive = true

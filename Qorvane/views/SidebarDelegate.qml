@@ -8,6 +8,8 @@ Item {
     id: row
 
     required property Sidebar sidebar
+    /// The sidebar's rather than another column's keys: the selected row stands out then.
+    required property bool hasKeys
     required property bool showsFocus
     required property int index
     required property int kind
@@ -23,6 +25,7 @@ Item {
     required property string detail
     required property string count
     required property string spoken
+    readonly property bool standsOut: isSelected && hasKeys
     readonly property bool isSelectable: kind !== SidebarListModel.Header && kind !== SidebarListModel.NoTags
     readonly property string expansion: !hasChildren ? ""
                                         : isExpanded ? qsTranslate("Qorvane", "Expanded")
@@ -48,10 +51,11 @@ Item {
         width: row.width - 2 * Theme.unit
         height: row.height
         radius: Theme.rowRadius
-        color: row.isSelected ? Theme.accentFill
+        color: row.standsOut ? Theme.accentFill
+               : row.isSelected ? Theme.restingSelection
                : !row.isSelectable ? "transparent"
                : tap.pressed ? Theme.pressed : hover.hovered ? Theme.hover : "transparent"
-        border.width: row.showsFocus && !row.isSelected ? 2 : 0
+        border.width: row.showsFocus && !row.standsOut ? 2 : 0
         border.color: Theme.accent
 
         Rectangle {
@@ -61,7 +65,7 @@ Item {
             color: "transparent"
             border.width: 1.5
             border.color: Theme.accentInk
-            visible: row.showsFocus && row.isSelected
+            visible: row.showsFocus && row.standsOut
         }
     }
 
@@ -98,7 +102,7 @@ Item {
             depth: row.depth
             hasChildren: row.hasChildren
             isExpanded: row.isExpanded
-            isSelected: row.isSelected
+            standsOut: row.standsOut
             isFavorite: row.isFavorite
             runState: row.runState
             progress: row.progress
@@ -115,6 +119,7 @@ Item {
             stars: row.name
             count: row.count
             isSelected: row.isSelected
+            standsOut: row.standsOut
         }
 
         TagRow {
@@ -123,6 +128,7 @@ Item {
             name: row.name
             count: row.count
             isSelected: row.isSelected
+            standsOut: row.standsOut
         }
     }
 

@@ -8,10 +8,8 @@ ListView {
     id: list
 
     required property Sidebar sidebar
-    /// Whether the user moves by keys, so that the row they act on has to show.
-    property bool isKeyed: false
-    /// The same when the menu opened.
-    property bool isMenuKeyed: false
+    required property KeyboardFocus keys
+    readonly property bool hasKeys: keys.isWithin(keys.holder, list)
 
     function showCurrentRow() {
         if (currentIndex > 1)
@@ -20,28 +18,13 @@ ListView {
             positionViewAtBeginning(); // the header is above the first row
     }
 
-    /// The keys are the list's; the user came by the pointer, or wasn't asked.
-    function takeFocus() {
-        forceActiveFocus();
-        isKeyed = false;
-    }
-
-    /// The keys are the list's again, whichever way the user came.
-    function takeFocusBack() {
-        const wasKeyed = isMenuKeyed;
-        forceActiveFocus();
-        isKeyed = wasKeyed;
-    }
-
     function rowAt(position) {
         return indexAt(position.x, position.y + contentY);
     }
 
     function openMenu(row, item, x, y) {
-        if (!sidebar.openMenu(row))
-            return;
-        isMenuKeyed = isKeyed;
-        menu.popup(item, x, y);
+        if (sidebar.openMenu(row))
+            menu.popup(item, x, y);
     }
 
     function openMenuOfCurrentRow() {
@@ -66,11 +49,9 @@ ListView {
         currentIndex = sidebar.currentRow;
         showCurrentRow();
     }
-    onActiveFocusChanged: isKeyed = activeFocus
 
     Keys.onMenuPressed: openMenuOfCurrentRow()
     Keys.onPressed: event => {
-        isKeyed = true;
         if (event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier) {
             openMenuOfCurrentRow();
             event.accepted = true;
@@ -94,8 +75,9 @@ ListView {
     delegate: SidebarDelegate {
         width: (ListView.view as SidebarList).width
         sidebar: (ListView.view as SidebarList).sidebar
-        showsFocus: activeFocus && (ListView.view as SidebarList).isKeyed
-        onPointedAt: (ListView.view as SidebarList).takeFocus()
+        hasKeys: (ListView.view as SidebarList).hasKeys
+        showsFocus: activeFocus && (ListView.view as SidebarList).keys.isVisible
+        onPointedAt: (ListView.view as SidebarList).forceActiveFocus()
     }
 
     Rectangle {
@@ -106,7 +88,7 @@ ListView {
         color: "transparent"
         border.width: 2
         border.color: Theme.accent
-        visible: list.activeFocus && list.isKeyed && list.currentIndex < 0
+        visible: list.activeFocus && list.keys.isVisible && list.currentIndex < 0
     }
 
     // Beside the rows: nothing is chosen then, and a search covers the whole library.
@@ -114,7 +96,7 @@ ListView {
         parent: list
         onTapped: point => {
             if (list.rowAt(point.position) < 0) {
-                list.takeFocus();
+                list.forceActiveFocus();
                 list.sidebar.deselect();
             }
         }
@@ -124,7 +106,7 @@ ListView {
         parent: list
         acceptedButtons: Qt.RightButton
         onTapped: point => {
-            list.takeFocus();
+            list.forceActiveFocus();
             list.openMenu(list.rowAt(point.position), list, point.position.x, point.position.y);
         }
     }
@@ -135,6 +117,6 @@ ListView {
         menu: list.sidebar.menu
         // While it fades it has the keys no more, and the window's own order gives them back only afterwards: a key
         // pressed right after Escape would be lost.
-        onAboutToHide: list.takeFocusBack()
+        onAboutToHide: list.forceActiveFocus()
     }
 }

@@ -10,7 +10,7 @@ Rectangle {
 
     /// Gives the keys to the list.
     function takeFocus() {
-        list.takeFocus();
+        list.forceActiveFocus();
     }
 
     color: Theme.sidebar
@@ -33,6 +33,7 @@ Rectangle {
         anchors.fill: parent
         anchors.topMargin: Theme.toolbarHeight
         sidebar: sidebar.viewState.sidebar
+        keys: sidebar.viewState.keyboardFocus
     }
 
     Rectangle {

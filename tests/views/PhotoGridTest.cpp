@@ -26,6 +26,23 @@ protected:
         return count;
     }
 
+    void goToGridByTab()
+    {
+        click(item("searchField"));
+        QTest::keyClick(window.get(), Qt::Key_Tab);
+        ASSERT_TRUE(item("photoGrid")->hasActiveFocus());
+    }
+
+    // The cell that the ring lies on, as far as cells exist; -1 for none.
+    int ringed()
+    {
+        for (int row = 0; row < state.photos()->count(); ++row) {
+            if (cell("photoGrid", row) && itemBelow(cell("photoGrid", row), "focusRing"))
+                return row;
+        }
+        return -1;
+    }
+
     QQuickItem *thumbnail(int index) const
     {
         return cell("photoGrid", index)->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
@@ -330,14 +347,156 @@ TEST_F(PhotoGridTest, cellsTellScreenReadersWhatTheyAre)
 
 TEST_F(PhotoGridTest, theCellThatArrowsStartFromShowsToWhoeverCameByKeyboard)
 {
+    showFolder(8);
+    goToGridByTab();
+    EXPECT_EQ(ringed(), 0);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(ringed(), 1);
+    clickPicture("photoGrid", 3);
+    EXPECT_EQ(ringed(), -1) << "the pointer is there already";
+    clickPicture("photoGrid", 2, Qt::ControlModifier);
+    click(item("searchField"));
+    QTest::keyClick(window.get(), Qt::Key_Return);
+    EXPECT_EQ(ringed(), 2) << "the first of several";
+    QTest::keyClick(window.get(), Qt::Key_Backtab);
+    EXPECT_EQ(ringed(), -1);
+}
+
+TEST_F(PhotoGridTest, theRingIsDrawnAroundThePictureOfASelectedOneToo)
+{
     showFolder(3);
-    const auto ring = [this] { return itemBelow(cell("photoGrid", 0), "selectionRing"); };
-    EXPECT_FALSE(ring());
-    item("photoGrid")->forceActiveFocus(Qt::TabFocusReason);
-    EXPECT_TRUE(ring());
+    ASSERT_TRUE(waitUntil([&] { return thumbnail(0)->property("isLoaded").toBool(); }));
+    const QColor accent(QStringLiteral("#0A6CFF"));
+    const auto colourBeside = [&](int distance) {
+        waitForFrame();
+        const QPoint edge = thumbnail(0)->mapToScene(QPointF(0, 100)).toPoint();
+        return window->grabWindow().pixelColor(edge - QPoint(distance, 0));
+    };
+    EXPECT_EQ(colourBeside(3), QColor(Qt::white));
+    goToGridByTab();
+    EXPECT_EQ(colourBeside(3), accent);
+    EXPECT_EQ(colourBeside(2), QColor(Qt::white));
+    EXPECT_EQ(colourBeside(5), QColor(Qt::white));
+    QTest::keyClick(window.get(), Qt::Key_Left);
+    EXPECT_EQ(colourBeside(3), accent);
+    EXPECT_EQ(colourBeside(2), QColor(Qt::white));
+    EXPECT_EQ(colourBeside(-1), accent);
+}
+
+TEST_F(PhotoGridTest, whoeverComesByKeyboardSeesWhereTheKeysAre)
+{
+    showFolder(60);
+    setPosition("photoGrid", 1500);
+    goToGridByTab();
+    EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", 0); }));
+    EXPECT_EQ(ringed(), 0);
+
+    setPosition("photoGrid", 1500);
+    int row = 0;
+    while (!isInView("photoGrid", row))
+        ++row;
+    clickPicture("photoGrid", row);
+    setPosition("photoGrid", 0);
+    goToGridByTab();
+    EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", row); }));
+    EXPECT_EQ(ringed(), row);
+}
+
+TEST_F(PhotoGridTest, comingBackToTheWindowLeavesTheGridAsItWas)
+{
+    showFolder(60);
+    goToGridByTab();
+    ASSERT_TRUE(waitUntil([&] { return isInView("photoGrid", 0); }));
+    const auto leaveAndComeBack = [this] {
+        QQuickWindow other;
+        other.show();
+        other.requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+        window->requestActivate();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        waitForFrame();
+        waitForFrame();
+    };
+    setPosition("photoGrid", 1500);
+    leaveAndComeBack();
+    EXPECT_EQ(position("photoGrid"), 1500);
+    EXPECT_TRUE(item("photoGrid")->hasActiveFocus());
+    setPosition("photoGrid", 0);
+    clickPicture("photoGrid", 0);
+    leaveAndComeBack();
+    EXPECT_TRUE(item("photoGrid")->hasActiveFocus());
+    EXPECT_EQ(ringed(), -1);
+}
+
+TEST_F(PhotoGridTest, theColumnThatHasTheKeysIsSeenByTheSidebarsSelectedRow)
+{
+    showFolder(3);
+    const QColor accent(QStringLiteral("#0A6CFF"));
+    QQuickItem *const row = cell("sidebarList", state.sidebar()->rows()->selectedRow());
+    ASSERT_TRUE(row);
+    const QPoint ground = row->mapToScene(QPointF(row->width() - 14, row->height() / 2)).toPoint();
+    const auto colour = [&] {
+        QTest::mouseMove(window.get(), QPoint(600, 780));
+        waitForFrame();
+        return window->grabWindow().pixelColor(ground);
+    };
+    click(row);
+    const QColor vivid = colour();
+    EXPECT_EQ(vivid.hsvHue(), accent.hsvHue());
     clickPicture("photoGrid", 1);
-    clickPicture("photoGrid", 1, Qt::ControlModifier);
-    EXPECT_FALSE(ring());
+    const QColor resting = colour();
+    EXPECT_LT(resting.hsvSaturation(), 20);
+    EXPECT_LT(resting.lightness(), 235);
+    goToGridByTab();
+    EXPECT_EQ(colour(), resting);
+    QTest::keyClick(window.get(), Qt::Key_Menu); // what is open over the grid is the grid's
+    ASSERT_TRUE(waitUntil([this] { return popupItem("openInFinder") != nullptr; }));
+    EXPECT_EQ(colour(), resting);
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return popupItem("openInFinder") == nullptr; }));
+    click(row);
+    EXPECT_EQ(colour(), vivid);
+    click(item("searchField"));
+    EXPECT_EQ(colour(), resting);
+}
+
+TEST_F(PhotoGridTest, screenReadersFollowTheKeys)
+{
+    showFolder(8);
+    clickPicture("photoGrid", 2);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(window->activeFocusItem(), cell("photoGrid", 4));
+    for (int row = 0; row < 8; ++row) {
+        const QAccessible::State told =
+            QAccessible::queryAccessibleInterface(cell("photoGrid", row))->state();
+        EXPECT_EQ(bool(told.focused), row == 4) << row;
+        EXPECT_EQ(bool(told.selected), row == 4) << row;
+    }
+    click(item("searchField"));
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(cell("photoGrid", 4))->state().focused);
+}
+
+TEST_F(PhotoGridTest, theCurrentCellStaysTheFirstSelectedWhenOthersGo)
+{
+    showFolder(8);
+    const auto current = [this] { return item("photoGrid")->property("currentIndex").toInt(); };
+    EXPECT_EQ(current(), 0);
+    clickPicture("photoGrid", 5);
+    EXPECT_EQ(current(), 5);
+    for (const int gone : {1, 3})
+        ASSERT_TRUE(QFile::remove(picture(gone).path()));
+    library.loadImages();
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 6; }));
+    EXPECT_EQ(current(), 3);
+    EXPECT_TRUE(cell("photoGrid", 3)->hasActiveFocus());
+    library.setSortOrder(SortOrder::descending);
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->urls().constFirst() == picture(7); }));
+    EXPECT_EQ(current(), 2);
+    ASSERT_TRUE(QFile::remove(picture(5).path()));
+    library.loadImages();
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 5; }));
+    EXPECT_EQ(current(), 0);
 }
 
 TEST_F(PhotoGridTest, theWheelScrollsInAMotionAndStopsAtTheEnds)
