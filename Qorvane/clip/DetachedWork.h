@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/DetachedTask.h"
+#include "platform/MainQueue.h"
 
-#include <QCoreApplication>
 #include <QFuture>
 #include <QPromise>
 
@@ -22,8 +22,7 @@ auto runDetached(QualityOfService quality, Work work) -> QFuture<std::invoke_res
     promise->start();
     DetachedTask::start(quality, [promise, work = std::move(work)](const TaskHandle &) {
         promise->addResult(work());
-        QMetaObject::invokeMethod(
-            qApp, [promise] { promise->finish(); }, Qt::QueuedConnection);
+        MainQueue::async([promise] { promise->finish(); });
     });
     return promise->future();
 }

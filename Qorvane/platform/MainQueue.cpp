@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace Qorvane {
@@ -15,6 +17,72 @@ namespace Qorvane {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// What was queued and hasn't run. Not inside of Qt's events: those that are left when the application goes
+// are deleted under the lock of its own event list, and a block may own something that posts an event as it
+// goes, as an unfinished promise does to tell that it is cancelled, and would wait for that lock forever.
+class QueuedBlocks
+{
+public:
+    static QueuedBlocks &instance()
+    {
+        // Never taken down: background work may still queue when static objects go.
+        static QueuedBlocks &blocks = *std::make_unique<QueuedBlocks>().release();
+        return blocks;
+    }
+
+    void add(MainQueue::Block block)
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (!m_isOpen)
+            return;
+        const quint64 number = ++m_lastNumber;
+        m_blocks.emplace(number, std::move(block));
+        // Under the lock, so that the application, which has this closed as it goes, is still there.
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [this, number] { run(number); }, Qt::QueuedConnection);
+    }
+
+    void open()
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_isOpen = true;
+        qAddPostRoutine([] { instance().close(); });
+    }
+
+private:
+    using Blocks = std::map<quint64, MainQueue::Block>;
+
+    void run(quint64 number)
+    {
+        Blocks::node_type node;
+        {
+            const std::scoped_lock lock(m_mutex);
+            node = m_blocks.extract(number);
+        }
+        if (!node.empty())
+            node.mapped()();
+    }
+
+    void close()
+    {
+        Blocks left; // goes without the lock: it may want to queue
+        const std::scoped_lock lock(m_mutex);
+        m_isOpen = false;
+        left.swap(m_blocks);
+    }
+
+    std::mutex m_mutex;
+    Blocks m_blocks;
+    quint64 m_lastNumber = 0;
+    bool m_isOpen = false; // while there is an application
+};
+
+void openQueuedBlocks()
+{
+    QueuedBlocks::instance().open();
+}
+Q_COREAPP_STARTUP_FUNCTION(openQueuedBlocks)
 
 // Timers count in milliseconds and would let a block overtake one that is due a little earlier. So a timer
 // only says that something may be due; what is due runs in the order of its times. Lives as long as the
@@ -55,8 +123,7 @@ private:
 
 void MainQueue::async(Block block)
 {
-    if (QCoreApplication *application = QCoreApplication::instance())
-        QMetaObject::invokeMethod(application, std::move(block), Qt::QueuedConnection);
+    QueuedBlocks::instance().add(std::move(block));
 }
 
 void MainQueue::after(double seconds, Block block)

@@ -5,7 +5,7 @@
 namespace Qorvane {
 
 /// The queue of the GUI thread: blocks run there one after the other, in the order they were queued.
-/// A QCoreApplication must exist; what is queued after it has gone is dropped.
+/// A QCoreApplication must exist; what hasn't run when it goes, and what is queued after that, is dropped.
 class MainQueue
 {
 public:
