@@ -110,9 +110,6 @@ std::optional<FirstSearchTimes> measureFirstSearch(int pictureCount, QString *er
         QTest::keyClick(view.window(), letter.toLatin1());
     waitUntil([&isAnswered] { return isAnswered; });
     QObject::disconnect(connection);
-    // The vectors of the predefined tags are still being computed: what is in work when the window goes would
-    // stay without an answer.
-    waitUntil([&view] { return !view.clipService().isLoadingModels(); });
     if (!isAnswered) {
         *error = QStringLiteral("\"%1\" doesn't find its picture").arg(search.text());
         return std::nullopt;
