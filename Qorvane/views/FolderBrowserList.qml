@@ -13,6 +13,7 @@ ListView {
     signal accepted
 
     function showCurrentRow() {
+        scrolling.stop();
         currentIndex = browser.currentRow;
         if (currentIndex < 0)
             positionViewAtBeginning();
@@ -30,7 +31,7 @@ ListView {
     model: browser
     Accessible.role: Accessible.List
     Accessible.name: browser.path
-    T.ScrollBar.vertical: ScrollBar {}
+    T.ScrollBar.vertical: ScrollBar { id: bar }
 
     Keys.onDownPressed: event => browser.moveCurrentRow(1, event.modifiers & Qt.ShiftModifier)
     Keys.onUpPressed: event => browser.moveCurrentRow(-1, event.modifiers & Qt.ShiftModifier)
@@ -39,6 +40,13 @@ ListView {
     Keys.onLeftPressed: browser.openParent()
     Keys.onReturnPressed: accepted()
     Keys.onEnterPressed: accepted()
+
+    SmoothScrolling {
+        id: scrolling
+
+        view: list
+        bar: bar
+    }
 
     Connections {
         target: list.browser

@@ -22,8 +22,6 @@ FocusScope {
     property string gridName: ""
     readonly property double columnWidth: columns.columnWidth
     readonly property bool hasKeys: keys.isWithin(keys.holder, grid)
-    readonly property double lowest: grid.originY - grid.topMargin
-    readonly property double highest: grid.originY + grid.contentHeight + grid.bottomMargin - grid.height
 
     /// A double click on a cell, which is the only one selected by then.
     signal opened
@@ -47,16 +45,8 @@ FocusScope {
         opened();
     }
 
-    function scrollTo(position, duration) {
-        motion.stop();
-        motion.duration = duration;
-        motion.to = GridScrolling.settled(position, lowest, highest, Screen.devicePixelRatio);
-        if (motion.to !== grid.contentY)
-            motion.start();
-    }
-
     function showRow(row) {
-        scrollTo(GridScrolling.showing(row, columns.count, rowPitch, Theme.contentPadding, grid.contentY, grid.height), Theme.panel);
+        scrolling.scrollTo(Scrolling.showing(row, columns.count, rowPitch, Theme.contentPadding, grid.contentY, grid.height), Theme.panel);
     }
 
     function showMenuOfSelection() {
@@ -74,7 +64,7 @@ FocusScope {
             media.setViewport(grid.contentY, grid.height, rowPitch, columns.count);
     }
 
-    onIdentityChanged: scrollTo(lowest, 0)
+    onIdentityChanged: scrolling.scrollTo(scrolling.lowest, 0)
     onVisibleChanged: visible ? updateViewport() : media.leaveViewport()
     // Who comes by keys sees where they are; who comes back from a menu or another window finds what they left.
     onHasKeysChanged: if (hasKeys && keys.isVisible && media.currentRow >= 0) showRow(media.currentRow)
@@ -104,9 +94,6 @@ FocusScope {
         clip: true
         activeFocusOnTab: true
         boundsBehavior: Flickable.StopAtBounds
-        // A finger flicks; a mouse has the wheel, and dragging with it moves nothing on a desktop.
-        interactive: !mouse.hovered
-        pixelAligned: Screen.devicePixelRatio === Math.floor(Screen.devicePixelRatio)
         keyNavigationEnabled: false
         currentIndex: area.media.currentRow
         highlightFollowsCurrentItem: false
@@ -133,14 +120,6 @@ FocusScope {
             if (row >= 0)
                 area.showRow(row);
         }
-
-        NumberAnimation {
-            id: motion
-
-            target: grid
-            property: "contentY"
-            easing.type: Theme.easing
-        }
     }
 
     ScrollBar {
@@ -150,24 +129,14 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.right: parent.right
-        onPressedChanged: pressed ? motion.stop() : area.scrollTo(grid.contentY, 0)
     }
 
-    HoverHandler {
-        id: mouse
+    SmoothScrolling {
+        id: scrolling
 
-        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
-    }
-
-    WheelHandler {
-        target: null
-        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
-        onWheel: event => {
-            // Turned on while it still moves, it goes on from where that would end.
-            const from = motion.running ? motion.to : grid.contentY;
-            area.scrollTo(from + GridScrolling.wheelDistance(event.pixelDelta, event.angleDelta),
-                          GridScrolling.isNotch(event.pixelDelta, event.angleDelta) ? Theme.panel : 0);
-        }
+        view: grid
+        bar: bar
+        ground: area
     }
 
     GridColumns {

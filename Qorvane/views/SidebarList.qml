@@ -12,6 +12,7 @@ ListView {
     readonly property bool hasKeys: keys.isWithin(keys.holder, list)
 
     function showCurrentRow() {
+        scrolling.stop();
         if (currentIndex > 1)
             positionViewAtIndex(currentIndex, ListView.Contain);
         else if (currentIndex >= 0)
@@ -44,7 +45,7 @@ ListView {
     model: sidebar.rows
     Accessible.role: Accessible.Tree
     Accessible.name: qsTranslate("Qorvane", "Sidebar")
-    T.ScrollBar.vertical: ScrollBar {}
+    T.ScrollBar.vertical: ScrollBar { id: bar }
     Component.onCompleted: {
         currentIndex = sidebar.currentRow;
         showCurrentRow();
@@ -78,6 +79,13 @@ ListView {
         hasKeys: (ListView.view as SidebarList).hasKeys
         showsFocus: activeFocus && (ListView.view as SidebarList).keys.isVisible
         onPointedAt: (ListView.view as SidebarList).forceActiveFocus()
+    }
+
+    SmoothScrolling {
+        id: scrolling
+
+        view: list
+        bar: bar
     }
 
     Rectangle {

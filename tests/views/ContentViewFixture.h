@@ -18,6 +18,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -135,6 +136,44 @@ protected:
         QTest::mouseClick(window.get(), Qt::LeftButton, modifiers, target->mapToScene(middle).toPoint());
     }
 
+    void turnWheel(QQuickItem *over, int angle)
+    {
+        const QPointF place = over->mapToScene(QPointF(over->width() / 2, over->height() / 2));
+        QTest::mouseMove(window.get(), place.toPoint());
+        QWheelEvent event(place, window->mapToGlobal(place), {}, QPoint(0, angle), Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(window.get(), &event);
+    }
+
+    // Draws up what lies at the middle of `target`, as far as it can.
+    void dragUp(QQuickItem *target, int distance)
+    {
+        const QPointF middle(target->width() / 2, target->height() / 2);
+        const QPoint start = target->mapToScene(middle).toPoint();
+        constexpr int steps = 10;
+        QTest::mouseMove(window.get(), start);
+        QTest::mousePress(window.get(), Qt::LeftButton, {}, start);
+        for (int step = 1; step <= steps; ++step)
+            QTest::mouseMove(window.get(), start - QPoint(0, distance * step / steps));
+        QTest::mouseRelease(window.get(), Qt::LeftButton, {}, start - QPoint(0, distance));
+        waitForFrame();
+    }
+
+    // The same with a finger on the screen; the window gathers its steps until the next frame.
+    void swipeUp(QQuickItem *target, int distance)
+    {
+        const QPointF middle(target->width() / 2, target->height() / 2);
+        const QPoint start = target->mapToScene(middle).toPoint();
+        constexpr int steps = 5;
+        QTest::touchEvent(window.get(), screen).press(0, start);
+        for (int step = 1; step <= steps; ++step) {
+            QTest::touchEvent(window.get(), screen).move(0, start - QPoint(0, distance * step / steps));
+            waitForFrame();
+        }
+        QTest::touchEvent(window.get(), screen).release(0, start - QPoint(0, distance));
+        waitForFrame();
+    }
+
     void type(const QString &text)
     {
         for (const QChar character : text)
@@ -165,6 +204,7 @@ protected:
     ContentViewState state{library,
                            [this](const QString &text, const QList<FileUrl> &, int) { return search(text); },
                            thumbnails};
+    QPointingDevice *const screen = QTest::createTouchDevice();
     QQmlEngine engine;
     std::unique_ptr<QQuickWindow> window;
 };

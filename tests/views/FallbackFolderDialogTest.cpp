@@ -1,6 +1,8 @@
 #include "views/ContentViewFixture.h"
 #include "views/FolderBrowser.h"
 
+#include <QSignalSpy>
+
 using namespace Qorvane;
 
 namespace {
@@ -126,6 +128,26 @@ TEST_F(FallbackFolderDialogTest, arrowsScrollTheirRowIntoView)
     EXPECT_TRUE(isInView(30));
     press(Qt::Key_Up, 30);
     EXPECT_TRUE(isInView(0));
+}
+
+TEST_F(FallbackFolderDialogTest, theListScrollsLikeThePhotographs)
+{
+    openDialog(manyFolders());
+    const auto position = [this] { return list->property("contentY").toDouble(); };
+    ASSERT_TRUE(waitUntil([&] { return row(4) != nullptr; }));
+    QSignalSpy steps(list, SIGNAL(contentYChanged()));
+    turnWheel(list, -120);
+    turnWheel(list, -120);
+    EXPECT_TRUE(waitUntil([&] { return position() == 240; }));
+    EXPECT_GT(steps.count(), 2) << "in a motion";
+    dragUp(list, 100);
+    EXPECT_EQ(position(), 240) << "a mouse draws nothing";
+    turnWheel(list, -120 * 100);
+    EXPECT_TRUE(waitUntil([&] { return isInView(39); }));
+    EXPECT_EQ(selectedRows(), QList<int>());
+    turnWheel(list, 120 * 100);
+    press(Qt::Key_Down);
+    EXPECT_TRUE(isInView(0)) << "the keys don't wait for the wheel";
 }
 
 TEST_F(FallbackFolderDialogTest, leftSelectsAndShowsTheFolderThatWasOpenAndKeysGoOnFromThere)

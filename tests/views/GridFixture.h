@@ -2,8 +2,6 @@
 
 #include "views/ContentViewFixture.h"
 
-#include <QWheelEvent>
-
 namespace Qorvane {
 
 /// The real window with a folder of photographs in its grid.
@@ -55,14 +53,6 @@ protected:
     {
         item(grid)->setProperty("contentY", position);
         waitForFrame();
-    }
-    void turnWheel(const char *grid, int angle)
-    {
-        const QPointF place = item(grid)->mapToScene(QPointF(300, 300));
-        QTest::mouseMove(window.get(), place.toPoint());
-        QWheelEvent event(place, window->mapToGlobal(place), {}, QPoint(0, angle), Qt::NoButton, {},
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(window.get(), &event);
     }
     // The line of a cell lies in view as a whole.
     bool isInView(const char *grid, int index) const

@@ -503,15 +503,15 @@ TEST_F(PhotoGridTest, theWheelScrollsInAMotionAndStopsAtTheEnds)
 {
     showFolder(60);
     const double top = position("photoGrid");
-    turnWheel("photoGrid", -120);
+    turnWheel(item("photoGrid"), -120);
     EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 120; }));
     // Turned on before it arrived, it adds up.
-    turnWheel("photoGrid", -120);
-    turnWheel("photoGrid", -120);
+    turnWheel(item("photoGrid"), -120);
+    turnWheel(item("photoGrid"), -120);
     EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top + 360; }));
-    turnWheel("photoGrid", 120 * 50);
+    turnWheel(item("photoGrid"), 120 * 50);
     EXPECT_TRUE(waitUntil([&] { return position("photoGrid") == top; }));
-    turnWheel("photoGrid", -120 * 500);
+    turnWheel(item("photoGrid"), -120 * 500);
     EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", 59); }));
 }
 
@@ -519,14 +519,17 @@ TEST_F(PhotoGridTest, draggingAPictureWithTheMouseMovesNothing)
 {
     showFolder(60);
     const double top = position("photoGrid");
-    const QPoint start = middleOf(cell("photoGrid", 4));
-    QTest::mouseMove(window.get(), start);
-    QTest::mousePress(window.get(), Qt::LeftButton, {}, start);
-    for (int step = 1; step <= 10; ++step)
-        QTest::mouseMove(window.get(), start - QPoint(0, 15 * step));
-    QTest::mouseRelease(window.get(), Qt::LeftButton, {}, start - QPoint(0, 150));
-    waitForFrame();
+    dragUp(cell("photoGrid", 4), 150);
     EXPECT_EQ(position("photoGrid"), top);
+}
+
+TEST_F(PhotoGridTest, aFingerDrawsThePicturesUp)
+{
+    showFolder(60);
+    const double top = position("photoGrid");
+    swipeUp(cell("photoGrid", 4), 150);
+    EXPECT_GT(position("photoGrid"), top);
+    EXPECT_TRUE(selected().isEmpty());
 }
 
 TEST_F(PhotoGridTest, theScrollBarFollowsTheMouse)

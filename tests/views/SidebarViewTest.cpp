@@ -431,6 +431,46 @@ TEST_F(SidebarViewTest, unfoldingAFolderLeavesTheListWhereItIs)
     EXPECT_GE(top("First"), 0) << "the keys go to the row they are on";
 }
 
+TEST_F(SidebarViewTest, scrollsLikeThePhotographs)
+{
+    QStringList tags;
+    for (int i = 0; i < 50; ++i)
+        tags.append(QStringLiteral("tag %1").arg(i));
+    giveTags(tags);
+    QQuickItem *const list = item("sidebarList");
+    const auto position = [list] { return list->property("contentY").toDouble(); };
+    ASSERT_TRUE(waitUntil([list] { return list->property("contentHeight").toDouble() > 1'200; }));
+    waitForFrame();
+    const double top = position();
+    QSignalSpy steps(list, SIGNAL(contentYChanged()));
+    turnWheel(list, -120);
+    turnWheel(list, -120);
+    EXPECT_TRUE(waitUntil([&] { return position() == top + 240; }));
+    EXPECT_GT(steps.count(), 2) << "in a motion";
+    dragUp(list, 150);
+    EXPECT_EQ(position(), top + 240) << "a mouse draws nothing";
+    swipeUp(list, 150);
+    EXPECT_GT(position(), top + 240) << "a finger does";
+    turnWheel(list, -120 * 100);
+    const auto begin = [list] { return list->property("originY").toDouble(); };
+    const auto end = [&] {
+        return begin() + list->property("contentHeight").toDouble() +
+               list->property("bottomMargin").toDouble() - list->height();
+    };
+    EXPECT_TRUE(waitUntil([&] { return position() == end(); }));
+    EXPECT_TRUE(cell("sidebarList", int(rows().size()) - 1));
+    turnWheel(list, 120 * 100);
+    EXPECT_TRUE(waitUntil([&] { return position() == begin(); }));
+    // The keys don't wait for the wheel.
+    turnWheel(list, -120 * 100);
+    list->forceActiveFocus();
+    press(Qt::Key_Home);
+    EXPECT_EQ(position(), begin());
+    waitForFrame();
+    waitForFrame();
+    EXPECT_EQ(position(), begin());
+}
+
 TEST_F(SidebarViewTest, ofThousandsOfTagsOnlyThoseInViewExist)
 {
     constexpr int tagCount = 5'000;

@@ -1,55 +1,55 @@
-#include "views/GridScrolling.h"
+#include "views/Scrolling.h"
 
 #include <gtest/gtest.h>
 
-using Qorvane::GridScrolling;
+using Qorvane::Scrolling;
 
 namespace {
 
 constexpr double pitch = 210;
 constexpr double margin = 16;
 constexpr double view = 600;
-const GridScrolling scrolling;
+const Scrolling scrolling;
 
 } // namespace
 
-TEST(GridScrolling, aNotchDownLeadsDownByThreeLines)
+TEST(Scrolling, aNotchDownLeadsDownByThreeLines)
 {
     EXPECT_DOUBLE_EQ(scrolling.wheelDistance({}, {0, -120}), 120);
     EXPECT_DOUBLE_EQ(scrolling.wheelDistance({}, {0, 240}), -240);
     EXPECT_TRUE(scrolling.isNotch({}, {0, -120}));
 }
 
-TEST(GridScrolling, aTouchpadLeadsAsFarAsTheFingers)
+TEST(Scrolling, aTouchpadLeadsAsFarAsTheFingers)
 {
     EXPECT_DOUBLE_EQ(scrolling.wheelDistance({0, -7}, {0, -120}), 7);
     EXPECT_FALSE(scrolling.isNotch({0, -7}, {0, -120}));
     EXPECT_FALSE(scrolling.isNotch({}, {0, -15}));
 }
 
-TEST(GridScrolling, aLineInViewStaysWhereItIs)
+TEST(Scrolling, aLineInViewStaysWhereItIs)
 {
     EXPECT_DOUBLE_EQ(scrolling.showing(5, 4, pitch, margin, 100, view), 100);
 }
 
-TEST(GridScrolling, aLineBelowComesUpToTheLowerEdge)
+TEST(Scrolling, aLineBelowComesUpToTheLowerEdge)
 {
     // Line 3 ends at 840.
     EXPECT_DOUBLE_EQ(scrolling.showing(12, 4, pitch, margin, 0, view), 840 + margin - view);
 }
 
-TEST(GridScrolling, aLineAboveComesDownToTheUpperEdge)
+TEST(Scrolling, aLineAboveComesDownToTheUpperEdge)
 {
     EXPECT_DOUBLE_EQ(scrolling.showing(7, 4, pitch, margin, 5000, view), 210 - margin);
     EXPECT_DOUBLE_EQ(scrolling.showing(0, 4, pitch, margin, 5000, view), -margin);
 }
 
-TEST(GridScrolling, inAViewLowerThanALineItsTopShows)
+TEST(Scrolling, inAViewLowerThanALineItsTopShows)
 {
     EXPECT_DOUBLE_EQ(scrolling.showing(12, 4, pitch, margin, 0, 100), 630 - margin);
 }
 
-TEST(GridScrolling, endsWithinTheBoundsOnAPhysicalPixel)
+TEST(Scrolling, endsWithinTheBoundsOnAPhysicalPixel)
 {
     EXPECT_DOUBLE_EQ(scrolling.settled(10.3, -16, 500, 1), 10);
     EXPECT_DOUBLE_EQ(scrolling.settled(10.3, -16, 500, 1.5), 15.0 / 1.5);

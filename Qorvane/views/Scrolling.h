@@ -8,7 +8,7 @@ namespace Qorvane {
 
 /// Where a scroll ends. Lengths are logical pixels; positions count down from the first row's top. Any
 /// thread.
-class GridScrolling : public QObject
+class Scrolling : public QObject
 {
     Q_OBJECT
     QML_ELEMENT

@@ -1,4 +1,4 @@
-#include "views/GridScrolling.h"
+#include "views/Scrolling.h"
 
 #include <QGuiApplication>
 #include <QStyleHints>
@@ -17,7 +17,7 @@ constexpr double lineHeight = 40;
 
 } // namespace
 
-double GridScrolling::wheelDistance(const QPointF &pixelDelta, const QPointF &angleDelta) const
+double Scrolling::wheelDistance(const QPointF &pixelDelta, const QPointF &angleDelta) const
 {
     if (!pixelDelta.isNull())
         return -pixelDelta.y();
@@ -25,13 +25,13 @@ double GridScrolling::wheelDistance(const QPointF &pixelDelta, const QPointF &an
     return -angleDelta.y() / notch * lines * lineHeight;
 }
 
-bool GridScrolling::isNotch(const QPointF &pixelDelta, const QPointF &angleDelta) const
+bool Scrolling::isNotch(const QPointF &pixelDelta, const QPointF &angleDelta) const
 {
     return pixelDelta.isNull() && std::abs(angleDelta.y()) >= notch;
 }
 
-double GridScrolling::showing(int row, int columnCount, double rowPitch, double margin, double position,
-                              double viewHeight) const
+double Scrolling::showing(int row, int columnCount, double rowPitch, double margin, double position,
+                          double viewHeight) const
 {
     const double top = double(row / std::max(columnCount, 1)) * rowPitch - margin;
     const double bottom = top + rowPitch + 2 * margin;
@@ -39,7 +39,7 @@ double GridScrolling::showing(int row, int columnCount, double rowPitch, double 
     return std::min(std::max(position, bottom - viewHeight), top);
 }
 
-double GridScrolling::settled(double position, double lowest, double highest, double devicePixelRatio) const
+double Scrolling::settled(double position, double lowest, double highest, double devicePixelRatio) const
 {
     const double ratio = devicePixelRatio > 0 ? devicePixelRatio : 1;
     const double aligned = std::round(position * ratio) / ratio;
