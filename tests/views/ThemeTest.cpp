@@ -101,6 +101,14 @@ TEST_P(ThemeTest, theCaptionsOfProgressCanBeReadOnEveryStateOfTheirRow)
     }
 }
 
+TEST_P(ThemeTest, theCheckMarkOfAFinishedRunIsSeenOnEveryStateOfItsRow)
+{
+    ASSERT_TRUE(theme);
+    EXPECT_GE(contrast(color("green"), color("sidebar")), 3);
+    for (const char *veil : {"hover", "pressed", "restingSelection"})
+        EXPECT_GE(contrast(color("green"), laidOver(color("sidebar"), color(veil))), 3) << veil;
+}
+
 TEST_P(ThemeTest, aSelectionWithoutTheKeysIsSeenAndCanBeRead)
 {
     ASSERT_TRUE(theme);
