@@ -123,8 +123,5 @@ ListView {
         id: menu
 
         menu: list.sidebar.menu
-        // While it fades it has the keys no more, and the window's own order gives them back only afterwards: a key
-        // pressed right after Escape would be lost.
-        onAboutToHide: list.forceActiveFocus()
     }
 }

@@ -110,6 +110,44 @@ TEST_F(CellMenuTest, theMenuKeyOpensItTooAndEscapeClosesIt)
     EXPECT_TRUE(item("photoGrid")->hasActiveFocus());
 }
 
+TEST_F(CellMenuTest, aKeyRightAfterItIsTheGrids)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 1);
+    QTest::keyClick(window.get(), Qt::Key_Menu);
+    waitForMenu();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(2)});
+    ASSERT_TRUE(waitUntil([this] { return !popupItem("openInFinder"); }));
+    QTest::keyClick(window.get(), Qt::Key_Right);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(3)});
+}
+
+TEST_F(CellMenuTest, aClickRightAfterItReachesTheCell)
+{
+    showFolder(4);
+    clickPicture("photoGrid", 3, {}, Qt::RightButton);
+    waitForMenu();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    const QObject *const menu = window->findChild<QObject *>(QStringLiteral("cellMenu"));
+    ASSERT_TRUE(waitUntil([menu] { return !menu->property("modal").toBool(); }));
+    clickPicture("photoGrid", 1);
+    EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
+}
+
+TEST_F(CellMenuTest, theKeysGoBackToTheFieldThatHadThem)
+{
+    showFolder(4);
+    click(item("searchField"));
+    clickPicture("photoGrid", 3, {}, Qt::RightButton);
+    waitForMenu();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_TRUE(item("searchField")->hasActiveFocus());
+    type(QStringLiteral("x"));
+    EXPECT_EQ(item("searchField")->property("text").toString(), QStringLiteral("x"));
+}
+
 TEST_F(CellMenuTest, withNothingSelectedTheKeyboardHasNoMenu)
 {
     showFolder(3);

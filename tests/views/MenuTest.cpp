@@ -8,6 +8,7 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -45,6 +46,8 @@ T.ApplicationWindow {
         objectName: "below"
         width: 600
         height: 400
+        focus: true
+        Keys.onPressed: window.chosen = "key below"
         TapHandler { onTapped: window.chosen = "below" }
     }
     Menu {
@@ -252,6 +255,68 @@ TEST_F(MenuTest, aClickOnADisabledEntryDoesNothing)
     QTest::mouseClick(window.get(), Qt::LeftButton, {}, middleOf(entry("disabled")));
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(chosen(), QString());
+}
+
+TEST_F(MenuTest, aKeyRightAfterTheMenuIsForWhoHadTheKeys)
+{
+    openAt(10, 10);
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(isOpen()) << "it fades";
+    press(Qt::Key_A);
+    EXPECT_EQ(chosen(), QStringLiteral("key below"));
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    EXPECT_TRUE(entry("below")->hasActiveFocus());
+}
+
+TEST_F(MenuTest, aKeyRightAfterTheSubmenuIsForWhoHadTheKeys)
+{
+    openAt(10, 10);
+    press(Qt::Key_Down);
+    press(Qt::Key_Down);
+    press(Qt::Key_Right);
+    ASSERT_TRUE(waitUntil([this] { return submenu()->property("opened").toBool(); }));
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    ASSERT_EQ(chosen(), QStringLiteral("right"));
+    press(Qt::Key_A);
+    EXPECT_EQ(chosen(), QStringLiteral("key below"));
+    ASSERT_TRUE(waitUntil([this] { return !isOpen() && !submenu()->property("visible").toBool(); }));
+    EXPECT_TRUE(entry("below")->hasActiveFocus());
+}
+
+TEST_F(MenuTest, aClickRightAfterTheMenuReachesWhatIsBelow)
+{
+    openAt(10, 10);
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(waitUntil([this] { return !menu()->property("modal").toBool(); }));
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, QPoint(500, 350));
+    EXPECT_EQ(chosen(), QStringLiteral("below"));
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+}
+
+TEST_F(MenuTest, twoClicksOnAnEntryChooseItOnce)
+{
+    openAt(10, 10);
+    QSignalSpy choices(entry("first"), SIGNAL(triggered()));
+    const QPoint middle = middleOf(entry("first"));
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, middle);
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, middle);
+    EXPECT_EQ(choices.count(), 1);
+    EXPECT_EQ(chosen(), QStringLiteral("first")) << "and what is below the menu got neither";
+}
+
+TEST_F(MenuTest, canBeOpenedAgainWhileItFades)
+{
+    openAt(10, 10);
+    press(Qt::Key_Escape);
+    openAt(60, 60);
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    EXPECT_EQ(chosen(), QStringLiteral("first"));
+    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
+    openAt(10, 10);
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, QPoint(500, 350));
+    EXPECT_EQ(chosen(), QStringLiteral("first")) << "the click beside it only closes it";
 }
 
 TEST_F(MenuTest, aClickBesideTheMenuOnlyClosesIt)

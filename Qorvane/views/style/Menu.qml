@@ -6,6 +6,11 @@ T.Menu {
     id: control
 
     readonly property int smallestWidth: 140
+    readonly property bool isSubmenu: (parent as T.MenuItem) !== null
+    /// Chosen from or dismissed, it only fades: keys and clicks are for the window again.
+    property bool isLeaving: false
+    /// The same after the click that may have begun it: that one is the menu's.
+    property bool hasLeft: false
 
     // The longest entry decides; the ones that this menu doesn't offer now have no width.
     contentWidth: Array.from({ length: count }, (_, index) => itemAt(index)?.implicitWidth ?? 0).reduce((a, b) => Math.max(a, b), smallestWidth)
@@ -17,9 +22,20 @@ T.Menu {
     cascade: true
     // Nothing below answers to the pointer while a menu is open; the click beside it only closes it. What is below a
     // submenu is its own menu, which does answer.
-    modal: !(parent as T.MenuItem)
+    modal: !isSubmenu && !hasLeft
     dim: false
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
+
+    onAboutToShow: {
+        isLeaving = false;
+        hasLeft = false;
+    }
+    onAboutToHide: {
+        isLeaving = true;
+        // The toolkit does it when the fade has ended, and a key pressed until then would be lost.
+        if (!isSubmenu)
+            T.ApplicationWindow.contentItem.forceActiveFocus(Qt.PopupFocusReason);
+    }
 
     delegate: MenuItem {}
 
@@ -33,6 +49,20 @@ T.Menu {
         Accessible.role: Accessible.PopupMenu
         Accessible.name: control.title
         T.ScrollBar.vertical: ScrollBar {}
+
+        Timer {
+            interval: 0
+            running: control.isLeaving
+            onTriggered: control.hasLeft = true
+        }
+
+        // An entry that has been chosen can't be chosen again.
+        MouseArea {
+            parent: control.contentItem
+            anchors.fill: parent
+            z: 1
+            visible: control.isLeaving
+        }
     }
     background: Item {
         SoftShadow {}
