@@ -14,6 +14,11 @@ namespace {
 const QString ratingPrefix = QStringLiteral("rating-");
 const QString libraryPrefix = QStringLiteral("library-");
 
+QString idOf(int rating)
+{
+    return ratingPrefix + QString::number(rating);
+}
+
 } // namespace
 
 SidebarSelection::SidebarSelection(QorManage &qorManager, QObject *parent)
@@ -25,9 +30,21 @@ SidebarSelection::SidebarSelection(QorManage &qorManager, QObject *parent)
     connect(&qorManager, &QorManage::selectedRatingChanged, this, &SidebarSelection::followRating);
     connect(&qorManager, &QorManage::libraryFoldersChanged, this, &SidebarSelection::forgetLostFolder);
     connect(&qorManager, &QorManage::favoriteFoldersChanged, this, &SidebarSelection::forgetLostFolder);
-    followFolder();
-    followTag();
-    followRating();
+    markSelected();
+}
+
+// For a window that opens over a selection: to select it once more would load its list anew.
+void SidebarSelection::markSelected()
+{
+    m_folder = m_qorManager.selectedFolder();
+    m_tag = m_qorManager.selectedTag();
+    m_rating = m_qorManager.selectedRating();
+    if (m_tag)
+        setId(m_tag);
+    else if (m_rating)
+        setId(idOf(*m_rating));
+    else if (m_folder)
+        markFolder(*m_folder);
 }
 
 void SidebarSelection::setId(const std::optional<QString> &id)
@@ -82,16 +99,29 @@ void SidebarSelection::followFolder()
     m_folder = m_qorManager.selectedFolder();
     // A row that the user chose stays marked, whatever the library makes of it. That is also what ends the
     // circle: the folder that gives way to a tag meets the tag's row here.
-    if (m_id || !m_folder)
-        return;
+    if (!m_id && m_folder)
+        markFolder(*m_folder);
+}
+
+// Only marked. The library has made room for its own folder already, and to ask it for the folder again, by
+// the id, would lose one with a "-" in its address: the first folder that is added stays selected.
+void SidebarSelection::markFolder(const Folder &folder)
+{
     const bool isFavorite =
         std::ranges::any_of(m_qorManager.favoriteFolders(),
-                            [this](const Folder &favorite) { return favorite.id() == m_folder->id(); });
-    // Only marked. The library has made room for its own folder already, and to ask it for the folder again,
-    // by the id, would lose one with a "-" in its address: the first folder that is added stays selected.
-    setId(
-        SidebarItem{*m_folder, isFavorite ? SidebarItem::ItemType::favorite : SidebarItem::ItemType::library}
-            .id());
+                            [&folder](const Folder &favorite) { return favorite.id() == folder.id(); });
+    setId(SidebarItem{folder, isFavorite ? SidebarItem::ItemType::favorite : SidebarItem::ItemType::library}
+              .id());
+}
+
+// The library took its tag or rating back. What it selected in that place is marked: the first folder, which
+// may come while a tag or a rating is selected, stays selected.
+void SidebarSelection::giveWay()
+{
+    if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
+        markFolder(*folder);
+    else
+        select(std::nullopt);
 }
 
 // An id without a row would keep the next folder that the library selects from being marked, and a click on
@@ -119,11 +149,12 @@ void SidebarSelection::followTag()
 {
     if (m_qorManager.selectedTag() == m_tag)
         return;
-    m_tag = m_qorManager.selectedTag();
+    const std::optional<QString> last = std::exchange(m_tag, m_qorManager.selectedTag());
     if (m_tag)
         select(m_tag);
-    else if (m_id && m_qorManager.allTags().contains(*m_id))
-        select(std::nullopt);
+    // A tag that went with its last file is out of the list before it is deselected.
+    else if (m_id && (m_id == last || m_qorManager.allTags().contains(*m_id)))
+        giveWay();
 }
 
 void SidebarSelection::followRating()
@@ -132,10 +163,10 @@ void SidebarSelection::followRating()
         return;
     m_rating = m_qorManager.selectedRating();
     if (m_rating)
-        select(ratingPrefix + QString::number(*m_rating));
+        select(idOf(*m_rating));
     // A tag called "rating-3" that takes a rating's place is no rating's row.
     else if (m_id && m_id->startsWith(ratingPrefix) && !m_qorManager.allTags().contains(*m_id))
-        select(std::nullopt);
+        giveWay();
 }
 
 } // namespace Qorvane

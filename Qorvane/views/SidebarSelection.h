@@ -32,6 +32,9 @@ Q_SIGNALS:
 
 private:
     void setId(const std::optional<QString> &id);
+    void markSelected();
+    void markFolder(const Folder &folder);
+    void giveWay();
     void tellLibrary();
     void selectRating();
     void followFolder();

@@ -175,6 +175,25 @@ TEST_F(SidebarSelectionTest, theFirstFolderOfTheLibraryIsMarked)
     EXPECT_EQ(library.selectedFolder(), folder);
 }
 
+TEST_F(SidebarSelectionTest, theFirstFolderTakesTheRowOfARating)
+{
+    selection.select(QStringLiteral("rating-3"));
+    const Folder folder = addFolder(QStringLiteral("One"));
+    EXPECT_EQ(library.selectedFolder(), folder);
+    EXPECT_EQ(library.selectedRating(), std::nullopt);
+    EXPECT_EQ(selection.id(), rowOf(folder));
+}
+
+TEST_F(SidebarSelectionTest, theFirstFolderTakesTheRowOfATag)
+{
+    giveTags({QStringLiteral("Beach")});
+    selection.select(QStringLiteral("Beach"));
+    const Folder folder = addFolder(QStringLiteral("my-photos"));
+    EXPECT_EQ(library.selectedFolder(), folder);
+    EXPECT_EQ(library.selectedTag(), std::nullopt);
+    EXPECT_EQ(selection.id(), rowOf(folder));
+}
+
 TEST_F(SidebarSelectionTest, theFirstFolderStaysSelectedWithADashInItsName)
 {
     const Folder folder = addFolder(QStringLiteral("my-photos"));
@@ -273,6 +292,37 @@ TEST_F(SidebarSelectionTest, deletingTheSelectedTagSelectsNothing)
     EXPECT_EQ(selection.id(), std::nullopt);
     EXPECT_TRUE(waitUntil([this] { return library.allTags() == QStringList{QStringLiteral("Food")}; }));
     EXPECT_EQ(selection.id(), std::nullopt);
+}
+
+TEST_F(SidebarSelectionTest, aTagThatLeavesWithItsLastFileLeavesNoRowSelected)
+{
+    giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
+    selection.select(QStringLiteral("Beach"));
+    library.removeTag(QStringLiteral("Beach"), FileUrl::file(QStringLiteral("/p/a.jpg")));
+    ASSERT_TRUE(waitUntil([this] { return !library.selectedTag(); }));
+    EXPECT_EQ(selection.id(), std::nullopt);
+    giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
+    EXPECT_EQ(selection.id(), std::nullopt);
+    selection.select(QStringLiteral("Beach"));
+    EXPECT_EQ(library.selectedTag(), QStringLiteral("Beach"));
+}
+
+TEST_F(SidebarSelectionTest, aNewWindowMarksWhatIsSelectedAndWritesNothing)
+{
+    const auto idInNewWindow = [this] {
+        takeWrites();
+        const SidebarSelection reopened(library);
+        EXPECT_EQ(takeWrites(), QStringList());
+        return reopened.id();
+    };
+    giveTags({QStringLiteral("Beach")});
+    EXPECT_EQ(idInNewWindow(), std::nullopt);
+    const Folder folder = addFolder(QStringLiteral("One"));
+    EXPECT_EQ(idInNewWindow(), rowOf(folder));
+    library.setSelectedRating(2);
+    EXPECT_EQ(idInNewWindow(), QStringLiteral("rating-2"));
+    library.setSelectedTag(QStringLiteral("Beach"));
+    EXPECT_EQ(idInNewWindow(), QStringLiteral("Beach"));
 }
 
 TEST_F(SidebarSelectionTest, aTagThatTheLibrarySelectsIsMarkedAndTakesTheOthersPlace)

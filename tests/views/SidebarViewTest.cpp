@@ -3,6 +3,8 @@
 #include "views/style/ProgressRing.h"
 
 #include <QAccessible>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QSignalSpy>
 
 using namespace Qorvane;
@@ -156,6 +158,22 @@ TEST_F(SidebarViewTest, clicksSelectFoldersRatingsAndTags)
     EXPECT_EQ(library.selectedRating(), std::nullopt);
     click(row(QStringLiteral("Photos")));
     EXPECT_TRUE(library.selectedFolder().has_value());
+    EXPECT_EQ(selected(), QStringLiteral("Photos"));
+}
+
+TEST_F(SidebarViewTest, theFirstFolderIsSelectedOverARatingToo)
+{
+    click(row(QStringLiteral("★★★"), SidebarRow::Kind::rating));
+    ASSERT_EQ(library.selectedRating(), 3);
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(makeFolder(QStringLiteral("Photos"), 1))});
+    const QPoint position(700, 400);
+    QDragEnterEvent enter(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &enter);
+    QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.get(), &drop);
+    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1; }));
+    EXPECT_EQ(library.selectedFolder()->url.lastPathComponent(), QStringLiteral("Photos"));
     EXPECT_EQ(selected(), QStringLiteral("Photos"));
 }
 
