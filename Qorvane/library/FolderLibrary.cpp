@@ -254,7 +254,7 @@ void FolderLibrary::loadBookmarks(Change completion)
     // In its turn, since it replaces the list: a folder added while it reads would be lost again.
     m_rootChanges.perform([this, completion = std::move(completion)] {
         m_rootChanges.hold();
-        m_isLoading = true;
+        setLoading(true);
         const auto stored = std::make_shared<std::optional<QList<QByteArray>>>();
         const auto read = [stored] { *stored = FolderBookmarks::library().stored(); };
         // Read behind the saves that were asked for before, but not resolved there: that may take long.
@@ -263,10 +263,16 @@ void FolderLibrary::loadBookmarks(Change completion)
                 resolve(**stored, completion);
                 return;
             }
-            m_isLoading = false;
+            setLoading(false);
             m_rootChanges.release();
         });
     });
+}
+
+void FolderLibrary::setLoading(bool isLoading)
+{
+    if (std::exchange(m_isLoading, isLoading) != isLoading)
+        Q_EMIT isLoadingChanged();
 }
 
 void FolderLibrary::resolve(const QList<QByteArray> &bookmarks, const Change &completion)
@@ -290,8 +296,8 @@ void FolderLibrary::resolve(const QList<QByteArray> &bookmarks, const Change &co
 
 void FolderLibrary::publishLoaded(const QList<Folder> &roots, const Change &completion)
 {
-    m_isLoading = false;
     m_state.publishLibraryFolders(roots);
+    setLoading(false);
     // What couldn't be reached at this start is thereby forgotten, by design.
     saveBookmarks([this, completion] {
         if (completion)

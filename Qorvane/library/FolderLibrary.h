@@ -55,10 +55,15 @@ public:
     /// Whether changes of the roots wait, or one is being made.
     bool isChanging() const { return m_rootChanges.isHeld(); }
     void loadBookmarks(std::function<void()> completion);
+    /// Whether the roots of earlier runs are still being read.
+    bool isLoading() const { return m_isLoading; }
     /// Calls `completion` in any case.
     void loadFavoriteBookmarks(std::function<void()> completion);
     std::optional<Folder> folderForSidebarSelection(const std::optional<QString> &selection) const;
     std::optional<Folder> folderWithAbsoluteString(const QString &text) const;
+
+Q_SIGNALS:
+    void isLoadingChanged();
 
 private:
     using Change = ChangeLine::Change;
@@ -74,6 +79,7 @@ private:
     };
 
     QList<Folder> rootsWithWaitingChanges() const;
+    void setLoading(bool isLoading);
     void resolve(const QList<QByteArray> &bookmarks, const Change &completion);
     void publishLoaded(const QList<Folder> &roots, const Change &completion);
     void readTree(const FileUrl &url);

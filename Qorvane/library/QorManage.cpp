@@ -90,6 +90,7 @@ void QorManage::forwardSignals()
     connect(state, &LibraryState::imageURLsChanged, this, &QorManage::imageURLsChanged);
     connect(state, &LibraryState::libraryFoldersChanged, this, &QorManage::libraryFoldersChanged);
     connect(state, &LibraryState::favoriteFoldersChanged, this, &QorManage::favoriteFoldersChanged);
+    connect(m_folders.get(), &FolderLibrary::isLoadingChanged, this, &QorManage::isLoadingFoldersChanged);
     connect(state, &LibraryState::sortCriterionChanged, this, &QorManage::sortCriterionChanged);
     connect(state, &LibraryState::sortOrderChanged, this, &QorManage::sortOrderChanged);
     connect(state, &LibraryState::cacheSizeInMBChanged, this, &QorManage::cacheSizeInMBChanged);
@@ -237,6 +238,11 @@ void QorManage::loadBookmarks(std::function<void()> completion)
 bool QorManage::isChangingFolders() const
 {
     return m_folders->isChanging();
+}
+
+bool QorManage::isLoadingFolders() const
+{
+    return m_folders->isLoading();
 }
 
 void QorManage::loadFavoriteBookmarks()

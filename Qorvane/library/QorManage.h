@@ -119,6 +119,9 @@ public:
     /// Whether a change of the roots that was asked for hasn't taken effect: a folder is being added, say, or
     /// those of earlier runs are being read.
     bool isChangingFolders() const;
+    /// Whether the roots of earlier runs are still being read: until then a library without folders may have
+    /// some.
+    bool isLoadingFolders() const;
     /// Reads and resolves the stored favourites in the background, publishes and saves them; changes asked
     /// for meanwhile come after that.
     void loadFavoriteBookmarks();
@@ -213,6 +216,7 @@ Q_SIGNALS:
     void imageURLsChanged();
     void libraryFoldersChanged();
     void favoriteFoldersChanged();
+    void isLoadingFoldersChanged();
     void sortCriterionChanged();
     void sortOrderChanged();
     void cacheSizeInMBChanged();

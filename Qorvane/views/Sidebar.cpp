@@ -63,6 +63,7 @@ void Sidebar::followLibrary()
         m_rows.setFolders(m_qorManager.favoriteFolders(), m_qorManager.libraryFolders());
     };
     connect(&m_qorManager, &QorManage::libraryFoldersChanged, this, &Sidebar::isLibraryEmptyChanged);
+    connect(&m_qorManager, &QorManage::isLoadingFoldersChanged, this, &Sidebar::isLibraryEmptyChanged);
     const auto takeTags = [this] { m_rows.setTags(m_qorManager.allTags()); };
     connect(&m_qorManager, &QorManage::libraryFoldersChanged, this, takeFolders);
     connect(&m_qorManager, &QorManage::favoriteFoldersChanged, this, takeFolders);
@@ -85,7 +86,7 @@ void Sidebar::followLibrary()
 
 bool Sidebar::isLibraryEmpty() const
 {
-    return m_qorManager.libraryFolders().isEmpty();
+    return m_qorManager.libraryFolders().isEmpty() && !m_qorManager.isLoadingFolders();
 }
 
 void Sidebar::followSelection()

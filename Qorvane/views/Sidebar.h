@@ -25,7 +25,7 @@ class Sidebar : public QObject
     Q_PROPERTY(Qorvane::SidebarMenu *menu READ menu CONSTANT)
     /// The row that keys move from, -1 for none. Announced after every change of the rows too.
     Q_PROPERTY(int currentRow READ currentRow NOTIFY currentRowChanged)
-    /// The library has no folders yet.
+    /// The library has no folders. False as well at the start, until those of earlier runs would be known.
     Q_PROPERTY(bool isLibraryEmpty READ isLibraryEmpty NOTIFY isLibraryEmptyChanged)
 
 public:

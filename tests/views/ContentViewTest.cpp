@@ -21,8 +21,30 @@ TEST_F(ContentViewTest, isNeverSmallerThanItsColumnsNeed)
 TEST_F(ContentViewTest, anEmptyLibraryLeadsToItsFirstFolder)
 {
     EXPECT_TRUE(item("nothingSelectedPage")->isVisible());
-    EXPECT_TRUE(item("firstFolderButton")->isVisible());
+    EXPECT_TRUE(waitUntil([this] { return item("firstFolderButton")->isVisible(); }));
     EXPECT_TRUE(item("firstFolderHint")->isVisible());
+}
+
+TEST_F(ContentViewTest, aLibraryOfEarlierRunsIsNotGreetedAsEmpty)
+{
+    addFolder(QStringLiteral("Photos"), 1);
+    QorManage later;
+    ContentViewState laterState(
+        later, [this](const QString &text, const QList<FileUrl> &, int) { return search(text); }, thumbnails);
+    const std::unique_ptr<QQuickWindow> laterWindow = makeContentWindow(engine, laterState);
+    laterWindow->show();
+    const auto isGreeted = [&laterWindow](const char *name) {
+        return laterWindow->findChild<QQuickItem *>(QString::fromLatin1(name))->isVisible();
+    };
+    EXPECT_TRUE(isGreeted("nothingSelectedPage"));
+    EXPECT_FALSE(isGreeted("firstFolderButton"));
+    EXPECT_FALSE(isGreeted("firstFolderHint"));
+    bool wasGreeted = false;
+    QObject::connect(laterState.sidebar(), &Sidebar::isLibraryEmptyChanged, &later,
+                     [&] { wasGreeted = wasGreeted || isGreeted("firstFolderButton"); });
+    EXPECT_TRUE(waitUntil([&later] { return later.libraryFolders().size() == 1; }));
+    EXPECT_FALSE(wasGreeted);
+    later.cancelAllTasks();
 }
 
 TEST_F(ContentViewTest, anAddedFolderGetsARowAndShowsItsPhotographs)
