@@ -2,8 +2,6 @@
 
 #include "platform/Localization.h"
 
-#include <QLocale>
-
 #include <cmath>
 
 namespace Qorvane {
@@ -19,13 +17,13 @@ QString withCount(const QString &name, const std::optional<int> &count)
 
 QString SidebarTexts::countText(const SidebarRow &row)
 {
-    return row.count ? QLocale().toString(*row.count) : QString();
+    return row.count ? QString::number(*row.count) : QString();
 }
 
 QString SidebarTexts::percentText(double progress)
 {
     const double percent = std::isfinite(progress) ? std::trunc(progress * 100) : 0;
-    return QLocale().toString(qint64(percent)) + u'%';
+    return QString::number(qint64(percent)) + u'%';
 }
 
 QString SidebarTexts::spokenName(const SidebarRow &row)
