@@ -19,7 +19,8 @@ Sorting::Criterion Sorting::criterion() const
 
 void Sorting::setCriterion(Criterion criterion)
 {
-    m_qorManager.setSortCriterion(SortCriterion(criterion));
+    if (this->criterion() != criterion)
+        m_qorManager.setSortCriterion(SortCriterion(criterion));
 }
 
 Sorting::Order Sorting::order() const
@@ -29,7 +30,8 @@ Sorting::Order Sorting::order() const
 
 void Sorting::setOrder(Order order)
 {
-    m_qorManager.setSortOrder(SortOrder(order));
+    if (this->order() != order)
+        m_qorManager.setSortOrder(SortOrder(order));
 }
 
 } // namespace Qorvane

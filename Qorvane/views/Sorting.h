@@ -35,6 +35,8 @@ public:
     explicit Sorting(QorManage &qorManager, QObject *parent = nullptr);
 
     Criterion criterion() const;
+    /// The library takes every write for a change, and sorts or even loads anew: what is set already isn't
+    /// written.
     void setCriterion(Criterion criterion);
     Order order() const;
     void setOrder(Order order);

@@ -49,6 +49,16 @@ TEST_F(SortingTest, setsWhatTheLibrarySortsBy)
     EXPECT_EQ(orders.count(), 1);
 }
 
+TEST_F(SortingTest, whatIsChosenAlreadyIsNotWrittenAgain)
+{
+    const QSignalSpy criteria(&library, &QorManage::sortCriterionChanged);
+    const QSignalSpy orders(&library, &QorManage::sortOrderChanged);
+    sorting.setCriterion(Sorting::FileName);
+    sorting.setOrder(Sorting::Ascending);
+    EXPECT_EQ(criteria.count(), 0);
+    EXPECT_EQ(orders.count(), 0);
+}
+
 TEST_F(SortingTest, followsTheLibrary)
 {
     library.setSortCriterion(SortCriterion::rating);
