@@ -12,6 +12,7 @@
 #include <QSet>
 
 #include <memory>
+#include <utility>
 
 namespace Qorvane {
 
@@ -59,19 +60,25 @@ void SearchController::setText(const QString &text)
     if (m_text == text)
         return;
     m_text = text;
+    // Before anybody hears of the text: a look in between would show that it found nothing.
+    const bool isFirst = !text.isEmpty() && !std::exchange(m_isSearching, true);
     Q_EMIT textChanged();
     if (text.isEmpty()) {
         setResults({});
         return;
     }
     Q_EMIT searchBegan();
-    beginSearch();
+    if (isFirst)
+        Q_EMIT isSearchingChanged();
+    queueSearch();
 }
 
 void SearchController::searchAgain()
 {
-    if (!m_text.isEmpty())
-        beginSearch();
+    if (m_text.isEmpty())
+        return;
+    setSearching(true);
+    queueSearch();
 }
 
 void SearchController::reset()
@@ -81,9 +88,8 @@ void SearchController::reset()
     setSearching(false);
 }
 
-void SearchController::beginSearch()
+void SearchController::queueSearch()
 {
-    setSearching(true);
     MainQueue::async([self = QPointer(this), text = m_text] {
         if (self)
             self->run(text);

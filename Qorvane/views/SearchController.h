@@ -68,11 +68,11 @@ Q_SIGNALS:
     void textChanged();
     void isSearchingChanged();
     void resultsChanged();
-    /// A text came into the field, and its search is about to run.
+    /// A text came into the field, and its search is about to run: `isSearching` is set, and announced next.
     void searchBegan();
 
 private:
-    void beginSearch();
+    void queueSearch();
     QCoro::Task<> run(QString text);
     static QCoro::Task<QList<FileUrl>> candidates(SearchSources sources);
     void setResults(const QList<SearchResult> &results);

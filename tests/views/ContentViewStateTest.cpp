@@ -178,6 +178,17 @@ TEST_F(ContentViewStateTest, aQueryTypedOverAnOpenFileLeavesItAndTheSelection)
     drainMainQueue();
 }
 
+TEST_F(ContentViewStateTest, aNewQueryNeverShowsThatNothingWasFound)
+{
+    QList<GridPage::Page> pages;
+    const QObject listener;
+    QObject::connect(&m_state, &ContentViewState::pageChanged, &listener,
+                     [&] { pages.append(m_state.page()); });
+    m_state.search()->setText(QStringLiteral("c"));
+    EXPECT_EQ(pages, QList<GridPage::Page>{GridPage::Searching});
+    drainMainQueue();
+}
+
 TEST_F(ContentViewStateTest, emptyingTheFieldLeavesAnOpenFileOpen)
 {
     m_state.search()->setText(QStringLiteral("c"));

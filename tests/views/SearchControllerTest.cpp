@@ -102,6 +102,28 @@ TEST_F(SearchControllerTest, everyChangeOfTheTextStartsASearchOfTwentyHits)
     EXPECT_EQ(running[QStringLiteral("ca")].limit, 20);
 }
 
+// A look in between would show that nothing was found.
+TEST_F(SearchControllerTest, aNewTextIsAnnouncedWithItsSearchUnderWay)
+{
+    QStringList steps;
+    const QObject listener;
+    QObject::connect(&controller, &SearchController::textChanged, &listener, [&] {
+        steps.append(controller.isSearching() ? QStringLiteral("text, searching") : QStringLiteral("text"));
+    });
+    QObject::connect(&controller, &SearchController::searchBegan, &listener,
+                     [&] { steps.append(QStringLiteral("began")); });
+    QObject::connect(&controller, &SearchController::isSearchingChanged, &listener,
+                     [&] { steps.append(QStringLiteral("searching")); });
+    controller.setText(QStringLiteral("c"));
+    EXPECT_EQ(steps, QStringList({"text, searching", "began", "searching"}));
+    steps.clear();
+    controller.setText(QStringLiteral("ca"));
+    EXPECT_EQ(steps, QStringList({"text, searching", "began"}));
+    steps.clear();
+    controller.setText({});
+    EXPECT_EQ(steps, QStringList{"text, searching"}) << "searches go on";
+}
+
 TEST_F(SearchControllerTest, theLastToFinishWins)
 {
     for (const char *text : {"c", "ca", "cat"})
