@@ -13,12 +13,14 @@ class FallbackFolderDialogTest : public ContentViewFixture
 protected:
     ~FallbackFolderDialogTest() override { qputenv("HOME", homeBefore); }
 
-    void openDialog(const QStringList &folders)
+    void openDialog(const QStringList &folders, const char *button = "firstFolderButton")
     {
         for (const QString &name : folders)
             makeFolder(name, 0);
         qputenv("HOME", home.path().toLocal8Bit());
-        click(item("firstFolderButton"));
+        ASSERT_TRUE(waitUntil([&] { return item(button)->isVisible(); }));
+        waitForFrame();
+        click(item(button));
         ASSERT_TRUE(waitUntil([&] { return popupItem("folderBrowserList") != nullptr; }));
         list = popupItem("folderBrowserList");
         browser = list->property("browser").value<FolderBrowser *>();
@@ -98,6 +100,17 @@ TEST_F(FallbackFolderDialogTest, withoutAPanelOfTheDesktopItAddsSeveralFolders)
     EXPECT_EQ(library.libraryFolders().at(0).url.lastPathComponent(), QStringLiteral("One"));
     EXPECT_EQ(library.libraryFolders().at(1).url.lastPathComponent(), QStringLiteral("Two"));
     EXPECT_TRUE(waitUntil([&] { return !list->isVisible(); }));
+}
+
+TEST_F(FallbackFolderDialogTest, theSidebarsButtonOpensItToo)
+{
+    openDialog({QStringLiteral("One")}, "addFolderButton");
+    ASSERT_TRUE(waitUntil([&] { return row(0) != nullptr; }));
+    waitForFrame();
+    click(row(0));
+    click(popupItem("addChosenFoldersButton"));
+    ASSERT_TRUE(waitUntil([&] { return library.libraryFolders().size() == 1; }));
+    EXPECT_EQ(library.libraryFolders().constFirst().url.lastPathComponent(), QStringLiteral("One"));
 }
 
 TEST_F(FallbackFolderDialogTest, escapeClosesItAndAddsNothing)
