@@ -45,6 +45,7 @@ Row {
     }
 
     Item {
+        objectName: "completedMark"
         width: 16
         height: 16
         anchors.verticalCenter: parent.verticalCenter

@@ -2,13 +2,48 @@
 
 #include "support/Waiting.h"
 
+#include <QImage>
+#include <QPainter>
+
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
 
 using namespace Qorvane;
 
 namespace {
 
 constexpr int second = 1000;
+
+/// Draws the ring as large as can be looked at, and tells how dense it is at an angle, clockwise from the
+/// top.
+class DrawnRing
+{
+public:
+    explicit DrawnRing(ProgressRing &ring)
+        : m_picture(int(ring.width()) * scale, int(ring.height()) * scale, QImage::Format_ARGB32)
+    {
+        m_picture.fill(Qt::transparent);
+        QPainter painter(&m_picture);
+        painter.scale(scale, scale);
+        ring.paint(&painter);
+    }
+
+    QColor at(double degrees) const
+    {
+        const double angle = degrees / 180 * std::numbers::pi;
+        const double middle = m_picture.width() / 2.0;
+        const double radius = middle - scale; // the middle of a line two wide
+        return m_picture.pixelColor(int(middle + radius * std::sin(angle)),
+                                    int(middle - radius * std::cos(angle)));
+    }
+
+private:
+    static constexpr int scale = 8;
+
+    QImage m_picture;
+};
 
 } // namespace
 
@@ -18,6 +53,31 @@ TEST(ProgressRing, drawsNeverLessThanASliver)
     EXPECT_EQ(ProgressRing::drawnShare(0.02), 0.02);
     EXPECT_EQ(ProgressRing::drawnShare(0.5), 0.5);
     EXPECT_EQ(ProgressRing::drawnShare(1.5), 1.0);
+}
+
+TEST(ProgressRing, isDrawnClockwiseFromTheTopOverAFaintCircle)
+{
+    ProgressRing ring;
+    ring.setSize(QSizeF(16, 16));
+    ring.setColor(Qt::blue);
+    ring.setProgress(0.25);
+    const DrawnRing drawn(ring);
+    for (const double done : {2.0, 45.0, 88.0})
+        EXPECT_EQ(drawn.at(done), QColor(Qt::blue)) << done;
+    for (const double left : {135.0, 225.0, 315.0}) {
+        EXPECT_NEAR(drawn.at(left).alphaF(), 0.3, 0.01) << left;
+        EXPECT_EQ(drawn.at(left).blue(), 255) << left;
+    }
+}
+
+TEST(ProgressRing, ofNoProgressASliverIsDrawn)
+{
+    ProgressRing ring;
+    ring.setSize(QSizeF(16, 16));
+    ring.setColor(Qt::blue);
+    const DrawnRing drawn(ring);
+    EXPECT_EQ(drawn.at(3), QColor(Qt::blue));
+    EXPECT_LT(drawn.at(45).alphaF(), 0.5);
 }
 
 TEST(ProgressRing, showsItsProgressAtOnceWithoutMotion)

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QQmlComponent>
 #include <QSignalSpy>
 
 using namespace Qorvane;
@@ -246,7 +247,7 @@ TEST_F(SidebarViewTest, countsFollowARatingAtOnce)
 TEST_F(SidebarViewTest, aRunThatHasJustBegunShowsASliverAndZeroPercent)
 {
     const QString path = addEmptyFolder(QStringLiteral("Photos"));
-    library.setProcessing(path, FolderProcessingState::thumbnails, 0, QStringLiteral("缩略图：0/9"));
+    library.setProcessing(path, FolderProcessingState::thumbnails, 0, QStringLiteral("缩略图: 0/9"));
     QQuickItem *const photos = row(QStringLiteral("Photos"));
     ASSERT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "Preview 0%"}); }));
     auto *const ring = photos->findChild<ProgressRing *>();
@@ -261,6 +262,50 @@ TEST_F(SidebarViewTest, aRunThatHasJustBegunShowsASliverAndZeroPercent)
     library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos"}); }));
     EXPECT_FALSE(ring->isSweeping());
+}
+
+TEST_F(SidebarViewTest, eachStateOfARunHasItsColour)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    state.sidebar()->deselect();
+    QQmlComponent component(&engine);
+    component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
+                      QUrl());
+    const std::unique_ptr<QObject> holder(component.create());
+    ASSERT_TRUE(holder);
+    const auto *const theme = holder->property("theme").value<QObject *>();
+    ASSERT_TRUE(theme);
+    const auto colour = [theme](const char *name) { return theme->property(name).value<QColor>(); };
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    auto *const ring = photos->findChild<ProgressRing *>();
+    ASSERT_TRUE(ring);
+    const auto captionColour = [&] {
+        for (QQuickItem *const item : allBelow(photos)) {
+            const QString text = item->property("text").toString();
+            if (item->isVisible() &&
+                (text == QStringLiteral("Preview 50%") || text == QStringLiteral("AI Analysis 50%")))
+                return item->property("color").value<QColor>();
+        }
+        return QColor();
+    };
+    for (const auto &[stage, name] : {std::pair(FolderProcessingState::thumbnails, "orange"),
+                                      std::pair(FolderProcessingState::vectors, "blue")}) {
+        library.setProcessing(path, stage, 0.5, std::nullopt);
+        EXPECT_TRUE(waitUntil([&] { return ring->isVisible() && ring->color() == colour(name); })) << name;
+        EXPECT_EQ(captionColour(), colour(name));
+        EXPECT_FALSE(itemBelow(photos, "completedMark"));
+    }
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return itemBelow(photos, "completedMark") != nullptr; }));
+    EXPECT_FALSE(ring->isVisible());
+    QQuickItem *const mark = itemBelow(photos, "completedMark")->childItems().constFirst();
+    EXPECT_EQ(mark->property("color").value<QColor>(), colour("green"));
+    click(photos);
+    const QColor ink = colour("accentInk");
+    EXPECT_EQ(mark->property("color").value<QColor>(), ink) << "selected, everything is in one ink";
+    library.setProcessing(path, FolderProcessingState::idle, 0, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return !itemBelow(photos, "completedMark"); }));
+    EXPECT_FALSE(ring->isVisible());
 }
 
 TEST_F(SidebarViewTest, aLongNameGivesWayToTheRun)
