@@ -247,7 +247,7 @@ TEST_F(ContentColumnsTest, escapeLeadsBackToTheGridAndTheKeysToTheSidebar)
     EXPECT_FALSE(item("inlineDetailView")->isVisible());
     EXPECT_TRUE(state.selection().urls().isEmpty());
     EXPECT_TRUE(state.focus()->isOnSidebar());
-    EXPECT_FALSE(hasKeys("contentColumn"));
+    EXPECT_TRUE(hasKeys("sidebarList"));
 }
 
 TEST_F(ContentColumnsTest, theBackButtonLeadsBackToo)

@@ -15,6 +15,7 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QLockFile>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -99,6 +100,28 @@ TEST_F(QorvaneAppTest, logsItsLocationsWhenTheMainWindowAppears)
             logged.append(line);
     }
     EXPECT_EQ(logged, expected);
+}
+
+TEST_F(QorvaneAppTest, theEncodersAreLoadedBehindTheWindowUnasked)
+{
+    const LogCapture log;
+    QorvaneApp app;
+    ASSERT_TRUE(app.openMainWindow());
+    EXPECT_TRUE(
+        waitUntil([&] { return !log.linesStartingWith(QStringLiteral("🔍 开始加载模型")).isEmpty(); }));
+    EXPECT_TRUE(hasAppeared(log)) << "the window comes first";
+    EXPECT_FALSE(app.qorManager().selectedFolder());
+    EXPECT_EQ(app.contentView()->state().search()->text(), QString());
+}
+
+TEST_F(QorvaneAppTest, theSidebarHasTheKeysOnceTheWindowIsThere)
+{
+    QorvaneApp app;
+    ASSERT_TRUE(app.openMainWindow());
+    QQuickWindow *const window = app.contentView()->window();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    EXPECT_TRUE(waitUntil(
+        [&] { return window->findChild<QQuickItem *>(QStringLiteral("sidebarList"))->hasActiveFocus(); }));
 }
 
 TEST_F(QorvaneAppTest, aFirstStartHasAnEmptyLibraryAndSynchronisesNothing)
