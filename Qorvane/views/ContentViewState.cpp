@@ -99,6 +99,7 @@ void ContentViewState::followLibrary()
     takeImages();
 }
 
+// Files stay selected while the grid shows another folder: only leaving an open file deselects.
 void ContentViewState::reset()
 {
     setDetailViewActive(false);

@@ -110,6 +110,8 @@ void SidebarListModel::setSelectedId(const std::optional<QString> &id)
     announce(changed, {IsSelectedRole});
 }
 
+// A root inside another one stands in the list twice, under the same id: both rows are marked, since either
+// is the selected folder.
 bool SidebarListModel::isSelected(const SidebarRow &row) const
 {
     return row.isSelectable() && row.id == m_selectedId &&

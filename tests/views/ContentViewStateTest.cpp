@@ -214,6 +214,17 @@ TEST_F(ContentViewStateTest, aFolderOrARatingEndsTheSearchAndLeavesTheOpenFile)
     drainMainQueue();
 }
 
+TEST_F(ContentViewStateTest, anotherFolderOrRatingLeavesTheSelection)
+{
+    const QSet<FileUrl> one{FileUrl::file(m_place.filePath(QStringLiteral("one.jpg")))};
+    m_state.selection().setUrls(one);
+    m_library.setSelectedFolder(Folder{FileUrl::directory(m_place.path()), {}});
+    EXPECT_EQ(m_state.selection().urls(), one);
+    m_library.setSelectedRating(3);
+    EXPECT_EQ(m_state.selection().urls(), one);
+    drainMainQueue();
+}
+
 TEST_F(ContentViewStateTest, aTagPickedInTheSidebarKeepsTheQuery)
 {
     giveTag();

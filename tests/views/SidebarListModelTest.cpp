@@ -159,6 +159,21 @@ TEST_F(SidebarListModelTest, marksTheClickedRowOfAFolderInBothSectionsOnly)
             .toBool());
 }
 
+TEST_F(SidebarListModelTest, aRootInsideAnotherIsMarkedInBothPlaces)
+{
+    model.setFolders({}, roots + QList{folder(QStringLiteral("/p/Photos/旅行"))});
+    unfold(QStringLiteral("Photos"));
+    model.setSelectedId(QStringLiteral("library-") +
+                        FileUrl::directory(QStringLiteral("/p/Photos/旅行")).absoluteString());
+    QList<int> depths;
+    for (const SidebarRow &row : model.rows()) {
+        if (model.isSelected(row))
+            depths.append(row.depth);
+    }
+    EXPECT_EQ(depths, QList<int>({1, 0}));
+    EXPECT_EQ(model.selectedRow(), folderRow(QStringLiteral("旅行"))) << "the keys go to the first";
+}
+
 TEST_F(SidebarListModelTest, aTagWithTheIdOfARatingIsMarkedAlone)
 {
     model.setTags({QStringLiteral("rating-3")});
