@@ -10,8 +10,6 @@ FocusScope {
     readonly property SelectedMedia media: viewState.selected
     // A selection in the grid is not opened yet.
     readonly property string path: viewState.isDetailViewActive ? media.path : ""
-    readonly property bool isLoaded: picture.status === Image.Ready && picture.implicitWidth > 1
-    readonly property bool hasThumbnail: thumbnail.status === Image.Ready && thumbnail.implicitWidth > 1
     // A bound rather than the size shown, which would decode anew at every step of a resize.
     readonly property int decodedSize: Math.max(Theme.widestContent, Screen.height)
 
@@ -30,17 +28,17 @@ FocusScope {
         Accessible.role: Accessible.Graphic
         Accessible.name: view.media.name
 
-        Image {
+        ProviderImage {
             id: thumbnail
 
             anchors.fill: parent
             source: view.source("thumbnail")
             fillMode: Image.PreserveAspectFit
-            visible: !view.isLoaded && view.hasThumbnail
+            visible: !picture.isLoaded && isLoaded
             cache: false
         }
 
-        Image {
+        ProviderImage {
             id: picture
 
             objectName: "fullPicture"
@@ -49,13 +47,13 @@ FocusScope {
             sourceSize.width: view.decodedSize
             sourceSize.height: view.decodedSize
             fillMode: Image.PreserveAspectFit
-            visible: view.isLoaded
+            visible: isLoaded
             cache: false
         }
 
         BusyIndicator {
             anchors.centerIn: parent
-            running: picture.status === Image.Loading && !view.hasThumbnail
+            running: picture.status === Image.Loading && !thumbnail.isLoaded
             visible: running
         }
 
@@ -69,7 +67,8 @@ FocusScope {
     MessagePage {
         objectName: "noPicturePage"
         anchors.fill: parent
-        visible: picture.status === Image.Ready && !view.isLoaded && !view.hasThumbnail && !view.media.isVideo
+        visible: picture.status === Image.Ready && !picture.isLoaded && !thumbnail.isLoaded
+                 && !view.media.isVideo
         iconName: "photo"
         message: qsTranslate("Qorvane", "This picture can't be shown.")
         messageSize: Theme.headlineSize

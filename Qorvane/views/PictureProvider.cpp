@@ -5,6 +5,7 @@
 #include "media/OrientedImage.h"
 #include "media/ThumbnailCache.h"
 #include "platform/Log.h"
+#include "views/NoPicture.h"
 #include "views/ThumbnailQueue.h"
 #include "views/ThumbnailResponse.h"
 
@@ -18,13 +19,6 @@ namespace {
 
 // One for the full picture, one for the thumbnail that is to be seen before it.
 constexpr int threadCount = 2;
-
-QImage clearPixel()
-{
-    QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
-    pixel.fill(Qt::transparent);
-    return pixel;
-}
 
 QImage pixelsOf(const std::optional<Image> &image)
 {

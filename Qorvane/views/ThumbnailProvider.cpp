@@ -1,5 +1,6 @@
 #include "views/ThumbnailProvider.h"
 
+#include "views/NoPicture.h"
 #include "views/ThumbnailQueue.h"
 #include "views/ThumbnailResponse.h"
 #include "views/ThumbnailUrl.h"
@@ -10,17 +11,6 @@
 #include <algorithm>
 
 namespace Qorvane {
-
-namespace {
-
-QImage clearPixel()
-{
-    QImage pixel(1, 1, QImage::Format_ARGB32_Premultiplied);
-    pixel.fill(Qt::transparent);
-    return pixel;
-}
-
-} // namespace
 
 QImage fittedThumbnail(const QImage &picture, QSize size, double radius)
 {

@@ -296,6 +296,19 @@ TEST_F(ContentColumnsTest, aFileThatGivesNoPictureSaysSo)
     EXPECT_TRUE(waitUntil([this] { return item("noPicturePage")->isVisible(); }));
 }
 
+TEST_F(ContentColumnsTest, aPictureOnePixelWideIsShown)
+{
+    addFolder(QStringLiteral("Photos"), 1);
+    QImage strip(1, 10'000, QImage::Format_RGB32);
+    strip.fill(Qt::red);
+    const QString path = home.filePath(QStringLiteral("strip.png"));
+    ASSERT_TRUE(strip.save(path));
+    state.selection().setUrls({FileUrl::file(path)});
+    state.setDetailViewActive(true);
+    EXPECT_TRUE(waitUntil([this] { return item("fullPicture")->isVisible(); }));
+    EXPECT_FALSE(item("noPicturePage")->isVisible());
+}
+
 TEST_F(ContentColumnsTest, aMovedEdgeIsFollowedByTheOpenPicture)
 {
     const QString folder = addFolder(QStringLiteral("Photos"), 1);
