@@ -17,9 +17,6 @@ namespace Qorvane {
 
 namespace {
 
-// One for the full picture, one for the thumbnail that is to be seen before it.
-constexpr int threadCount = 2;
-
 QImage pixelsOf(const std::optional<Image> &image)
 {
     return image ? image->pixels() : QImage();
@@ -40,7 +37,8 @@ QImage boundedPicture(const QString &path, int maxPixelSize)
 } // namespace
 
 PictureProvider::PictureProvider(Load load)
-    : m_queue(std::make_shared<ThumbnailQueue>(threadCount))
+    : m_thumbnails(std::make_shared<ThumbnailQueue>(1))
+    , m_fullPictures(std::make_shared<ThumbnailQueue>(1))
     , m_load(std::move(load))
 {
 }
@@ -57,17 +55,17 @@ QImage PictureProvider::loadPicture(Kind kind, const QString &path, int maxPixel
 
 QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
 {
-    auto response = std::make_unique<ThumbnailResponse>(m_queue);
     const qsizetype slash = id.indexOf(QLatin1Char('/'));
     const Kind kind = id.left(slash) == QLatin1String("thumbnail") ? Kind::thumbnail : Kind::full;
     const QString path = QUrl::fromPercentEncoding(id.mid(slash + 1).toUtf8());
     const int maxPixelSize =
         std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
-    response->setTicket(
-        m_queue->add(path, [load = m_load, slot = response->slot(), kind, path, maxPixelSize] {
-            const QImage picture = load(kind, path, maxPixelSize);
-            slot->deliver(picture.isNull() ? clearPixel() : picture);
-        }));
+    const std::shared_ptr<ThumbnailQueue> &queue = kind == Kind::thumbnail ? m_thumbnails : m_fullPictures;
+    auto response = std::make_unique<ThumbnailResponse>(queue);
+    response->setTicket(queue->add(path, [load = m_load, slot = response->slot(), kind, path, maxPixelSize] {
+        const QImage picture = load(kind, path, maxPixelSize);
+        slot->deliver(picture.isNull() ? clearPixel() : picture);
+    }));
     return response.release(); // the engine owns it from here
 }
 

@@ -34,7 +34,9 @@ public:
     static QImage loadPicture(Kind kind, const QString &path, int maxPixelSize);
 
 private:
-    std::shared_ptr<ThumbnailQueue> m_queue;
+    // Each with a thread of its own: the thumbnail, which is to be seen before, waits for no full picture.
+    std::shared_ptr<ThumbnailQueue> m_thumbnails;
+    std::shared_ptr<ThumbnailQueue> m_fullPictures;
     Load m_load;
 };
 

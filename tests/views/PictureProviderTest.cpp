@@ -15,6 +15,7 @@
 
 #include <atomic>
 #include <memory>
+#include <semaphore>
 
 using namespace Qorvane;
 
@@ -84,6 +85,26 @@ TEST(PictureProvider, givesAClearPixelForAFileWithoutAPicture)
     const QImage answer = answerOf(*response);
     ASSERT_EQ(answer.size(), QSize(1, 1));
     EXPECT_EQ(answer.pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(PictureProvider, aThumbnailWaitsForNoFullPicture)
+{
+    std::counting_semaphore<> mayGoOn(0);
+    PictureProvider provider([&mayGoOn](PictureProvider::Kind kind, auto &&...) {
+        if (kind == PictureProvider::Kind::full)
+            mayGoOn.acquire();
+        return QImage(4, 3, QImage::Format_RGB32);
+    });
+    const auto request = [&provider](const char *id) {
+        return std::unique_ptr<QQuickImageResponse>(
+            provider.requestImageResponse(QString::fromLatin1(id), {}));
+    };
+    const auto left = request("full/left.nef");
+    const auto open = request("full/open.nef");
+    const auto thumbnail = request("thumbnail/open.nef");
+    EXPECT_EQ(answerOf(*thumbnail).size(), QSize(4, 3));
+    mayGoOn.release(2);
+    EXPECT_EQ(answerOf(*open).size(), QSize(4, 3));
 }
 
 TEST(PictureProvider, readsAPictureUncutAndBounded)
