@@ -1,5 +1,6 @@
 #include "views/SearchController.h"
 
+#include "media/ImageMessages.h"
 #include "platform/FileAttributes.h"
 #include "platform/GlobalQueue.h"
 #include "platform/Log.h"
@@ -17,9 +18,6 @@
 namespace Qorvane {
 
 namespace {
-
-const QString imagesDeletedName = QStringLiteral("ImagesDeleted");
-const QString pathsKey = QStringLiteral("paths");
 
 // Store and disk are asked in the background: a tag may be on very many files.
 QFuture<QList<FileUrl>> existingFilesOfTag(const SearchSources &sources, const QString &tag)
@@ -45,8 +43,8 @@ SearchController::SearchController(SearchSources sources, QObject *parent)
     , m_sources(std::move(sources))
 {
     m_deletionToken = NotificationCenter::defaultCenter().addObserver(
-        imagesDeletedName, ObserverQueue::main, [this](const Notification &notification) {
-            removeResults(notification.userInfo.value(pathsKey).toStringList());
+        ImageMessages::deletedName, ObserverQueue::main, [this](const Notification &notification) {
+            removeResults(notification.userInfo.value(ImageMessages::pathsKey).toStringList());
         });
 }
 
