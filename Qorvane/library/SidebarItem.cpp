@@ -17,9 +17,14 @@ QLatin1String caseName(SidebarItem::ItemType type)
 
 } // namespace
 
+QString SidebarItem::idPrefix(ItemType type)
+{
+    return caseName(type) + u'-';
+}
+
 QString SidebarItem::id() const
 {
-    return caseName(type) + u'-' + folder.url.absoluteString();
+    return idPrefix(type) + folder.url.absoluteString();
 }
 
 } // namespace Qorvane

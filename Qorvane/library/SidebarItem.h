@@ -9,10 +9,13 @@ struct SidebarItem
 {
     enum class ItemType { favorite, library };
 
+    /// What the ids of a section's rows begin with: its case name and "-".
+    static QString idPrefix(ItemType type);
+
     Folder folder;
     ItemType type = ItemType::library;
 
-    /// The section's case name, "-" and the folder's absolute text: "library-file:///home/me/Pictures/".
+    /// The section's prefix and the folder's absolute text: "library-file:///home/me/Pictures/".
     QString id() const;
 
     friend bool operator==(const SidebarItem &, const SidebarItem &) = default;

@@ -9,6 +9,14 @@
 
 namespace Qorvane {
 
+/// What the id of a rating's row begins with.
+inline const QString ratingIdPrefix = QStringLiteral("rating-");
+
+inline QString ratingId(int rating)
+{
+    return ratingIdPrefix + QString::number(rating);
+}
+
 /// One row of the sidebar, whatever its kind.
 struct SidebarRow
 {

@@ -79,7 +79,7 @@ QList<SidebarRow> SidebarSections::ratingAndTagRows(const SidebarContent &conten
     for (int rating = lowestRating; rating <= highestRating; ++rating) {
         SidebarRow row;
         row.kind = SidebarRow::Kind::rating;
-        row.id = QStringLiteral("rating-") + QString::number(rating);
+        row.id = ratingId(rating);
         row.name = QStringLiteral("★").repeated(rating);
         row.rating = rating;
         row.count = countFor(row, content.counts);

@@ -3,23 +3,12 @@
 #include "library/FolderTree.h"
 #include "library/QorManage.h"
 #include "library/SidebarItem.h"
+#include "views/SidebarRow.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace Qorvane {
-
-namespace {
-
-const QString ratingPrefix = QStringLiteral("rating-");
-const QString libraryPrefix = QStringLiteral("library-");
-
-QString idOf(int rating)
-{
-    return ratingPrefix + QString::number(rating);
-}
-
-} // namespace
 
 SidebarSelection::SidebarSelection(QorManage &qorManager, QObject *parent)
     : QObject(parent)
@@ -42,7 +31,7 @@ void SidebarSelection::markSelected()
     if (m_tag)
         setId(m_tag);
     else if (m_rating)
-        setId(idOf(*m_rating));
+        setId(ratingId(*m_rating));
     else if (m_folder)
         markFolder(*m_folder);
 }
@@ -70,7 +59,7 @@ void SidebarSelection::tellLibrary()
         m_qorManager.setSelectedTag(id);
         m_qorManager.setSelectedFolder(std::nullopt);
         m_qorManager.setSelectedRating(std::nullopt);
-    } else if (id && id->startsWith(ratingPrefix)) {
+    } else if (id && id->startsWith(ratingIdPrefix)) {
         selectRating();
     } else {
         m_qorManager.setSelectedTag(std::nullopt);
@@ -137,6 +126,7 @@ bool SidebarSelection::isFolderOfLibrary() const
 {
     if (!m_id || m_qorManager.allTags().contains(*m_id))
         return false;
+    const QString libraryPrefix = SidebarItem::idPrefix(SidebarItem::ItemType::library);
     if (m_id->startsWith(libraryPrefix))
         return FolderTree::findFolder(m_id->sliced(libraryPrefix.size()), m_qorManager.libraryFolders())
             .has_value();
@@ -163,9 +153,9 @@ void SidebarSelection::followRating()
         return;
     m_rating = m_qorManager.selectedRating();
     if (m_rating)
-        select(idOf(*m_rating));
+        select(ratingId(*m_rating));
     // A tag called "rating-3" that takes a rating's place is no rating's row.
-    else if (m_id && m_id->startsWith(ratingPrefix) && !m_qorManager.allTags().contains(*m_id))
+    else if (m_id && m_id->startsWith(ratingIdPrefix) && !m_qorManager.allTags().contains(*m_id))
         giveWay();
 }
 
