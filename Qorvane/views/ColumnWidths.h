@@ -36,6 +36,10 @@ public:
     static constexpr int idealInspector = 300;
     static constexpr int maximumInspector = 500;
 
+    /// For QML.
+    enum Limit { WidestContent = maximumContent };
+    Q_ENUM(Limit)
+
     using QObject::QObject;
 
     double windowWidth() const { return m_windowWidth; }

@@ -1,6 +1,5 @@
 #include "views/ContentView.h"
 
-#include "media/ThumbnailCache.h"
 #include "views/ContentWindow.h"
 #include "views/ThumbnailProvider.h"
 #include "views/ThumbnailQueue.h"
@@ -21,12 +20,6 @@ int thumbnailThreads()
     return std::max(2, QThread::idealThreadCount() / 2);
 }
 
-QImage loadThumbnail(const QString &path)
-{
-    const std::optional<Image> thumbnail = ThumbnailCache::getThumbnail(FileUrl::file(path));
-    return thumbnail ? thumbnail->pixels() : QImage();
-}
-
 } // namespace
 
 ContentView::ContentView(QorManage &qorManager, QObject *parent)
@@ -40,7 +33,7 @@ ContentView::ContentView(QorManage &qorManager, QObject *parent)
           },
           m_thumbnails)
 {
-    setUpEngine(m_engine, std::make_unique<ThumbnailProvider>(m_thumbnails, loadThumbnail));
+    setUpEngine(m_engine, std::make_unique<ThumbnailProvider>(m_thumbnails));
     connect(&m_engine, &QQmlEngine::quit, QCoreApplication::instance(), &QCoreApplication::quit,
             Qt::QueuedConnection);
     // A search meets no encoders while they are loaded, and finds nothing: whoever typed at once isn't left

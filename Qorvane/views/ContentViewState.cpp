@@ -1,6 +1,7 @@
 #include "views/ContentViewState.h"
 
 #include "library/QorManage.h"
+#include "media/SupportedExtensions.h"
 #include "platform/FileAttributes.h"
 #include "platform/GlobalQueue.h"
 #include "platform/Localization.h"
@@ -22,11 +23,6 @@ namespace {
 // A window that has just come up may not have the keys yet.
 constexpr auto settling = std::chrono::milliseconds(100);
 
-bool isVideo(const FileUrl &url)
-{
-    return QorManage::supportedVideoExtensions().contains(url.pathExtension().toLower());
-}
-
 SearchSources searchSources(QorManage &qorManager, ContentViewState::Search search)
 {
     return {[&qorManager] {
@@ -44,8 +40,8 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
     : QObject(parent)
     , m_qorManager(qorManager)
     , m_sidebar(qorManager)
-    , m_photos(m_selection, m_revisions, isVideo)
-    , m_results(m_selection, m_revisions, isVideo)
+    , m_photos(m_selection, m_revisions, isVideoFile)
+    , m_results(m_selection, m_revisions, isVideoFile)
     , m_search(searchSources(qorManager, std::move(search)))
     , m_selected(m_selection)
     , m_sorting(qorManager)

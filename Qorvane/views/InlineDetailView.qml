@@ -11,12 +11,7 @@ FocusScope {
     // A selection in the grid is not opened yet.
     readonly property string path: viewState.isDetailViewActive ? media.path : ""
     // A bound rather than the size shown, which would decode anew at every step of a resize.
-    readonly property int decodedSize: Math.max(Theme.widestContent, Screen.height)
-
-    /// The picture's address in the provider of pictures.
-    function source(kind) {
-        return path === "" ? "" : "image://pictures/" + kind + "/" + encodeURIComponent(path);
-    }
+    readonly property int decodedSize: Math.max(ColumnWidths.WidestContent, Screen.height)
 
     Keys.onEscapePressed: viewState.isDetailViewActive = false
 
@@ -32,7 +27,7 @@ FocusScope {
             id: thumbnail
 
             anchors.fill: parent
-            source: view.source("thumbnail")
+            source: PictureUrl.thumbnail(view.path)
             fillMode: Image.PreserveAspectFit
             visible: !picture.isLoaded && isLoaded
             cache: false
@@ -43,7 +38,7 @@ FocusScope {
 
             objectName: "fullPicture"
             anchors.fill: parent
-            source: view.source("full")
+            source: PictureUrl.full(view.path)
             sourceSize.width: view.decodedSize
             sourceSize.height: view.decodedSize
             fillMode: Image.PreserveAspectFit

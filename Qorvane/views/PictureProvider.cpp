@@ -1,15 +1,13 @@
 #include "views/PictureProvider.h"
 
-#include "library/QorManage.h"
 #include "media/ImageSource.h"
 #include "media/OrientedImage.h"
+#include "media/SupportedExtensions.h"
 #include "media/ThumbnailCache.h"
 #include "platform/Log.h"
 #include "views/NoPicture.h"
 #include "views/ThumbnailQueue.h"
 #include "views/ThumbnailResponse.h"
-
-#include <QUrl>
 
 #include <algorithm>
 
@@ -48,25 +46,29 @@ QImage PictureProvider::loadPicture(Kind kind, const QString &path, int maxPixel
     const FileUrl url = FileUrl::file(path);
     if (kind == Kind::thumbnail)
         return pixelsOf(ThumbnailCache::getThumbnail(url));
-    if (QorManage::supportedVideoExtensions().contains(url.pathExtension().toLower()))
+    if (isVideoFile(url))
         return pixelsOf(ThumbnailCache::generateVideoPreview(url));
     return boundedPicture(path, maxPixelSize);
 }
 
 QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
 {
-    const qsizetype slash = id.indexOf(QLatin1Char('/'));
-    const Kind kind = id.left(slash) == QLatin1String("thumbnail") ? Kind::thumbnail : Kind::full;
-    const QString path = QUrl::fromPercentEncoding(id.mid(slash + 1).toUtf8());
-    const int maxPixelSize =
-        std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
+    const std::optional<PictureRequest> request = PictureRequest::fromId(id);
+    const Kind kind = request ? request->kind : Kind::full;
     const std::shared_ptr<ThumbnailQueue> &queue = kind == Kind::thumbnail ? m_thumbnails : m_fullPictures;
     auto response = std::make_unique<ThumbnailResponse>(queue);
-    response->setTicket(queue->add(path, [load = m_load, slot = response->slot(), kind, path, maxPixelSize] {
-        const QImage picture = load(kind, path, maxPixelSize);
-        slot->deliver(picture.isNull() ? clearPixel() : picture);
-    }));
-    return response.release(); // the engine owns it from here
+    if (!request) {
+        response->slot()->deliver(clearPixel());
+        return response.release(); // the engine owns it from here
+    }
+    const int maxPixelSize =
+        std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
+    response->setTicket(
+        queue->add(request->path, [load = m_load, slot = response->slot(), request = *request, maxPixelSize] {
+            const QImage picture = load(request.kind, request.path, maxPixelSize);
+            slot->deliver(picture.isNull() ? clearPixel() : picture);
+        }));
+    return response.release();
 }
 
 } // namespace Qorvane

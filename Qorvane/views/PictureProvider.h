@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/PictureUrl.h"
+
 #include <QImage>
 #include <QQuickAsyncImageProvider>
 #include <QString>
@@ -11,15 +13,15 @@ namespace Qorvane {
 
 class ThumbnailQueue;
 
-/// Serves whole pictures of media files, upright and uncut, for the viewer: "image://pictures/full/<path>"
-/// and, at once where the cache has it, "image://pictures/thumbnail/<path>", the path percent-encoded.
-/// Nothing of it runs on the GUI thread.
+/// Serves the image sources that PictureUrl writes: whole pictures of media files, upright and uncut, for the
+/// viewer, and before them, at once where the cache has it, the thumbnail. Nothing of it runs on the GUI
+/// thread.
 class PictureProvider : public QQuickAsyncImageProvider
 {
 public:
     static constexpr auto providerId = "pictures";
 
-    enum class Kind { thumbnail, full };
+    using Kind = PictureRequest::Kind;
 
     /// The pixels for the file at `path`, for a full picture at most `maxPixelSize` pixels on the larger
     /// side; null when there are none. Blocks; runs on threads of the provider's own.

@@ -1,6 +1,6 @@
 #include "views/SelectedMedia.h"
 
-#include "library/QorManage.h"
+#include "media/SupportedExtensions.h"
 
 #include <algorithm>
 
@@ -16,7 +16,7 @@ SelectedMedia::SelectedMedia(const MediaSelection &selection, QObject *parent)
 
 bool SelectedMedia::isVideo() const
 {
-    return QorManage::supportedVideoExtensions().contains(m_url.pathExtension().toLower());
+    return isVideoFile(m_url);
 }
 
 void SelectedMedia::takeSelection()

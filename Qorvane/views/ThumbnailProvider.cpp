@@ -1,5 +1,6 @@
 #include "views/ThumbnailProvider.h"
 
+#include "media/ThumbnailCache.h"
 #include "views/NoPicture.h"
 #include "views/ThumbnailQueue.h"
 #include "views/ThumbnailResponse.h"
@@ -37,6 +38,12 @@ ThumbnailProvider::ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load
     : m_queue(std::move(queue))
     , m_load(std::move(load))
 {
+}
+
+QImage ThumbnailProvider::loadThumbnail(const QString &path)
+{
+    const auto thumbnail = ThumbnailCache::getThumbnail(FileUrl::file(path));
+    return thumbnail ? thumbnail->pixels() : QImage();
 }
 
 QQuickImageResponse *ThumbnailProvider::requestImageResponse(const QString &id, const QSize &requestedSize)

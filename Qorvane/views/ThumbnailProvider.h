@@ -26,11 +26,14 @@ public:
     /// threads, several at once.
     using Load = std::function<QImage(const QString &path)>;
 
-    ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load load);
+    explicit ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load load = loadThumbnail);
 
     /// A file without a thumbnail gets a picture of one clear pixel: an error would be a line on the console
     /// for every broken file of the user's.
     QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
+
+    /// Reads the cache of thumbnails, or makes the thumbnail. Blocks; any thread but the GUI's.
+    static QImage loadThumbnail(const QString &path);
 
 private:
     std::shared_ptr<ThumbnailQueue> m_queue;

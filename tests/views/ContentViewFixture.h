@@ -1,7 +1,6 @@
 #pragma once
 
 #include "library/QorManage.h"
-#include "media/ThumbnailCache.h"
 #include "support/Waiting.h"
 #include "views/ContentViewState.h"
 #include "views/ContentWindow.h"
@@ -38,12 +37,6 @@ inline void collectMessage(QtMsgType, const QMessageLogContext &, const QString 
     messages.append(text);
 }
 
-inline QImage loadThumbnail(const QString &path)
-{
-    const std::optional<Image> thumbnail = ThumbnailCache::getThumbnail(FileUrl::file(path));
-    return thumbnail ? thumbnail->pixels() : QImage();
-}
-
 /// The real window over a real library in a home of its own; only the search is the test's.
 class ContentViewFixture : public testing::Test
 {
@@ -52,7 +45,7 @@ protected:
     {
         messages.clear();
         qInstallMessageHandler(collectMessage);
-        setUpEngine(engine, std::make_unique<ThumbnailProvider>(thumbnails, loadThumbnail));
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(thumbnails));
         window = makeContentWindow(engine, state);
     }
 

@@ -54,17 +54,11 @@ Asked askedFor(const QString &source, QSize size)
     return asked;
 }
 
-QString sourceOf(const char *kind, const QString &path)
-{
-    return QStringLiteral("image://pictures/%1/%2")
-        .arg(QLatin1String(kind), QString::fromLatin1(QUrl::toPercentEncoding(path)));
-}
-
 } // namespace
 
 TEST(PictureProvider, loadsOffTheCallersThreadWithinTheBoundThatIsAskedFor)
 {
-    const Asked asked = askedFor(sourceOf("full", QStringLiteral("/photos/a.jpg")), QSize(1600, 1200));
+    const Asked asked = askedFor(PictureUrl().full(QStringLiteral("/photos/a.jpg")), QSize(1600, 1200));
     EXPECT_EQ(asked.kind, PictureProvider::Kind::full);
     EXPECT_EQ(asked.path, QStringLiteral("/photos/a.jpg"));
     EXPECT_EQ(asked.maxPixelSize, 1600);
@@ -73,8 +67,11 @@ TEST(PictureProvider, loadsOffTheCallersThreadWithinTheBoundThatIsAskedFor)
 TEST(PictureProvider, takesEveryFileName)
 {
     for (const QString &path : {QStringLiteral("/旅行/日落 🌅.jpg"), QStringLiteral("/a/100%41 #1?.jpg"),
-                                QStringLiteral("/a/é+b&c.jpg")})
-        EXPECT_EQ(askedFor(sourceOf("thumbnail", path), {}).path, path);
+                                QStringLiteral("/a/é+b&c.jpg")}) {
+        const Asked asked = askedFor(PictureUrl().thumbnail(path), {});
+        EXPECT_EQ(asked.kind, PictureProvider::Kind::thumbnail);
+        EXPECT_EQ(asked.path, path);
+    }
 }
 
 TEST(PictureProvider, givesAClearPixelForAFileWithoutAPicture)
@@ -85,6 +82,27 @@ TEST(PictureProvider, givesAClearPixelForAFileWithoutAPicture)
     const QImage answer = answerOf(*response);
     ASSERT_EQ(answer.size(), QSize(1, 1));
     EXPECT_EQ(answer.pixelColor(0, 0).alpha(), 0);
+}
+
+TEST(PictureProvider, givesAClearPixelForWhatItIsNotAskedInItsWords)
+{
+    bool isLoaded = false;
+    PictureProvider provider([&isLoaded](auto &&...) {
+        isLoaded = true;
+        return QImage(4, 3, QImage::Format_RGB32);
+    });
+    for (const char *id : {"", "full", "full/", "half/a.jpg"}) {
+        const std::unique_ptr<QQuickImageResponse> response(
+            provider.requestImageResponse(QString::fromLatin1(id), {}));
+        EXPECT_EQ(answerOf(*response).size(), QSize(1, 1)) << id;
+    }
+    EXPECT_FALSE(isLoaded);
+}
+
+TEST(PictureProvider, thereIsNoSourceForNoFile)
+{
+    EXPECT_EQ(PictureUrl().full({}), QString());
+    EXPECT_EQ(PictureUrl().thumbnail({}), QString());
 }
 
 TEST(PictureProvider, aThumbnailWaitsForNoFullPicture)

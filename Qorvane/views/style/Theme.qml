@@ -68,7 +68,6 @@ QtObject {
     readonly property int sidebarHeaderHeight: 32
     readonly property int sidebarIconX: 13
     readonly property int sidebarIconGap: 6
-    readonly property int widestContent: 1200
     readonly property int contentPadding: 16
     readonly property int selectionStroke: 3
     readonly property int focusStroke: 2
