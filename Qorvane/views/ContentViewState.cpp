@@ -33,6 +33,19 @@ SearchSources searchSources(QorManage &qorManager, ContentViewState::Search sear
             std::move(search)};
 }
 
+/// What to do when the library announces a write: `act`, if the value is another one. It announces equal
+/// writes too, and the sidebar makes them: whoever picks a tag empties the other two.
+template <typename Read, typename Act>
+auto onChange(const QorManage &library, Read read, Act act)
+{
+    return [&library, read, act, last = (library.*read)()]() mutable {
+        if (last == (library.*read)())
+            return;
+        last = (library.*read)();
+        act();
+    };
+}
+
 } // namespace
 
 ContentViewState::ContentViewState(QorManage &qorManager, Search search,
@@ -64,34 +77,25 @@ void ContentViewState::followLibrary()
     };
     connect(&m_qorManager, &QorManage::imageURLsChanged, this, takeImages);
     connect(&m_qorManager, &QorManage::isLoadingChanged, this, &ContentViewState::updatePage);
-    // The library announces equal writes too, and the sidebar makes them: whoever picks a tag empties the
-    // other two.
+    const auto showAnother = [this] {
+        updatePage();
+        Q_EMIT titleChanged();
+    };
+    const auto startOver = [this, showAnother] {
+        reset();
+        showAnother();
+    };
     connect(&m_qorManager, &QorManage::selectedFolderChanged, this,
-            [this, last = m_qorManager.selectedFolder()]() mutable {
-                if (std::exchange(last, m_qorManager.selectedFolder()) == last)
-                    return;
-                reset();
-                updatePage();
-                Q_EMIT titleChanged();
-            });
+            onChange(m_qorManager, &QorManage::selectedFolder, startOver));
     connect(&m_qorManager, &QorManage::selectedRatingChanged, this,
-            [this, last = m_qorManager.selectedRating()]() mutable {
-                if (std::exchange(last, m_qorManager.selectedRating()) == last)
-                    return;
-                reset();
-                updatePage();
-                Q_EMIT titleChanged();
-            });
+            onChange(m_qorManager, &QorManage::selectedRating, startOver));
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
     // the text changes.
     connect(&m_qorManager, &QorManage::selectedTagChanged, this,
-            [this, last = m_qorManager.selectedTag()]() mutable {
-                if (std::exchange(last, m_qorManager.selectedTag()) == last)
-                    return;
+            onChange(m_qorManager, &QorManage::selectedTag, [this, showAnother] {
                 setDetailViewActive(false);
-                updatePage();
-                Q_EMIT titleChanged();
-            });
+                showAnother();
+            }));
     takeImages();
 }
 
