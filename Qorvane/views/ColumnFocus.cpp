@@ -15,6 +15,11 @@ void ColumnFocus::focus(FocusableField field)
     }
 }
 
+void ColumnFocus::giveBack()
+{
+    focus(m_focusedField.value_or(FocusableField::sidebar));
+}
+
 void ColumnFocus::settleOn(FocusableField field)
 {
     if (m_isLentToSearch)
@@ -29,14 +34,6 @@ void ColumnFocus::setLentToSearch(bool isLent)
         return;
     m_isLentToSearch = isLent;
     Q_EMIT isLentToSearchChanged();
-}
-
-void ColumnFocus::note(FocusableField field)
-{
-    if (m_focusedField == field)
-        return;
-    m_focusedField = field;
-    Q_EMIT focusedFieldChanged();
 }
 
 } // namespace Qorvane

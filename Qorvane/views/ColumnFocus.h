@@ -14,14 +14,12 @@ enum class FocusableField {
 };
 
 /// Which column the keys belong to: neither until the window has appeared. While the user is in the search
-/// field the keys are lent to it, and `focusedField` tells who gets them back. GUI thread.
+/// field the keys are lent to it, and `focusedField` is who gets them back. GUI thread.
 class ColumnFocus : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the window's state.")
-    Q_PROPERTY(bool isOnSidebar READ isOnSidebar NOTIFY focusedFieldChanged)
-    Q_PROPERTY(bool isOnDetail READ isOnDetail NOTIFY focusedFieldChanged)
     Q_PROPERTY(bool isLentToSearch READ isLentToSearch WRITE setLentToSearch NOTIFY isLentToSearchChanged)
 
 public:
@@ -39,6 +37,9 @@ public:
     Q_INVOKABLE void focusSidebar() { focus(FocusableField::sidebar); }
     Q_INVOKABLE void focusDetail() { focus(FocusableField::detail); }
 
+    /// The user is through with the search field: the keys go back to the column that had them last.
+    Q_INVOKABLE void giveBack();
+
     /// The program turns to a column. Doesn't take the keys from somebody who is typing a query.
     void settleOn(FocusableField field);
 
@@ -47,14 +48,13 @@ public:
     Q_INVOKABLE void noteDetail() { note(FocusableField::detail); }
 
 Q_SIGNALS:
-    void focusedFieldChanged();
     void isLentToSearchChanged();
     /// The column is to take the keys now.
     void sidebarWanted();
     void detailWanted();
 
 private:
-    void note(FocusableField field);
+    void note(FocusableField field) { m_focusedField = field; }
 
     std::optional<FocusableField> m_focusedField;
     bool m_isLentToSearch = false;

@@ -95,6 +95,7 @@ Item {
         onTextChanged: toolbar.viewState.search.text = text
         onActiveFocusChanged: toolbar.viewState.focus.isLentToSearch = activeFocus
         onAccepted: toolbar.viewState.focus.focusDetail()
+        onAbandoned: toolbar.viewState.focus.giveBack()
         Keys.onDownPressed: toolbar.viewState.focus.focusDetail()
 
         Connections {

@@ -18,12 +18,10 @@ TEST(ColumnFocus, theUserTakesTheKeysToAColumnEvenIfTheyAreItsOwnAlready)
 {
     ColumnFocus focus;
     const QSignalSpy wanted(&focus, &ColumnFocus::detailWanted);
-    const QSignalSpy changed(&focus, &ColumnFocus::focusedFieldChanged);
     focus.focusDetail();
     focus.focusDetail();
     EXPECT_TRUE(focus.isOnDetail());
     EXPECT_EQ(wanted.count(), 2);
-    EXPECT_EQ(changed.count(), 1);
 }
 
 TEST(ColumnFocus, whereTheUserIsAlreadyNothingIsTaken)
@@ -33,6 +31,22 @@ TEST(ColumnFocus, whereTheUserIsAlreadyNothingIsTaken)
     focus.noteSidebar();
     EXPECT_TRUE(focus.isOnSidebar());
     EXPECT_EQ(wanted.count(), 0);
+}
+
+TEST(ColumnFocus, theSearchFieldGivesTheKeysBackToWhoHadThem)
+{
+    ColumnFocus focus;
+    const QSignalSpy toSidebar(&focus, &ColumnFocus::sidebarWanted);
+    const QSignalSpy toDetail(&focus, &ColumnFocus::detailWanted);
+    focus.giveBack();
+    EXPECT_EQ(toSidebar.count(), 1) << "the first to have them";
+    focus.noteDetail();
+    focus.setLentToSearch(true);
+    focus.giveBack();
+    EXPECT_EQ(toDetail.count(), 1);
+    focus.settleOn(FocusableField::sidebar);
+    focus.giveBack();
+    EXPECT_EQ(toSidebar.count(), 2);
 }
 
 TEST(ColumnFocus, theProgramLeavesTheKeysToWhoIsTypingAQuery)

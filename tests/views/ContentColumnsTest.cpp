@@ -284,6 +284,20 @@ TEST_F(ContentColumnsTest, returnInTheSearchFieldGivesTheKeysToTheGrid)
     EXPECT_TRUE(hasKeys("contentColumn"));
 }
 
+TEST_F(ContentColumnsTest, escapeInTheEmptySearchFieldGivesTheKeysBack)
+{
+    addFolder(QStringLiteral("Photos"), 3);
+    for (const char *column : {"sidebarList", "contentColumn"}) {
+        item(column)->forceActiveFocus();
+        click(item("searchField"));
+        type(QStringLiteral("x"));
+        QTest::keyClick(window.get(), Qt::Key_Escape);
+        EXPECT_TRUE(hasKeys("searchField")) << "it is only emptied";
+        QTest::keyClick(window.get(), Qt::Key_Escape);
+        EXPECT_TRUE(hasKeys(column)) << column;
+    }
+}
+
 TEST_F(ContentColumnsTest, aFileThatGivesNoPictureSaysSo)
 {
     const QString folder = addFolder(QStringLiteral("Photos"), 1);

@@ -5,6 +5,9 @@ import QtQuick.Templates as T
 T.TextField {
     id: control
 
+    /// Escape in the empty field.
+    signal abandoned
+
     implicitWidth: 230
     implicitHeight: Theme.controlHeight
     leftPadding: 30
@@ -20,7 +23,7 @@ T.TextField {
     Accessible.role: Accessible.EditableText
     Accessible.name: placeholderText
     Accessible.searchEdit: true
-    Keys.onEscapePressed: clear()
+    Keys.onEscapePressed: length > 0 ? clear() : abandoned()
 
     background: Rectangle {
         radius: Theme.fieldRadius
