@@ -1,19 +1,21 @@
 # The application: its object, which the tests link, and the program around it.
 qorvane_add_library(QorvaneApp
     SOURCES
+        ApplicationSetup.cpp ApplicationSetup.h
         IdleWatch.cpp IdleWatch.h
         QorvaneApp.cpp QorvaneApp.h
     PUBLIC QorvaneLibrary QorvaneViews
 )
 
-add_executable(qorvane main.cpp)
-target_compile_definitions(qorvane PRIVATE QORVANE_VERSION="${PROJECT_VERSION}")
-target_link_libraries(qorvane PRIVATE QorvaneApp)
-qt_add_resources(qorvane qorvaneAppIcon
+set_source_files_properties(ApplicationSetup.cpp PROPERTIES COMPILE_DEFINITIONS "QORVANE_VERSION=\"${PROJECT_VERSION}\"")
+qt_add_resources(QorvaneApp qorvaneAppIcon
     PREFIX /icons
     BASE "${CMAKE_CURRENT_SOURCE_DIR}/resources"
     FILES resources/com.qorvane.Qorvane.svg
 )
+
+add_executable(qorvane main.cpp)
+target_link_libraries(qorvane PRIVATE QorvaneApp)
 
 include(GNUInstallDirs)
 install(TARGETS qorvane RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")

@@ -1,12 +1,10 @@
+#include "ApplicationSetup.h"
 #include "QorvaneApp.h"
 #include "platform/InstanceMessage.h"
-#include "platform/Localization.h"
 #include "platform/SingleInstance.h"
 #include "platform/TerminationSignals.h"
-#include "platform/desktop/InterfaceFont.h"
 
 #include <QGuiApplication>
-#include <QIcon>
 
 #include <chrono>
 #include <cstdio>
@@ -29,14 +27,7 @@ int main(int argc, char **argv)
     qputenv("ORT_DISABLE_TELEMETRY", "1");
 
     QGuiApplication application(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Qorvane"));
-    QGuiApplication::setApplicationVersion(QStringLiteral(QORVANE_VERSION));
-    QGuiApplication::setDesktopFileName(QStringLiteral("com.qorvane.Qorvane"));
-    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/com.qorvane.Qorvane.svg")));
-    // The last window's closing isn't the end: runs in work go on.
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    InterfaceFont::install();
-    Localization::install();
+    setUpApplication(application);
 
     // Before anything touches the library.
     SingleInstance instance(SingleInstance::libraryPlace());

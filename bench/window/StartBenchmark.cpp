@@ -2,12 +2,12 @@
 // for the first time, and until the encoders are loaded behind it. Each start is a process of its own, which
 // does what the program's main() does.
 
+#include "ApplicationSetup.h"
 #include "QorvaneApp.h"
 #include "encoders/StarterEncoders.h"
 #include "encoders/TestEncoders.h"
 #include "library/QorManage.h"
 #include "platform/InstanceMessage.h"
-#include "platform/Localization.h"
 #include "platform/Log.h"
 #include "platform/SingleInstance.h"
 #include "views/ContentView.h"
@@ -127,9 +127,8 @@ int main(int argc, char **argv)
         home = std::make_unique<QTemporaryDir>();
         leaveTheDesktop(home->path());
     }
-    const QGuiApplication application(argc, argv);
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    Localization::install();
+    QGuiApplication application(argc, argv);
+    setUpApplication(application);
     Log::setSink([](const QString &) {});
     if (isFilling)
         return fill();
