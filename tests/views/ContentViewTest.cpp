@@ -1,5 +1,5 @@
-#include "platform/desktop/DesktopAppearance.h"
 #include "views/ContentViewFixture.h"
+#include "views/DesktopSettings.h"
 
 #include <QAccessible>
 #include <QDropEvent>
@@ -190,12 +190,11 @@ TEST_F(ContentViewTest, anEmptyFolderSaysSo)
 
 TEST_F(ContentViewTest, followsTheDesktopsColoursLive)
 {
-    DesktopAppearance::shared().setColorSchemeOverride(ColorScheme::light);
+    WithColorScheme scheme(ColorScheme::light);
     const QColor light = window->color();
-    DesktopAppearance::shared().setColorSchemeOverride(ColorScheme::dark);
+    scheme.set(ColorScheme::dark);
     EXPECT_LT(window->color().lightness(), 60);
     EXPECT_GT(light.lightness(), 200);
-    DesktopAppearance::shared().setColorSchemeOverride(std::nullopt);
 }
 
 TEST_F(ContentViewTest, cellsAndControlsHaveNamesForScreenReaders)

@@ -1,5 +1,5 @@
 #include "platform/NotificationCenter.h"
-#include "platform/desktop/DesktopAppearance.h"
+#include "views/DesktopSettings.h"
 #include "views/GridFixture.h"
 
 #include <QAccessible>
@@ -175,8 +175,7 @@ TEST_F(PhotoGridTest, anArrowBringsItsCellIntoViewInAMotion)
 
 TEST_F(PhotoGridTest, withoutMotionAnArrowBringsItsCellIntoViewAtOnce)
 {
-    DesktopAppearance::shared().applySetting(QStringLiteral("org.gnome.desktop.interface"),
-                                             QStringLiteral("enable-animations"), false);
+    const WithoutMotion withoutMotion;
     showFolder(60);
     clickPicture("photoGrid", 0);
     for (int i = 0; i < 5; ++i)
@@ -186,8 +185,6 @@ TEST_F(PhotoGridTest, withoutMotionAnArrowBringsItsCellIntoViewAtOnce)
     waitForFrame();
     EXPECT_EQ(position("photoGrid"), place);
     EXPECT_TRUE(isInView("photoGrid", state.photos()->firstSelectedRow()));
-    DesktopAppearance::shared().applySetting(QStringLiteral("org.gnome.desktop.interface"),
-                                             QStringLiteral("enable-animations"), true);
 }
 
 TEST_F(PhotoGridTest, anotherSortOrderBeginsAtTheTop)
