@@ -27,9 +27,12 @@ void IdleWatch::start()
 
 void IdleWatch::look()
 {
-    m_idleLooks = m_isBusy() ? 0 : m_idleLooks + 1;
-    if (m_idleLooks < looksInARow)
+    const bool isBusy = m_isBusy();
+    m_idleLooks = isBusy ? 0 : m_idleLooks + 1;
+    if (m_idleLooks < looksInARow) {
+        Q_EMIT looked(isBusy);
         return;
+    }
     m_timer.stop();
     Q_EMIT idle();
 }

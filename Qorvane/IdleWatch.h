@@ -22,6 +22,8 @@ public:
     void stop() { m_timer.stop(); }
 
 Q_SIGNALS:
+    /// After each look but the one that ends the watch.
+    void looked(bool isBusy);
     /// Nothing was being done at several looks in a row. Once; the watch has stopped.
     void idle();
 

@@ -17,15 +17,7 @@
 
 namespace Qorvane {
 
-namespace {
-
-// Nobody waits for the end of a process without a window, and the records of a folder that was removed just
-// before it was closed go a second later.
-constexpr auto betweenLooks = std::chrono::seconds(1);
-
-} // namespace
-
-QorvaneApp::QorvaneApp(QObject *parent, const LibraryTimings &timings)
+QorvaneApp::QorvaneApp(QObject *parent, const LibraryTimings &timings, std::chrono::milliseconds betweenLooks)
     : QObject(parent)
     , m_timings(timings)
     , m_idleWatch([this] { return isWorking(); }, betweenLooks)

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 
 namespace Qorvane {
@@ -20,7 +21,13 @@ class QorvaneApp : public QObject
     Q_OBJECT
 
 public:
-    explicit QorvaneApp(QObject *parent = nullptr, const LibraryTimings &timings = {});
+    // Nobody waits for the end of a process without a window, and the records of a folder that was removed
+    // just before it was closed go a second later.
+    static constexpr std::chrono::milliseconds usualTimeBetweenLooks = std::chrono::seconds(1);
+
+    /// Without its window the application looks every `betweenLooks` whether its work is done.
+    explicit QorvaneApp(QObject *parent = nullptr, const LibraryTimings &timings = {},
+                        std::chrono::milliseconds betweenLooks = usualTimeBetweenLooks);
     ~QorvaneApp() override;
 
     /// The library; built on first use, never rebuilt.
@@ -31,6 +38,8 @@ public:
     bool openMainWindow();
     /// Nothing while the main window is closed.
     ContentView *contentView() const { return m_contentView.get(); }
+
+    const IdleWatch &idleWatch() const { return m_idleWatch; }
 
     /// Does what another process of this program asks for, in the words of `InstanceMessage`.
     void obey(const QStringList &message);

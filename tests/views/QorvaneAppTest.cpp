@@ -2,16 +2,18 @@
 
 #include "library/DeferredWrites.h"
 #include "library/QorManage.h"
+#include "media/EmbeddingMessages.h"
+#include "platform/DetachedTask.h"
 #include "platform/GlobalQueue.h"
 #include "platform/InstanceMessage.h"
 #include "platform/MainQueue.h"
+#include "platform/NotificationCenter.h"
 #include "platform/UserDefaults.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QLockFile>
@@ -23,12 +25,52 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <semaphore>
+#include <utility>
+
 using namespace Qorvane;
 
 namespace {
 
 const QString libraryFolders = QStringLiteral("libraryFolders");
 const QString syncLine = QStringLiteral("🔄 启动时检查文件夹同步状态...");
+
+/// Holds the run where it asks for its first picture's embedding, until it is opened.
+class RunGate
+{
+public:
+    RunGate()
+        : m_token(NotificationCenter::defaultCenter().addObserver(
+              EmbeddingMessages::requestName, ObserverQueue::posting, [this](const Notification &) {
+                  m_isReached = true;
+                  m_mayGoOn.acquire();
+                  m_mayGoOn.release();
+              }))
+    {
+    }
+    ~RunGate()
+    {
+        open();
+        NotificationCenter::defaultCenter().removeObserver(m_token);
+        DetachedTask::waitUntilIdle();
+    }
+    RunGate(const RunGate &) = delete;
+    RunGate &operator=(const RunGate &) = delete;
+
+    bool isReached() const { return m_isReached; }
+    void open()
+    {
+        if (!std::exchange(m_isOpen, true))
+            m_mayGoOn.release();
+    }
+
+private:
+    std::atomic_bool m_isReached = false;
+    std::counting_semaphore<> m_mayGoOn{0};
+    bool m_isOpen = false;
+    NotificationCenter::Token m_token;
+};
 
 /// The whole application on a library that is empty at each start.
 class QorvaneAppTest : public testing::Test
@@ -59,6 +101,9 @@ protected:
         MainQueue::after(2 * quick.untilStartupSync, [&isPast] { isPast = true; });
         ASSERT_TRUE(waitUntil([&isPast] { return isPast; }));
     }
+
+    // The application with looks that a test can count.
+    static constexpr std::chrono::milliseconds betweenLooks{20};
 
     QString makePictures(int count) const
     {
@@ -180,31 +225,37 @@ TEST_F(QorvaneAppTest, withNothingInWorkAClosedWindowEndsTheApplication)
 
 TEST_F(QorvaneAppTest, aRunInWorkGoesOnWithoutTheWindowAndThenTheApplicationEnds)
 {
+    constexpr int pictures = 8;
     const LogCapture log;
-    QorvaneApp app(nullptr, quick);
-    const QString folder = makePictures(40);
+    QorvaneApp app(nullptr, quick, betweenLooks);
+    RunGate gate;
+    const QString folder = makePictures(pictures);
     const QString completed = QStringLiteral("✅ 状态更新为完成: ") + folder;
     ASSERT_TRUE(app.openMainWindow());
     ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
     app.qorManager().addFolder(FileUrl::directory(folder));
-    ASSERT_TRUE(
-        waitUntil([&] { return !log.linesStartingWith(QStringLiteral("✅ 缩略图生成完成: ")).isEmpty(); }));
+    ASSERT_TRUE(waitUntil([&gate] { return gate.isReached(); }));
 
     bool wasCompletedAtTheEnd = false;
     QSignalSpy ends(&app, &QorvaneApp::finished);
     QObject::connect(&app, &QorvaneApp::finished, [&] { wasCompletedAtTheEnd = log.contains(completed); });
+    int busyLooks = 0;
+    QObject::connect(&app.idleWatch(), &IdleWatch::looked, &app,
+                     [&busyLooks](bool isBusy) { busyLooks += isBusy ? 1 : 0; });
     close(app);
     ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
-    ASSERT_FALSE(log.contains(completed)) << "the run was over before the window was closed";
+    ASSERT_TRUE(waitUntil([&] { return busyLooks > 2; }));
+    ASSERT_FALSE(log.contains(completed));
     // Each request that reaches somebody who embeds leaves this line, as there are no encoders here.
     const auto answers = [&log] {
         return log.linesStartingWith(QStringLiteral("❌ Models not loaded")).size();
     };
     const qsizetype answersWithTheWindow = answers();
+    gate.open();
     ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
     EXPECT_TRUE(wasCompletedAtTheEnd);
     EXPECT_EQ(answers(), answersWithTheWindow);
-    EXPECT_EQ(log.linesStartingWith(QStringLiteral("❌ 向量生成失败: ")).size(), 40);
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("❌ 向量生成失败: ")).size(), pictures);
 }
 
 TEST_F(QorvaneAppTest, reopenedWhileARunIsInWorkTheWindowShowsWhatItShowed)
@@ -286,7 +337,7 @@ TEST_F(QorvaneAppTest, aFolderThatIsNotStoredYetKeepsTheApplicationWithoutItsWin
     LibraryTimings impatient = quick;
     impatient.bookmarkPatience = 0.01; // the run is over long before the folder is stored
     const LogCapture log;
-    QorvaneApp app(nullptr, impatient);
+    QorvaneApp app(nullptr, impatient, betweenLooks);
     ASSERT_TRUE(app.openMainWindow());
     ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
     passTheStart();
@@ -303,30 +354,36 @@ TEST_F(QorvaneAppTest, aFolderThatIsNotStoredYetKeepsTheApplicationWithoutItsWin
         const auto stored = UserDefaults::standard().dataArray(libraryFolders);
         wasStoredAtTheEnd = stored && stored->size() == 1;
     });
-    constexpr double longerThanTheLooks = 5;
-    MainQueue::after(longerThanTheLooks, [&disk] { disk.unlock(); });
+    int busyLooks = 0;
+    QObject::connect(&app.idleWatch(), &IdleWatch::looked, &app,
+                     [&busyLooks](bool isBusy) { busyLooks += isBusy ? 1 : 0; });
+    ASSERT_TRUE(waitUntil([&] { return busyLooks > 5; }));
+    EXPECT_EQ(ends.count(), 0);
+    disk.unlock();
     ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
     EXPECT_TRUE(wasStoredAtTheEnd);
-    ASSERT_TRUE(waitUntil([&disk] { return !disk.isLocked(); }));
 }
 
 TEST_F(QorvaneAppTest, foldersHandedOverWithoutAWindowBeginTheWaitForTheEndAnew)
 {
     const LogCapture log;
-    QorvaneApp app(nullptr, quick);
+    QorvaneApp app(nullptr, quick, betweenLooks);
     ASSERT_TRUE(app.openMainWindow());
     ASSERT_TRUE(waitUntil([&] { return hasAppeared(log); }));
     passTheStart();
-    close(app);
-    ASSERT_TRUE(waitUntil([&] { return app.contentView() == nullptr; }));
     QSignalSpy ends(&app, &QorvaneApp::finished);
-    // Between the first look, which finds nothing, and the second, which would be the last.
-    QElapsedTimer sinceHandedOver;
-    MainQueue::after(1.3, [&] {
-        sinceHandedOver.start();
-        app.obey(InstanceMessage::add({}));
+    bool isHandedOver = false;
+    int idleLooksSince = 0;
+    // After the first look that finds nothing, before the second, which would be the last.
+    QObject::connect(&app.idleWatch(), &IdleWatch::looked, &app, [&](bool isBusy) {
+        if (isBusy)
+            return;
+        idleLooksSince += isHandedOver ? 1 : 0;
+        if (!std::exchange(isHandedOver, true))
+            app.obey(InstanceMessage::add({}));
     });
+    close(app);
     ASSERT_TRUE(waitUntil([&] { return ends.count() == 1; }));
-    ASSERT_TRUE(sinceHandedOver.isValid());
-    EXPECT_GE(sinceHandedOver.elapsed(), 1500); // two looks, a second apart, less the timer's latitude
+    ASSERT_TRUE(isHandedOver);
+    EXPECT_GE(idleLooksSince, 1) << "the next look was the last";
 }
