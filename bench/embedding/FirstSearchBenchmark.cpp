@@ -1,5 +1,5 @@
+#include "app/FirstSearch.h"
 #include "platform/Log.h"
-#include "views/FirstSearch.h"
 
 #include <QDir>
 #include <QFile>

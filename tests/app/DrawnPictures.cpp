@@ -1,4 +1,4 @@
-#include "views/DrawnPictures.h"
+#include "app/DrawnPictures.h"
 
 #include <QPainter>
 #include <QPolygonF>

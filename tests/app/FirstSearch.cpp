@@ -1,4 +1,4 @@
-#include "views/FirstSearch.h"
+#include "app/FirstSearch.h"
 
 #include "QorvaneApp.h"
 #include "encoders/StarterEncoders.h"

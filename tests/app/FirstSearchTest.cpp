@@ -1,4 +1,4 @@
-#include "views/FirstSearch.h"
+#include "app/FirstSearch.h"
 
 #include "encoders/StarterEncoders.h"
 #include "support/LogCapture.h"

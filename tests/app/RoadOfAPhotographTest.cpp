@@ -1,10 +1,10 @@
 #include "QorvaneApp.h"
+#include "app/DrawnPictures.h"
 #include "encoders/StarterEncoders.h"
 #include "library/QorManage.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
-#include "views/DrawnPictures.h"
 
 #include <QDir>
 #include <QDropEvent>
