@@ -1,5 +1,7 @@
 #include "views/ThumbnailQueue.h"
 
+#include "platform/QualityOfService.h"
+
 #include <algorithm>
 
 namespace Qorvane {
@@ -46,6 +48,9 @@ void ThumbnailQueue::setVisiblePaths(const QSet<QString> &paths)
 
 void ThumbnailQueue::runNext()
 {
+    // Behind the window, which draws the scroll that asks for them, and before the runs.
+    if (qualityOfCurrentThread() != QualityOfService::utility)
+        applyToCurrentThread(QualityOfService::utility);
     if (const Work work = takeNext())
         work();
 }
