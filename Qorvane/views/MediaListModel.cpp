@@ -69,13 +69,6 @@ void MediaListModel::replaceAll(const QList<FileUrl> &urls)
 {
     const int before = count();
     const int common = int(std::min(m_urls.size(), urls.size()));
-    if (common == 0) {
-        beginResetModel();
-        m_urls = urls;
-        forgetRows();
-        endResetModel();
-        return;
-    }
     if (before > common) {
         beginRemoveRows({}, common, before - 1);
         m_urls.resize(common);
@@ -84,7 +77,8 @@ void MediaListModel::replaceAll(const QList<FileUrl> &urls)
     }
     std::copy_n(urls.cbegin(), common, m_urls.begin());
     forgetRows();
-    Q_EMIT dataChanged(index(0), index(common - 1));
+    if (common > 0)
+        Q_EMIT dataChanged(index(0), index(common - 1));
     if (urls.size() > common) {
         beginInsertRows({}, common, int(urls.size()) - 1);
         m_urls = urls;

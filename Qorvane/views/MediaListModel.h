@@ -48,7 +48,8 @@ public:
 
     const QList<FileUrl> &urls() const { return m_urls; }
     /// Replaces the list. A list that only lost entries loses their rows and keeps the others in place; any
-    /// other change gives the rows other files, and adds or removes rows at the end: cells are dear to make.
+    /// other change gives the rows other files, and adds or removes rows at the end. The model is never
+    /// reset: cells are dear to make, and a reset throws all of them away.
     void setUrls(const QList<FileUrl> &urls);
     int count() const { return int(m_urls.size()); }
     int firstSelectedRow() const;

@@ -87,13 +87,6 @@ public:
         });
     }
 
-    void selectNothing()
-    {
-        m_library.setSelectedFolder(std::nullopt);
-        m_frames->runUntil([&] { return state().photos()->count() == 0; });
-        m_frames->runUntil([&] { return isRunOver(largeCount) && isRunOver(mediumCount); });
-    }
-
 private:
     Stage()
     {
@@ -163,14 +156,19 @@ void folderShowsThumbnails(benchmark::State &state)
     std::vector<double> first;
     std::vector<double> all;
     stage.frames().clear();
+    const int other = count == largeCount ? mediumCount : largeCount;
     for (auto step : state) {
-        stage.selectNothing();
+        // Another folder's pictures are in the cells: the same ones would be there at once.
+        stage.show(other);
         QElapsedTimer timer;
         timer.start();
         stage.library().setSelectedFolder(stage.folder(count));
-        stage.frames().runUntil([&] { return stage.areThumbnailsShown(Stage::anyOf); });
+        const auto shows = [&](Stage::Share share) {
+            return stage.state().photos()->count() == count && stage.areThumbnailsShown(share);
+        };
+        stage.frames().runUntil([&] { return shows(Stage::anyOf); });
         first.push_back(double(timer.elapsed()));
-        stage.frames().runUntil([&] { return stage.areThumbnailsShown(Stage::allOf); });
+        stage.frames().runUntil([&] { return shows(Stage::allOf); });
         all.push_back(double(timer.elapsed()));
         state.SetIterationTime(first.back() / 1e3);
     }
