@@ -270,7 +270,11 @@ TEST_F(PhotoGridTest, aChangedPictureIsLoadedAgainAndTheOldOneStaysUntilThen)
     showFolder(2);
     ASSERT_TRUE(waitUntil([&] { return thumbnail(0)->property("isLoaded").toBool(); }));
     const QString cached = QorManage::thumbnailURL(picture(0))->path();
-    ASSERT_TRUE(waitUntil([&] { return QFile::exists(cached); }));
+    // The run makes thumbnails too, and would put its own in the place of the changed one.
+    ASSERT_TRUE(waitUntil([&] {
+        const FolderProcessingState run = library.processingState(FileUrl::directory(folder));
+        return run == FolderProcessingState::vectors || run == FolderProcessingState::completed;
+    }));
     QImage green(320, 240, QImage::Format_RGB32);
     green.fill(QColor(0, 200, 0));
     ASSERT_TRUE(green.save(cached));
