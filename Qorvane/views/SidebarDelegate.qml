@@ -132,8 +132,8 @@ Item {
         }
     }
 
-    ToolTip {
+    HelpTip {
         text: row.detail
-        visible: hover.hovered && row.detail !== ""
+        isWanted: hover.hovered
     }
 }

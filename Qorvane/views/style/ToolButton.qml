@@ -40,8 +40,8 @@ T.ToolButton {
         }
     }
 
-    ToolTip {
+    HelpTip {
         text: control.text
-        visible: control.hovered && !control.pressed && control.offersTip
+        isWanted: (control.hovered || control.visualFocus) && !control.pressed && control.offersTip
     }
 }
