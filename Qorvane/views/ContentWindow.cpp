@@ -4,6 +4,7 @@
 #include "views/PictureProvider.h"
 #include "views/ThumbnailProvider.h"
 #include "views/style/IconProvider.h"
+#include "views/style/ShadowProvider.h"
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -24,6 +25,8 @@ void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnai
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QString::fromLatin1(IconProvider::providerId),
                             std::make_unique<IconProvider>().release());
+    engine.addImageProvider(QString::fromLatin1(ShadowProvider::providerId),
+                            std::make_unique<ShadowProvider>().release());
     engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId), thumbnails.release());
     engine.addImageProvider(QString::fromLatin1(PictureProvider::providerId),
                             std::make_unique<PictureProvider>().release());
