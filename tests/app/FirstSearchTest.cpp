@@ -1,6 +1,7 @@
 #include "app/FirstSearch.h"
 
 #include "encoders/StarterEncoders.h"
+#include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ TEST(FirstSearch, answersWithinASecondOfTheFirstKey)
 {
     if (starterFolder().isEmpty())
         GTEST_SKIP() << noStarter;
+    const ConsoleWatch console;
     const LogCapture log; // and keeps what the library says off the console
     constexpr int pictureCount = 100;
     QString error;

@@ -9,6 +9,7 @@
 #include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"
 #include "platform/UserDefaults.h"
+#include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
@@ -119,6 +120,7 @@ protected:
 
     static void close(const QorvaneApp &app) { app.contentView()->window()->close(); }
 
+    const ConsoleWatch m_console;
     const QTemporaryDir m_place{QDir::temp().filePath(QStringLiteral("QorvaneAppXXXXXX"))};
 };
 

@@ -1,5 +1,6 @@
 #include "QorvaneApp.h"
 #include "platform/SingleInstance.h"
+#include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
@@ -55,6 +56,8 @@ protected:
     {
         ASSERT_EQ(::kill(pid_t(process.processId()), number), 0);
     }
+
+    const ConsoleWatch m_console;
 
     static QString socketPath() { return SingleInstance::libraryPlace().socket; }
 };

@@ -2,15 +2,15 @@
 #include "app/DrawnPictures.h"
 #include "encoders/StarterEncoders.h"
 #include "library/QorManage.h"
+#include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 #include "views/ContentView.h"
+#include "views/WindowDriver.h"
 
 #include <QDir>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -23,7 +23,7 @@ using namespace Qorvane;
 namespace {
 
 /// The whole application with its real encoders over real folders, driven by what a user's hands do.
-class RoadOfAPhotograph : public testing::Test
+class RoadOfAPhotograph : public testing::Test, protected WindowDriver
 {
 protected:
     QString makeFolder(const QString &name, const QList<std::pair<QString, QImage>> &pictures) const
@@ -38,46 +38,20 @@ protected:
     void open()
     {
         ASSERT_TRUE(m_app.openMainWindow());
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window()));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(drivenWindow()));
         ASSERT_TRUE(waitUntil([this] { return state().focus()->isOnSidebar(); }));
     }
 
-    QQuickWindow *window() { return m_app.contentView()->window(); }
+    QQuickWindow *drivenWindow() const override { return m_app.contentView()->window(); }
     ContentViewState &state() { return m_app.contentView()->state(); }
     QorManage &library() { return m_app.qorManager(); }
-
-    QQuickItem *item(const char *name)
-    {
-        return window()->findChild<QQuickItem *>(QString::fromLatin1(name));
-    }
-
-    QQuickItem *cell(const char *list, int index)
-    {
-        QQuickItem *delegate = nullptr;
-        QMetaObject::invokeMethod(item(list), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
-                                  Q_ARG(int, index));
-        return delegate;
-    }
-
-    QPoint middleOf(QQuickItem *target)
-    {
-        return target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
-    }
-
-    void click(QQuickItem *target) { QTest::mouseClick(window(), Qt::LeftButton, {}, middleOf(target)); }
-
-    void doubleClick(QQuickItem *target)
-    {
-        QTest::mouseClick(window(), Qt::LeftButton, {}, middleOf(target));
-        QTest::mouseDClick(window(), Qt::LeftButton, {}, middleOf(target));
-    }
 
     // No faster than it is searched: the last search to end wins, and of overlapping ones that may be an
     // earlier one.
     void type(const QString &text)
     {
         for (const QChar letter : text) {
-            QTest::keyClick(window(), letter.toLatin1());
+            QTest::keyClick(drivenWindow(), letter.toLatin1());
             EXPECT_TRUE(waitUntil([this] { return !state().search()->isSearching(); }));
         }
     }
@@ -88,9 +62,9 @@ protected:
         data.setUrls({QUrl::fromLocalFile(path)});
         const QPoint position(700, 400);
         QDragEnterEvent enter(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window(), &enter);
+        QCoreApplication::sendEvent(drivenWindow(), &enter);
         QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window(), &drop);
+        QCoreApplication::sendEvent(drivenWindow(), &drop);
     }
 
     QStringList shownNames(MediaListModel *media)
@@ -123,6 +97,7 @@ protected:
         return found;
     }
 
+    const ConsoleWatch m_console;
     const LogCapture m_log; // and keeps what the library says off the console
     // Without a "-", which would keep the sidebar from opening the folders in it.
     const QTemporaryDir m_home{QDir::temp().filePath(QStringLiteral("QorvaneRoadXXXXXX"))};
@@ -176,7 +151,7 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
     EXPECT_EQ(state().selected()->name(), QStringLiteral("b.png"));
     ASSERT_TRUE(waitUntil([&] { return item("fullPicture")->isVisible(); }));
     EXPECT_FALSE(item("resultsGrid")->isVisible());
-    QTest::keyClick(window(), Qt::Key_Escape);
+    QTest::keyClick(drivenWindow(), Qt::Key_Escape);
     EXPECT_FALSE(state().isDetailViewActive());
     EXPECT_TRUE(item("resultsGrid")->isVisible());
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "library/QorManage.h"
+#include "support/ConsoleWatch.h"
 #include "support/Waiting.h"
 #include "views/ContentViewState.h"
 #include "views/ContentWindow.h"
 #include "views/ThumbnailProvider.h"
 #include "views/ThumbnailQueue.h"
+#include "views/WindowDriver.h"
 
 #include <QCoroFuture>
 #include <QDir>
@@ -22,29 +24,16 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace Qorvane {
 
-// Every line on the console is a mistake of ours.
-inline std::mutex messageMutex;
-inline QStringList messages;
-
-inline void collectMessage(QtMsgType, const QMessageLogContext &, const QString &text)
-{
-    const std::scoped_lock lock(messageMutex);
-    messages.append(text);
-}
-
 /// The real window over a real library in a home of its own; only the search is the test's.
-class ContentViewFixture : public testing::Test
+class ContentViewFixture : public testing::Test, protected WindowDriver
 {
 protected:
     ContentViewFixture()
     {
-        messages.clear();
-        qInstallMessageHandler(collectMessage);
         setUpEngine(engine, std::make_unique<ThumbnailProvider>(thumbnails));
         window = makeContentWindow(engine, state);
     }
@@ -52,11 +41,10 @@ protected:
     ~ContentViewFixture() override
     {
         window.reset();
-        qInstallMessageHandler(nullptr);
-        const std::scoped_lock lock(messageMutex);
-        EXPECT_TRUE(messages.isEmpty()) << messages.join(QLatin1Char('\n')).toStdString();
         library.cancelAllTasks();
     }
+
+    QQuickWindow *drivenWindow() const override { return window.get(); }
 
     void SetUp() override
     {
@@ -66,9 +54,10 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
 
-    QCoro::Task<QList<SearchResult>> search(QString text)
+    QCoro::Task<QList<SearchResult>> search(QString text, QList<FileUrl> scope = {})
     {
         queries.append(text);
+        scopes.append(scope);
         const QList<SearchResult> hits = found; // GCC 12 would move the member itself out
         co_return hits;
     }
@@ -94,39 +83,6 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount; }));
         EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
         return path;
-    }
-
-    QQuickItem *item(const char *name) const
-    {
-        return window->findChild<QQuickItem *>(QString::fromLatin1(name));
-    }
-
-    // What is in a popup lies under the window's overlay.
-    QQuickItem *popupItem(const char *name) const { return itemBelow(window->contentItem(), name); }
-
-    static QQuickItem *itemBelow(QQuickItem *top, const char *name)
-    {
-        if (top->objectName() == QLatin1String(name) && top->isVisible())
-            return top;
-        for (QQuickItem *const child : top->childItems()) {
-            if (QQuickItem *const found = itemBelow(child, name))
-                return found;
-        }
-        return nullptr;
-    }
-
-    QQuickItem *cell(const char *grid, int index) const
-    {
-        QQuickItem *delegate = nullptr;
-        QMetaObject::invokeMethod(item(grid), "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
-                                  Q_ARG(int, index));
-        return delegate;
-    }
-
-    void click(QQuickItem *target, Qt::KeyboardModifiers modifiers = {})
-    {
-        const QPointF middle(target->width() / 2, target->height() / 2);
-        QTest::mouseClick(window.get(), Qt::LeftButton, modifiers, target->mapToScene(middle).toPoint());
     }
 
     void turnWheel(QQuickItem *over, int angle)
@@ -188,15 +144,19 @@ protected:
         return QStringLiteral("%1/img%2.jpg").arg(folder).arg(index);
     }
 
+    const ConsoleWatch console;
     // Without a "-", which would keep the sidebar from opening the folders in it.
     const QTemporaryDir home{QDir::temp().filePath(QStringLiteral("QorvaneViewsXXXXXX"))};
-    QorManage library;
+    // Nobody embeds here: a run that waited for it in earnest would hold up the end of the program.
+    QorManage library{nullptr, {.embeddingTimeout = 0.01}};
     QStringList queries;
+    QList<QList<FileUrl>> scopes; ///< of each of the queries
     QList<SearchResult> found;
     std::shared_ptr<ThumbnailQueue> thumbnails = std::make_shared<ThumbnailQueue>(2);
-    ContentViewState state{library,
-                           [this](const QString &text, const QList<FileUrl> &, int) { return search(text); },
-                           thumbnails};
+    ContentViewState state{
+        library,
+        [this](const QString &text, const QList<FileUrl> &scope, int) { return search(text, scope); },
+        thumbnails};
     QPointingDevice *const screen = QTest::createTouchDevice();
     QQmlEngine engine;
     std::unique_ptr<QQuickWindow> window;

@@ -49,13 +49,7 @@ protected:
         EXPECT_EQ(popupItem("folderDialogPath")->property("text").toString(), path);
     }
 
-    QQuickItem *row(int index) const
-    {
-        QQuickItem *delegate = nullptr;
-        QMetaObject::invokeMethod(list, "itemAtIndex", Q_RETURN_ARG(QQuickItem *, delegate),
-                                  Q_ARG(int, index));
-        return delegate;
-    }
+    QQuickItem *row(int index) const { return cellOf(list, index); }
 
     bool isInView(int index) const
     {

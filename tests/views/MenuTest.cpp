@@ -1,3 +1,4 @@
+#include "support/ConsoleWatch.h"
 #include "support/Waiting.h"
 #include "views/ContentWindow.h"
 #include "views/ThumbnailProvider.h"
@@ -14,20 +15,10 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <mutex>
 
 using namespace Qorvane;
 
 namespace {
-
-std::mutex messageMutex;
-QStringList messages;
-
-void collectMessage(QtMsgType, const QMessageLogContext &, const QString &text)
-{
-    const std::scoped_lock lock(messageMutex);
-    messages.append(text);
-}
 
 const QByteArray menuWindow = R"(
 import QtQuick
@@ -78,8 +69,6 @@ class MenuTest : public testing::Test
 protected:
     MenuTest()
     {
-        messages.clear();
-        qInstallMessageHandler(collectMessage);
         setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<ThumbnailQueue>(1),
                                                                 [](const QString &) { return QImage(); }));
         QQmlComponent component(&engine);
@@ -88,14 +77,6 @@ protected:
             window.reset(qobject_cast<QQuickWindow *>(component.create()));
         else
             qWarning("%s", qUtf8Printable(component.errorString()));
-    }
-
-    ~MenuTest() override
-    {
-        window.reset();
-        qInstallMessageHandler(nullptr);
-        const std::scoped_lock lock(messageMutex);
-        EXPECT_TRUE(messages.isEmpty()) << messages.join(QLatin1Char('\n')).toStdString();
     }
 
     void SetUp() override
@@ -143,6 +124,7 @@ protected:
         return {};
     }
 
+    const ConsoleWatch console;
     QQmlEngine engine;
     std::unique_ptr<QQuickWindow> window;
 };

@@ -1,4 +1,5 @@
 #include "platform/desktop/DesktopAppearance.h"
+#include "support/ConsoleWatch.h"
 #include "views/ContentWindow.h"
 #include "views/ThumbnailProvider.h"
 #include "views/ThumbnailQueue.h"
@@ -62,6 +63,7 @@ protected:
 
     QColor color(const char *name) const { return theme->property(name).value<QColor>(); }
 
+    const ConsoleWatch console;
     QQmlEngine engine;
     std::unique_ptr<QObject> holder;
     QObject *theme = nullptr;
