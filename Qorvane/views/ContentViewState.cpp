@@ -90,7 +90,7 @@ void ContentViewState::followLibrary()
     connect(&m_qorManager, &QorManage::selectedRatingChanged, this,
             onChange(m_qorManager, &QorManage::selectedRating, startOver));
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
-    // the text changes.
+    // the text changes. Where a folder was selected the query goes nonetheless, with the folder.
     connect(&m_qorManager, &QorManage::selectedTagChanged, this,
             onChange(m_qorManager, &QorManage::selectedTag, [this, showAnother] {
                 setDetailViewActive(false);

@@ -1,4 +1,3 @@
-#include "platform/NotificationCenter.h"
 #include "platform/desktop/DesktopAppearance.h"
 #include "views/ContentViewFixture.h"
 
@@ -340,21 +339,4 @@ TEST_F(ContentColumnsTest, aVideoIsOpenedWithThePlayMark)
     state.setDetailViewActive(true);
     EXPECT_TRUE(item("playBadge")->isVisible());
     EXPECT_FALSE(item("noPicturePage")->isVisible());
-}
-
-TEST_F(ContentColumnsTest, aDeletedFileLeavesTheResultsAtOnceAndStaysSelected)
-{
-    const QString folder = addFolder(QStringLiteral("Photos"), 3);
-    for (const int index : {2, 0, 1})
-        found.append({FileUrl::file(fileUrl(folder, index)), 0.4F, 0.1F});
-    click(item("searchField"));
-    type(QStringLiteral("x"));
-    ASSERT_TRUE(waitUntil([this] { return item("resultsGrid")->isVisible(); }));
-    select(folder, {0});
-    NotificationCenter::defaultCenter().post(QStringLiteral("ImagesDeleted"),
-                                             {{QStringLiteral("paths"), QStringList{fileUrl(folder, 0)}}});
-    drainMainQueue();
-    EXPECT_EQ(state.results()->urls(),
-              (QList<FileUrl>{FileUrl::file(fileUrl(folder, 2)), FileUrl::file(fileUrl(folder, 1))}));
-    EXPECT_EQ(state.selection().urls(), QSet<FileUrl>{FileUrl::file(fileUrl(folder, 0))});
 }

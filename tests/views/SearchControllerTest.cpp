@@ -202,19 +202,26 @@ TEST_F(SearchControllerTest, searchesTheListShownOfASelectedFolder)
     EXPECT_TRUE(log.contains(QStringLiteral("🔍 在文件夹 '旅行' 下的 2 张照片中搜索")));
 }
 
-TEST_F(SearchControllerTest, searchesTheFilesOfASelectedTagThatAreStillThere)
+TEST_F(SearchControllerTest, searchesTheFilesOfASelectedTagThatAreStillThereInTheStoresOrder)
 {
     const QTemporaryDir folder;
-    const QString present = folder.filePath(QStringLiteral("here.jpg"));
-    QFile created(present);
-    ASSERT_TRUE(created.open(QIODevice::WriteOnly));
+    QStringList present;
+    for (const char *name : {"c.jpg", "a.jpg", "b.jpg"}) {
+        present.append(folder.filePath(QLatin1String(name)));
+        QFile created(present.last());
+        ASSERT_TRUE(created.open(QIODevice::WriteOnly));
+    }
     settings.selectedTag = QStringLiteral("Beach");
     settings.selectedFolder = Folder{FileUrl::directory(QStringLiteral("/photos")), std::nullopt};
-    taggedPaths = {folder.filePath(QStringLiteral("gone.jpg")), present};
+    taggedPaths = present;
+    taggedPaths.insert(1, folder.filePath(QStringLiteral("gone.jpg")));
     controller.setText(QStringLiteral("dog"));
     ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
-    EXPECT_EQ(running[QStringLiteral("dog")].scope, QList<FileUrl>{FileUrl::file(present)});
-    EXPECT_TRUE(log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 1 张照片中搜索")));
+    QStringList searched;
+    for (const FileUrl &url : running[QStringLiteral("dog")].scope)
+        searched.append(url.path());
+    EXPECT_EQ(searched, present);
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 3 张照片中搜索")));
 }
 
 TEST_F(SearchControllerTest, aTagWhoseFilesAreGoneSearchesEverything)
@@ -224,6 +231,7 @@ TEST_F(SearchControllerTest, aTagWhoseFilesAreGoneSearchesEverything)
     controller.setText(QStringLiteral("dog"));
     ASSERT_TRUE(waitForSearch(QStringLiteral("dog")));
     EXPECT_TRUE(running[QStringLiteral("dog")].scope.isEmpty());
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 0 张照片中搜索")));
 }
 
 TEST_F(SearchControllerTest, deletedFilesLeaveTheResultsInOrder)

@@ -1,3 +1,5 @@
+#include "store/EmbeddingStore.h"
+#include "support/LogCapture.h"
 #include "views/GridFixture.h"
 
 #include <QSignalSpy>
@@ -6,7 +8,43 @@ using namespace Qorvane;
 
 namespace {
 
-using SearchResultsViewTest = GridFixture;
+class SearchResultsViewTest : public GridFixture
+{
+protected:
+    ~SearchResultsViewTest() override
+    {
+        for (const QString &tag : EmbeddingStore::shared().listAllTags())
+            EmbeddingStore::shared().deleteTagGlobally(tag);
+    }
+
+    void giveTags(const QStringList &tags)
+    {
+        for (const QString &tag : tags)
+            EmbeddingStore::shared().addTag(picture(0).path(), tag);
+        library.refreshAllTags();
+        ASSERT_TRUE(waitUntil([&] { return library.allTags().size() == tags.size(); }));
+    }
+
+    void clickSidebar(const QString &name)
+    {
+        const QList<SidebarRow> rows = state.sidebar()->rows()->rows();
+        const auto match =
+            std::ranges::find_if(rows, [&](const SidebarRow &row) { return row.name == name; });
+        ASSERT_NE(match, rows.cend()) << qPrintable(name);
+        waitForFrame();
+        click(cell("sidebarList", int(match - rows.cbegin())));
+    }
+
+    QStringList shownHits() const
+    {
+        QStringList names;
+        for (int i = 0; i < item("resultsGrid")->property("count").toInt(); ++i) {
+            const QQuickItem *const hit = cell("resultsGrid", i);
+            names.append(hit ? hit->property("name").toString() : QStringLiteral("no cell"));
+        }
+        return names;
+    }
+};
 
 QStringList textsBelow(QQuickItem *top)
 {
@@ -27,19 +65,13 @@ TEST_F(SearchResultsViewTest, showsTheHitsInTheirRankWhateverTheSortOrder)
     showFolder(6);
     library.setSortOrder(SortOrder::descending);
     showResults({4, 0, 2});
-    const auto names = [this] {
-        QStringList list;
-        for (int i = 0; i < 3; ++i)
-            list.append(cell("resultsGrid", i)->property("name").toString());
-        return list;
-    };
     const QStringList ranked{QStringLiteral("img4.jpg"), QStringLiteral("img0.jpg"),
                              QStringLiteral("img2.jpg")};
-    EXPECT_EQ(names(), ranked);
+    EXPECT_EQ(shownHits(), ranked);
     library.setSortOrder(SortOrder::ascending);
     library.setSortCriterion(SortCriterion::creationDate);
     waitForFrame();
-    EXPECT_EQ(names(), ranked);
+    EXPECT_EQ(shownHits(), ranked);
 }
 
 TEST_F(SearchResultsViewTest, aQueryThatFindsNothingSaysSoUntilTheFieldIsEmptied)
@@ -101,6 +133,8 @@ TEST_F(SearchResultsViewTest, aDoubleClickOpensAHitFromOutsideTheFolder)
     doubleClickPicture("resultsGrid", 0);
     EXPECT_EQ(selected(), QSet<FileUrl>{FileUrl::file(fileUrl(elsewhere, 0))});
     EXPECT_TRUE(state.isDetailViewActive());
+    EXPECT_TRUE(waitUntil([this] { return item("fullPicture")->isVisible(); }));
+    EXPECT_EQ(item("contentTitle")->property("text").toString(), QStringLiteral("img0.jpg"));
 }
 
 TEST_F(SearchResultsViewTest, aHitWhoseFileIsGoneKeepsItsCellAndItsCachedPicture)
@@ -121,8 +155,9 @@ TEST_F(SearchResultsViewTest, deletedFilesLeaveAtOnceAndTheSelectionStays)
     clickPicture("resultsGrid", 1);
     NotificationCenter::defaultCenter().post(QStringLiteral("ImagesDeleted"),
                                              {{QStringLiteral("paths"), QStringList{picture(1).path()}}});
-    ASSERT_TRUE(waitUntil([&] { return state.results()->count() == 2; }));
-    EXPECT_EQ(state.results()->urls(), (QList<FileUrl>{picture(3), picture(0)}));
+    EXPECT_TRUE(waitUntil([&] {
+        return shownHits() == QStringList{QStringLiteral("img3.jpg"), QStringLiteral("img0.jpg")};
+    }));
     EXPECT_EQ(selected(), QSet<FileUrl>{picture(1)});
 }
 
@@ -157,4 +192,48 @@ TEST_F(SearchResultsViewTest, anotherSearchBeginsAtTheTop)
     QTest::keyClick(window.get(), Qt::Key_Y);
     ASSERT_TRUE(waitUntil([&] { return queries.size() == 2 && item("resultsGrid")->isVisible(); }));
     EXPECT_EQ(position("resultsGrid"), top);
+}
+
+TEST_F(SearchResultsViewTest, anotherTagLeavesTheHitsOfTheOneBeforeOnTheScreen)
+{
+    showFolder(3);
+    giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
+    clickSidebar(QStringLiteral("Beach"));
+    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1; }));
+    showResults({2, 1});
+    const QStringList hits = shownHits();
+    ASSERT_EQ(hits.size(), 2);
+    QSignalSpy pages(&state, &ContentViewState::pageChanged);
+    clickSidebar(QStringLiteral("Food"));
+    ASSERT_EQ(library.selectedTag(), QStringLiteral("Food"));
+    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1 && !library.isLoading(); }));
+    waitForFrame();
+    EXPECT_TRUE(item("resultsGrid")->isVisible());
+    EXPECT_EQ(shownHits(), hits);
+    EXPECT_EQ(item("searchField")->property("text").toString(), QStringLiteral("x"));
+    EXPECT_EQ(queries, QStringList{QStringLiteral("x")}) << "nothing was searched again";
+    EXPECT_TRUE(pages.isEmpty());
+}
+
+// Together with the tag the sidebar takes the folder away, and a change of the folder ends a search.
+TEST_F(SearchResultsViewTest, aTagChosenInPlaceOfAFolderEndsTheSearch)
+{
+    showFolder(3);
+    giveTags({QStringLiteral("Beach")});
+    showResults({2, 1});
+    clickSidebar(QStringLiteral("Beach"));
+    EXPECT_EQ(item("searchField")->property("text").toString(), QString());
+    EXPECT_TRUE(waitUntil([this] { return state.photos()->count() == 1 && item("photoGrid")->isVisible(); }));
+    EXPECT_FALSE(item("resultsGrid")->isVisible());
+}
+
+TEST_F(SearchResultsViewTest, aRatingDoesNotNarrowTheSearch)
+{
+    showFolder(2);
+    clickSidebar(QStringLiteral("★★★"));
+    ASSERT_EQ(library.selectedRating(), 3);
+    const LogCapture log;
+    showResults({1});
+    EXPECT_EQ(scopes, QList<QList<FileUrl>>{{}});
+    EXPECT_TRUE(log.contains(QStringLiteral("🔍 搜索全部照片")));
 }
