@@ -31,7 +31,7 @@ T.Popup {
     onAboutToShow: browser.open(browser.path)
 
     T.Overlay.modal: Rectangle {
-        color: "#66000000"
+        color: Theme.veil
     }
     background: Item {
         SoftShadow {
@@ -125,7 +125,7 @@ T.Popup {
             anchors.bottomMargin: Theme.unit
             width: parent.width
             text: dialog.isUnreadable ? qsTranslate("Qorvane", "This folder can't be read.")
-                                      : qsTranslate("Qorvane", "Hold Control or Shift to select several folders; double-click to open one.")
+                                      : qsTranslate("Qorvane", "Hold Ctrl or Shift to select several folders; double-click to open one.")
             font.pixelSize: Theme.captionSize
             font.weight: dialog.isUnreadable ? Font.DemiBold : Font.Normal
             color: dialog.isUnreadable ? Theme.text : Theme.secondaryText
@@ -148,7 +148,7 @@ T.Popup {
             isProminent: true
             enabled: browser.chosen.length > 0
             text: browser.selectionCount < 2 ? qsTranslate("Qorvane", "Add Folder")
-                                             : qsTranslate("Qorvane", "Add %1 Folders").arg(browser.selectionCount)
+                                             : qsTranslate("Qorvane", "Add %n Folders", "", browser.selectionCount)
             onClicked: dialog.accept()
         }
     }

@@ -1,8 +1,9 @@
 import QtQuick
+import QorvaneStyle
 
 /// A cell of the photo grid.
 MediaCell {
-    height: 200
-    pictureWidth: 200
-    pictureHeight: 200
+    height: Theme.photoSize
+    pictureWidth: Theme.photoSize
+    pictureHeight: Theme.photoSize
 }

@@ -3,15 +3,15 @@ import QorvaneStyle
 
 /// The mark of a video over its open preview.
 Rectangle {
-    width: 72
-    height: 72
-    radius: 36
-    color: "#99000000"
+    width: Theme.openPlayDiscSize
+    height: Theme.openPlayDiscSize
+    radius: width / 2
+    color: Theme.badgeDisc
 
     Icon {
         anchors.centerIn: parent
         name: "play.circle.fill"
-        size: 48
-        color: "#FFFFFF"
+        size: Theme.pageIconSize
+        color: Theme.inkOnPicture
     }
 }

@@ -52,9 +52,10 @@ Row {
         visible: indicator.runState === SidebarListModel.Completed
 
         Icon {
+            objectName: "checkMark"
             anchors.centerIn: parent
             name: "checkmark"
-            size: 12
+            size: Theme.caption2Size
             color: indicator.standsOnAccent ? Theme.accentInk : Theme.green
         }
     }

@@ -5,11 +5,11 @@ import QorvaneStyle
 MediaCell {
     id: cell
 
-    height: 140
-    pictureWidth: 180
-    pictureHeight: 120
+    height: Theme.hitHeight
+    pictureWidth: Theme.hitWidth
+    pictureHeight: Theme.hitPictureHeight
     emptyColor: Theme.emptyHit
-    progressColor: "#FFFFFF"
+    progressColor: Theme.inkOnPicture
 
     Label {
         objectName: "caption"

@@ -26,7 +26,7 @@ FocusScope {
         media: view.viewState.photos
         keys: view.viewState.keyboardFocus
         identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order + view.viewState.scope
-        rowPitch: 210
+        rowPitch: Theme.photoSize + Theme.photoGap
         onOpened: view.viewState.isDetailViewActive = true
         onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
 
@@ -46,7 +46,7 @@ FocusScope {
         media: view.viewState.results
         keys: view.viewState.keyboardFocus
         identity: view.viewState.search.isSearching ? "searching" : "found"
-        rowPitch: 156
+        rowPitch: Theme.hitHeight + Theme.hitGap
         onOpened: view.viewState.isDetailViewActive = true
         onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
 
@@ -62,6 +62,7 @@ FocusScope {
     }
 
     BusyIndicator {
+        objectName: "loadingPage"
         anchors.centerIn: parent
         visible: view.page === GridPage.Loading
         running: visible

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QorvaneStyle
 
@@ -5,11 +7,11 @@ import QorvaneStyle
 Item {
     Rectangle {
         objectName: "videoWord"
-        x: 6
-        y: 6
-        width: word.width + 12
+        x: Theme.badgeMargin
+        y: Theme.badgeMargin
+        width: word.width + 2 * Theme.badgePadding
         height: word.height + 4
-        radius: 4
+        radius: Theme.badgeRadius
         color: Theme.videoBadge
 
         Label {
@@ -19,25 +21,25 @@ Item {
             text: qsTranslate("Qorvane", "VIDEO")
             font.pixelSize: Theme.caption2Size
             font.bold: true
-            color: "#FFFFFF"
+            color: Theme.inkOnPicture
         }
     }
 
-    // A shadow of radius 2: what it would blur is drawn as two rings that fade.
-    Rectangle {
-        anchors.centerIn: disc
-        width: 44
-        height: 44
-        radius: 22
-        color: "#33000000"
-    }
+    // The disc's shadow, as rings around it: the software scene graph has no blur. Each has the share that a blur of
+    // radius 2 leaves of the shadow so far from the edge.
+    Repeater {
+        model: [0.4, 0.23, 0.1]
 
-    Rectangle {
-        anchors.centerIn: disc
-        width: 42
-        height: 42
-        radius: 21
-        color: "#33000000"
+        Rectangle {
+            required property int index
+            required property real modelData
+
+            anchors.fill: disc
+            anchors.margins: -1 - index
+            radius: width / 2
+            color: "transparent"
+            border.color: Qt.alpha(Theme.badgeShadow, Theme.badgeShadow.a * modelData)
+        }
     }
 
     Rectangle {
@@ -47,16 +49,17 @@ Item {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.margins: Theme.unit
-        width: 40
-        height: 40
-        radius: 20
-        color: "#99000000"
+        width: Theme.playDiscSize
+        height: Theme.playDiscSize
+        radius: width / 2
+        color: Theme.badgeDisc
 
         Icon {
+            objectName: "playSymbol"
             anchors.centerIn: parent
             name: "play.circle.fill"
-            size: 26
-            color: "#FFFFFF"
+            size: Theme.titleSize
+            color: Theme.inkOnPicture
         }
     }
 }

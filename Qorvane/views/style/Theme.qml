@@ -19,6 +19,8 @@ QtObject {
     readonly property color hairline: isDark ? "#3A3A3E" : "#E2E2E6"
     readonly property color popupLine: isDark ? "#4C4C51" : "#E2E2E6"
     readonly property color hover: isDark ? "#14FFFFFF" : "#0D000000"
+    /// Over everything that waits behind a dialog.
+    readonly property color veil: "#66000000"
     /// One of the layers that a soft shadow is made of.
     readonly property color shadow: isDark ? "#07000000" : "#03000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
@@ -42,7 +44,12 @@ QtObject {
     // Of a mark without words: it keeps 3 to 1 on the same rows.
     readonly property color green: isDark ? "#46C768" : "#23873F"
     readonly property color star: "#F7B500"
+
+    // The marks of a video lie on its picture, so they are the same in light and dark.
     readonly property color videoBadge: "#E0352B"
+    readonly property color inkOnPicture: "#FFFFFF"
+    readonly property color badgeDisc: "#99000000"
+    readonly property color badgeShadow: "#CC000000"
 
     // Type, in pixels
     readonly property int caption2Size: 10
@@ -69,6 +76,19 @@ QtObject {
     readonly property int sidebarIconX: 13
     readonly property int sidebarIconGap: 6
     readonly property int contentPadding: 16
+    readonly property int pagePadding: 32
+    readonly property int pageIconSize: 48
+    readonly property int photoSize: 200
+    readonly property int photoGap: 10
+    readonly property int hitWidth: 180
+    readonly property int hitPictureHeight: 120
+    readonly property int hitHeight: 140
+    readonly property int hitGap: 16
+    readonly property int badgeMargin: 6
+    readonly property int badgePadding: 6
+    readonly property int badgeRadius: 4
+    readonly property int playDiscSize: 40
+    readonly property int openPlayDiscSize: 72
     readonly property int selectionStroke: 3
     readonly property int focusStroke: 2
 
