@@ -8,6 +8,7 @@ Item {
         spacing: 12
 
         BusyIndicator {
+            objectName: "searchingMark"
             anchors.horizontalCenter: parent.horizontalCenter
             width: 30
             height: 30
