@@ -6,7 +6,7 @@ Item {
     id: splitter
 
     /// For screen readers.
-    required property string name
+    required property string label
 
     /// The edge is to move by so much to the right.
     signal moved(real distance)
@@ -16,7 +16,7 @@ Item {
     width: 8
     activeFocusOnTab: true
     Accessible.role: Accessible.Splitter
-    Accessible.name: name
+    Accessible.name: label
     Accessible.focusable: true
     Accessible.focused: activeFocus
     Keys.onLeftPressed: splitter.moved(-Theme.unit)

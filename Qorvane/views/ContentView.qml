@@ -91,7 +91,7 @@ T.ApplicationWindow {
 
     ColumnSplitter {
         objectName: "sidebarSplitter"
-        name: qsTranslate("Qorvane", "Width of the Sidebar")
+        label: qsTranslate("Qorvane", "Sidebar Width")
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: sidebarColumn.right
@@ -101,7 +101,7 @@ T.ApplicationWindow {
 
     ColumnSplitter {
         objectName: "inspectorSplitter"
-        name: qsTranslate("Qorvane", "Width of the Info Panel")
+        label: qsTranslate("Qorvane", "Info Panel Width")
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: content.right

@@ -194,9 +194,9 @@ TEST_F(ProcessingRunTest, theUserReadsHowFarItHasComeInTheirLanguage)
         details.append(line.section(QStringLiteral(", detail: "), 1));
     // The first two have their vectors. Only what is skipped is told in the user's language; the text of a
     // file that was computed is the same everywhere.
-    EXPECT_EQ(details, QStringList({QStringLiteral("Thumbnails: 1/3"), QStringLiteral("Thumbnails: 2/3"),
-                                    QStringLiteral("Thumbnails: 3/3"), QStringLiteral("Preparing vectors…"),
-                                    QStringLiteral("Vectors: 1/3"), QStringLiteral("Vectors: 2/3"),
+    EXPECT_EQ(details, QStringList({QStringLiteral("Previews: 1/3"), QStringLiteral("Previews: 2/3"),
+                                    QStringLiteral("Previews: 3/3"), QStringLiteral("Preparing AI analysis…"),
+                                    QStringLiteral("AI analysis: 1/3"), QStringLiteral("AI analysis: 2/3"),
                                     QStringLiteral("向量: 3/3"), QStringLiteral("Done")}));
     Languages::endOverrideForTests();
     Localization::remove();

@@ -35,8 +35,8 @@ TEST_F(LocalizationTest, anEnglishReaderReadsEnglish)
     install({QStringLiteral("en-US")});
     EXPECT_EQ(localized("处理完成"), QStringLiteral("Done"));
     EXPECT_EQ(localized("File Name"), QStringLiteral("File Name"));
-    EXPECT_EQ(localizedFormat("thumb_progress", 3, 12), QStringLiteral("Thumbnails: 3/12"));
-    EXPECT_EQ(localizedFormat("embed_progress", 12, 12), QStringLiteral("Vectors: 12/12"));
+    EXPECT_EQ(localizedFormat("thumb_progress", 3, 12), QStringLiteral("Previews: 3/12"));
+    EXPECT_EQ(localizedFormat("embed_progress", 12, 12), QStringLiteral("AI analysis: 12/12"));
 }
 
 TEST_F(LocalizationTest, aChineseReaderReadsChinese)
@@ -45,8 +45,8 @@ TEST_F(LocalizationTest, aChineseReaderReadsChinese)
         install({QLatin1String(language)});
         EXPECT_EQ(localized("处理完成"), QStringLiteral("处理完成"));
         EXPECT_EQ(localized("File Name"), QStringLiteral("文件名"));
-        EXPECT_EQ(localizedFormat("thumb_progress", 3, 12), QStringLiteral("缩略图：3/12"));
-        EXPECT_EQ(localizedFormat("embed_progress", 0, 12), QStringLiteral("向量：0/12"));
+        EXPECT_EQ(localizedFormat("thumb_progress", 3, 12), QStringLiteral("缩略图: 3/12"));
+        EXPECT_EQ(localizedFormat("embed_progress", 0, 12), QStringLiteral("向量: 0/12"));
     }
 }
 

@@ -10,9 +10,10 @@
 namespace {
 
 // What a property that shows or says a text is bound to, its further lines included.
-const QRegularExpression binding(QStringLiteral(
-    "(?:^|[\\n{;])\\s*(?:readonly\\s+)?(?:property\\s+string\\s+\\w+|text|placeholderText|title|message|hint|"
-    "Accessible\\.(?:name|description))\\s*:((?:[^\\n]|\\n\\s*[:?+])*)"));
+const QRegularExpression
+    binding(QStringLiteral("(?:^|[\\n{;])\\s*(?:readonly\\s+)?(?:property\\s+string\\s+\\w+|text|"
+                           "placeholderText|title|message|hint|label|"
+                           "shortcutText|Accessible\\.(?:name|description))\\s*:((?:[^\\n]|\\n\\s*[:?+])*)"));
 const QRegularExpression
     translated(QStringLiteral("qsTranslate\\(\\s*\"Qorvane\"\\s*,\\s*\"[^\"]*\"(?:\\s*,\\s*\"[^\"]*\")?"));
 const QRegularExpression compared(QStringLiteral("[=!]==?\\s*\"[^\"]*\""));
@@ -58,6 +59,9 @@ TEST(VisibleTexts, areFoundWhereTheyBypassTheTables)
     EXPECT_EQ(bareTexts(QStringLiteral("    Accessible.name: isOn ? qsTranslate(\"Qorvane\", \"On\")\n"
                                        "                          : \"Off\"\n")),
               QStringList{QStringLiteral("Off")});
+    for (const char *property : {"label", "shortcutText", "message", "hint", "title"})
+        EXPECT_EQ(bareTexts(QStringLiteral("ColumnSplitter { %1: \"Width\" }").arg(QLatin1String(property))),
+                  QStringList{QStringLiteral("Width")});
     EXPECT_EQ(bareTexts(QStringLiteral("    readonly property string help: \"Help\"\n")),
               QStringList{QStringLiteral("Help")});
 }

@@ -17,11 +17,11 @@
     </message>
     <message>
         <source>准备生成缩略图...</source>
-        <translation>Preparing thumbnails…</translation>
+        <translation>Preparing previews…</translation>
     </message>
     <message>
         <source>准备生成向量...</source>
-        <translation>Preparing vectors…</translation>
+        <translation>Preparing AI analysis…</translation>
     </message>
     <message>
         <source>处理完成</source>
@@ -29,11 +29,11 @@
     </message>
     <message>
         <source>thumb_progress</source>
-        <translation>Thumbnails: %1/%2</translation>
+        <translation>Previews: %1/%2</translation>
     </message>
     <message>
         <source>embed_progress</source>
-        <translation>Vectors: %1/%2</translation>
+        <translation>AI analysis: %1/%2</translation>
     </message>
     <message>
         <source>File Name</source>
@@ -139,9 +139,12 @@
         <source>Add Folder</source>
         <translation>Add Folder</translation>
     </message>
-    <message>
-        <source>Add %1 Folders</source>
-        <translation>Add %1 Folders</translation>
+    <message numerus="yes">
+        <source>Add %n Folders</source>
+        <translation>
+            <numerusform>Add %n Folder</numerusform>
+            <numerusform>Add %n Folders</numerusform>
+        </translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -160,8 +163,8 @@
         <translation>There are no folders in this folder.</translation>
     </message>
     <message>
-        <source>Hold Control or Shift to select several folders; double-click to open one.</source>
-        <translation>Hold Control or Shift to select several folders; double-click to open one.</translation>
+        <source>Hold Ctrl or Shift to select several folders; double-click to open one.</source>
+        <translation>Hold Ctrl or Shift to select several folders; double-click to open one.</translation>
     </message>
     <message>
         <source>Preview</source>
@@ -209,7 +212,7 @@
     </message>
     <message>
         <source>没有找到匹配的图片</source>
-        <translation>No matching pictures found</translation>
+        <translation>No matching photos found</translation>
     </message>
     <message>
         <source>尝试使用不同的关键词</source>
@@ -272,12 +275,12 @@
         <translation>Sidebar</translation>
     </message>
     <message>
-        <source>Width of the Sidebar</source>
-        <translation>Width of the Sidebar</translation>
+        <source>Sidebar Width</source>
+        <translation>Sidebar Width</translation>
     </message>
     <message>
-        <source>Width of the Info Panel</source>
-        <translation>Width of the Info Panel</translation>
+        <source>Info Panel Width</source>
+        <translation>Info Panel Width</translation>
     </message>
     <message>
         <source>%1, %2</source>

@@ -5,7 +5,7 @@
     <name>Qorvane</name>
     <message>
         <source>检查更新...</source>
-        <translation>检查更新…</translation>
+        <translation>检查更新...</translation>
     </message>
     <message>
         <source>帮助</source>
@@ -17,11 +17,11 @@
     </message>
     <message>
         <source>准备生成缩略图...</source>
-        <translation>准备生成缩略图…</translation>
+        <translation>准备生成缩略图...</translation>
     </message>
     <message>
         <source>准备生成向量...</source>
-        <translation>准备生成向量…</translation>
+        <translation>准备生成向量...</translation>
     </message>
     <message>
         <source>处理完成</source>
@@ -29,11 +29,11 @@
     </message>
     <message>
         <source>thumb_progress</source>
-        <translation>缩略图：%1/%2</translation>
+        <translation>缩略图: %1/%2</translation>
     </message>
     <message>
         <source>embed_progress</source>
-        <translation>向量：%1/%2</translation>
+        <translation>向量: %1/%2</translation>
     </message>
     <message>
         <source>File Name</source>
@@ -89,11 +89,11 @@
     </message>
     <message>
         <source>Drop folders to add them to the library</source>
-        <translation>松开以将文件夹添加到照片库</translation>
+        <translation>松开即可将文件夹添加到照片库</translation>
     </message>
     <message>
         <source>Or drag a folder from your file manager onto this window.</source>
-        <translation>也可以从文件管理器将文件夹拖到此窗口。</translation>
+        <translation>也可以把文件夹从文件管理器拖到此窗口。</translation>
     </message>
     <message>
         <source>Info</source>
@@ -138,9 +138,11 @@
         <source>Add Folder</source>
         <translation>添加文件夹</translation>
     </message>
-    <message>
-        <source>Add %1 Folders</source>
-        <translation>添加 %1 个文件夹</translation>
+    <message numerus="yes">
+        <source>Add %n Folders</source>
+        <translation>
+            <numerusform>添加 %n 个文件夹</numerusform>
+        </translation>
     </message>
     <message>
         <source>Cancel</source>
@@ -159,8 +161,8 @@
         <translation>此文件夹中没有子文件夹。</translation>
     </message>
     <message>
-        <source>Hold Control or Shift to select several folders; double-click to open one.</source>
-        <translation>按住 Control 或 Shift 可选择多个文件夹；双击可打开文件夹。</translation>
+        <source>Hold Ctrl or Shift to select several folders; double-click to open one.</source>
+        <translation>按住 Ctrl 或 Shift 可选择多个文件夹；双击可打开文件夹。</translation>
     </message>
     <message>
         <source>Preview</source>
@@ -192,19 +194,19 @@
     </message>
     <message>
         <source>No media files with this rating</source>
-        <translation>没有此评分的媒体文件</translation>
+        <translation>该评分下没有媒体文件</translation>
     </message>
     <message>
         <source>No media files in this folder</source>
-        <translation>此文件夹中没有媒体文件</translation>
+        <translation>该文件夹中没有媒体文件</translation>
     </message>
     <message>
         <source>Select a folder to view media files.</source>
-        <translation>选择一个文件夹以查看媒体文件。</translation>
+        <translation>选择文件夹即可查看媒体文件。</translation>
     </message>
     <message>
         <source>搜索中...</source>
-        <translation>搜索中…</translation>
+        <translation>搜索中...</translation>
     </message>
     <message>
         <source>没有找到匹配的图片</source>
@@ -268,14 +270,14 @@
     </message>
     <message>
         <source>Sidebar</source>
-        <translation>边栏</translation>
+        <translation>侧边栏</translation>
     </message>
     <message>
-        <source>Width of the Sidebar</source>
-        <translation>边栏宽度</translation>
+        <source>Sidebar Width</source>
+        <translation>侧边栏宽度</translation>
     </message>
     <message>
-        <source>Width of the Info Panel</source>
+        <source>Info Panel Width</source>
         <translation>信息面板宽度</translation>
     </message>
     <message>
