@@ -45,6 +45,13 @@ protected:
     }
     QQuickItem *cell(const char *view, int index) const { return cellOf(item(view), index); }
 
+    /// What is drawn there, in the window's own coordinates, whatever the screen's density.
+    QColor shownAt(QPointF place) const
+    {
+        return drivenWindow()->grabWindow().pixelColor(
+            (place * drivenWindow()->effectiveDevicePixelRatio()).toPoint());
+    }
+
     static QPoint middleOf(QQuickItem *target)
     {
         return target->mapToScene(QPointF(target->width() / 2, target->height() / 2)).toPoint();
