@@ -7,6 +7,7 @@
 #include "support/Waiting.h"
 #include "views/ContentView.h"
 #include "views/WindowDriver.h"
+#include "views/style/ProgressRing.h"
 
 #include <QDir>
 #include <QDropEvent>
@@ -16,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 using namespace Qorvane;
@@ -80,6 +82,19 @@ protected:
         return library().processingState(FileUrl::directory(folder)) == FolderProcessingState::completed;
     }
 
+    // How far the rings have come that show below an item.
+    static QList<double> shownRings(const QQuickItem *top)
+    {
+        QList<double> rings;
+        if (!top->isVisible())
+            return rings;
+        if (const auto *const ring = qobject_cast<const ProgressRing *>(top))
+            rings.append(ring->progress());
+        for (const QQuickItem *const child : top->childItems())
+            rings += shownRings(child);
+        return rings;
+    }
+
     // The sidebar's row that begins with this name, once it is there.
     QQuickItem *sidebarRow(const QString &name)
     {
@@ -125,6 +140,9 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
         states.insert(library().processingState(FileUrl::directory(drawings)));
         progress.append(library().folderProcessingProgress().value(drawings));
     });
+    QList<double> drawn;
+    const auto look = QObject::connect(state().sidebar()->rows(), &QAbstractItemModel::dataChanged,
+                                       [&] { drawn += shownRings(item("sidebarList")); });
     dropFolder(drawings);
     ASSERT_TRUE(waitUntil([&] { return shownNames(state().photos()).size() == 3; }));
     ASSERT_TRUE(waitUntil([&] { return states.contains(FolderProcessingState::completed); }));
@@ -136,6 +154,10 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
         return sidebarRow(QStringLiteral("Drawings"))->property("runState").toInt() ==
                SidebarListModel::Completed;
     }));
+    QObject::disconnect(look);
+    EXPECT_TRUE(std::ranges::any_of(drawn, [](double p) { return p > 0 && p < 1; })) << "no ring was filling";
+    EXPECT_TRUE(shownRings(item("sidebarList")).isEmpty());
+    EXPECT_TRUE(itemBelow(sidebarRow(QStringLiteral("Drawings")), "checkMark"));
 
     // Words find the picture that shows what they say.
     click(item("searchField"));
