@@ -1,5 +1,9 @@
 #include "views/style/IconProvider.h"
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 using namespace Qorvane;
@@ -40,6 +44,30 @@ TEST(IconProvider, drawsTheSameOnAScreenOfTwiceTheDensity)
 TEST(IconProvider, drawsALargeIconWithAFinerLine)
 {
     EXPECT_LT(coverage(icon(48, 1)), 0.75 * coverage(icon(18, 1)));
+}
+
+// The finer line of a large icon is the same line with another width.
+TEST(IconProvider, allIconsAreDrawnWithTheOneLineThatItThins)
+{
+    const QStringList names = QDir(QStringLiteral(":/icons")).entryList();
+    ASSERT_GT(names.size(), 10);
+    const QRegularExpression element(QStringLiteral("<\\w+[^>]*>"));
+    const QRegularExpression width(QStringLiteral("stroke-width=\"([^\"]*)\""));
+    for (const QString &name : names) {
+        QFile file(QStringLiteral(":/icons/") + name);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        int lines = 0;
+        for (auto part = element.globalMatch(QString::fromUtf8(file.readAll())); part.hasNext();) {
+            const QString text = part.next().captured();
+            const QString found = width.match(text).captured(1);
+            // What is filled has its outline for its corners only.
+            if (found.isEmpty() || text.contains(QStringLiteral("fill=\"currentColor\"")))
+                continue;
+            EXPECT_EQ(found, QStringLiteral("1.6")) << qPrintable(name);
+            ++lines;
+        }
+        EXPECT_EQ(lines, 1) << qPrintable(name);
+    }
 }
 
 TEST(IconProvider, givesNothingForWhatIsNoIcon)
