@@ -27,6 +27,14 @@ function(qorvane_add_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
 
+# qorvane_add_test_again(<Name> <Suffix> <VARIABLE=value...>)
+# The same program under another environment, as a test of its own.
+function(qorvane_add_test_again name suffix)
+    get_test_property(${name} TIMEOUT timeout)
+    add_test(NAME ${name}${suffix} COMMAND ${name})
+    set_tests_properties(${name}${suffix} PROPERTIES TIMEOUT ${timeout} ENVIRONMENT "${ARGN}")
+endfunction()
+
 # qorvane_quiet_generated_qml(<target>)
 # The code that Qt's QML compiler writes shadows its own arguments; our warnings are for our code.
 function(qorvane_quiet_generated_qml target)

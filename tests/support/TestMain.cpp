@@ -1,3 +1,4 @@
+#include "platform/Localization.h"
 #include "support/OrderlyEnd.h"
 #include "support/TestHome.h"
 
@@ -15,8 +16,14 @@ int main(int argc, char **argv)
         std::fputs("no temporary folder for the tests\n", stderr);
         return 1;
     }
+    // A test that is run in a language reads that one's texts; in the others a text's key stands for it.
+    const QByteArray language = qgetenv("QORVANE_TEST_LANGUAGE");
+    if (!language.isEmpty())
+        qputenv("LC_ALL", language + ".UTF-8");
     testing::InitGoogleTest(&argc, argv);
     const QGuiApplication application(argc, argv);
+    if (!language.isEmpty())
+        Qorvane::Localization::install();
     const int result = RUN_ALL_TESTS();
     // What a test left running must not meet the end of the process half-way.
     Qorvane::finishAllWork();

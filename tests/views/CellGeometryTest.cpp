@@ -1,3 +1,4 @@
+#include "platform/Localization.h"
 #include "views/GridFixture.h"
 
 #include <future>
@@ -65,7 +66,6 @@ protected:
             ++index;
         return index;
     }
-    QColor shown(QPointF place) { return window->grabWindow().pixelColor(place.toPoint()); }
 
     static bool isNear(const QColor &a, const QColor &b)
     {
@@ -81,7 +81,7 @@ protected:
         QQuickItem *const badge = itemBelow(cell(grid, index), "videoWord");
         ASSERT_TRUE(badge);
         QQuickItem *const word = badge->childItems().constFirst();
-        EXPECT_EQ(word->property("text").toString(), QStringLiteral("VIDEO"));
+        EXPECT_EQ(word->property("text").toString(), localized("VIDEO"));
         const QFont font = word->property("font").value<QFont>();
         EXPECT_EQ(font.pixelSize(), 10);
         EXPECT_EQ(font.weight(), QFont::Bold);
@@ -152,11 +152,11 @@ TEST_F(CellGeometryTest, picturesAreRoundAtTheCorners)
         QTest::mouseMove(window.get(), QPoint(5, 5));
         ASSERT_TRUE(waitUntil([&] { return thumbnail(grid, 0)->property("isLoaded").toBool(); }));
         const QPointF corner = frame(grid, 0).topLeft();
-        const QColor ground = shown(corner - QPointF(4, 4));
-        ASSERT_TRUE(waitUntil([&] { return !isNear(shown(corner + QPointF(60, 60)), ground); }));
-        EXPECT_TRUE(isNear(shown(corner + QPointF(1, 1)), ground)) << grid;
-        EXPECT_FALSE(isNear(shown(corner + QPointF(3, 3)), ground)) << grid;
-        EXPECT_FALSE(isNear(shown(corner + QPointF(12, 0)), ground)) << grid;
+        const QColor ground = shownAt(corner - QPointF(4, 4));
+        ASSERT_TRUE(waitUntil([&] { return !isNear(shownAt(corner + QPointF(60, 60)), ground); }));
+        EXPECT_TRUE(isNear(shownAt(corner + QPointF(1, 1)), ground)) << grid;
+        EXPECT_FALSE(isNear(shownAt(corner + QPointF(3, 3)), ground)) << grid;
+        EXPECT_FALSE(isNear(shownAt(corner + QPointF(12, 0)), ground)) << grid;
     }
 }
 
@@ -164,12 +164,12 @@ TEST_F(CellGeometryTest, anEmptyCellIsAGroundOfItsOwn)
 {
     holdThumbnails();
     showFolder(2);
-    EXPECT_TRUE(isNear(shown(frame("photoGrid", 0).center()), QColor(0xEC, 0xEC, 0xEF)));
+    EXPECT_TRUE(isNear(shownAt(frame("photoGrid", 0).center()), QColor(0xEC, 0xEC, 0xEF)));
     showResults({0});
     // Gray at an opacity of 0.3, on white.
     const QColor gray(0x8E, 0x8E, 0x93);
     const auto mixed = [](int channel) { return int(255 * 0.7 + channel * 0.3); };
-    EXPECT_TRUE(isNear(shown(frame("resultsGrid", 0).center() + QPointF(40, 0)),
+    EXPECT_TRUE(isNear(shownAt(frame("resultsGrid", 0).center() + QPointF(40, 0)),
                        QColor(mixed(gray.red()), mixed(gray.green()), mixed(gray.blue()))));
 }
 
@@ -192,10 +192,8 @@ TEST_F(CellGeometryTest, thePlaySymbolCastsAShadowAroundItsDisc)
     waitForFrame();
     QQuickItem *const disc = itemBelow(cell("photoGrid", 0), "videoDisc");
     const QPointF left = disc->mapToScene(QPointF(0, disc->height() / 2));
-    const QImage image = window->grabWindow();
-    // From outside to the edge.
     const auto lightness = [&](int distance) {
-        return image.pixelColor((left - QPointF(distance + 0.5, 0)).toPoint()).lightness();
+        return shownAt(left - QPointF(distance + 0.5, 0)).lightness();
     };
     const int ground = lightness(12);
     EXPECT_EQ(lightness(5), ground);

@@ -1,3 +1,4 @@
+#include "platform/Localization.h"
 #include "store/EmbeddingStore.h"
 #include "views/ContentViewFixture.h"
 
@@ -110,7 +111,7 @@ TEST_F(ContentPagesTest, withNothingSelectedAFolderIsAskedFor)
     QQuickItem *const page = item("nothingSelectedPage");
     EXPECT_EQ(iconsOn(page), QStringList{QStringLiteral("folder 56")});
     EXPECT_EQ(wordsOn(page).value(0),
-              (Words{QStringLiteral("Select a folder to view media files."), 17, QFont::DemiBold}));
+              (Words{localized("Select a folder to view media files."), 17, QFont::DemiBold}));
     EXPECT_TRUE(isInTheMiddle(page));
     EXPECT_EQ(page->childItems().constFirst()->width(), page->width() - 2 * 32);
 }
@@ -124,9 +125,9 @@ TEST_F(ContentPagesTest, anEmptyTagAnEmptyRatingAndAnEmptyFolderEachSaySo)
     ASSERT_TRUE(waitForPage(QStringLiteral("emptyPage")));
     QQuickItem *const page = item("emptyPage");
     for (const auto &[row, text] :
-         {std::pair(QStringLiteral("Empty"), QStringLiteral("No media files in this folder")),
-          std::pair(tag, QStringLiteral("该标签下没有媒体文件")),
-          std::pair(QStringLiteral("★★"), QStringLiteral("No media files with this rating"))}) {
+         {std::pair(QStringLiteral("Empty"), localized("No media files in this folder")),
+          std::pair(tag, localized("该标签下没有媒体文件")),
+          std::pair(QStringLiteral("★★"), localized("No media files with this rating"))}) {
         clickSidebar(row);
         EXPECT_TRUE(waitUntil([&] {
             return wordsOn(page) == QList<Words>{{text, 22, QFont::Normal}};
@@ -171,7 +172,7 @@ TEST_F(ContentPagesTest, aRunningSearchTurnsOverItsWords)
     click(item("searchField"));
     type(QStringLiteral("x"));
     ASSERT_TRUE(waitForPage(QStringLiteral("noResultsPage")));
-    EXPECT_EQ(words, (QList<Words>{{QStringLiteral("搜索中..."), 13, QFont::DemiBold}}));
+    EXPECT_EQ(words, (QList<Words>{{localized("搜索中..."), 13, QFont::DemiBold}}));
     EXPECT_EQ(markSize, QSizeF(30, 30));
     EXPECT_TRUE(isCentred);
 }
@@ -183,20 +184,20 @@ TEST_F(ContentPagesTest, aSearchWithoutHitsSaysSoUnderAGlass)
     ASSERT_TRUE(waitForPage(QStringLiteral("noResultsPage")));
     QQuickItem *const page = item("noResultsPage");
     EXPECT_EQ(iconsOn(page), QStringList{QStringLiteral("magnifyingglass 48")});
-    EXPECT_EQ(wordsOn(page), (QList<Words>{{QStringLiteral("没有找到匹配的图片"), 13, QFont::DemiBold},
-                                           {QStringLiteral("尝试使用不同的关键词"), 12, QFont::Normal}}));
+    EXPECT_EQ(wordsOn(page), (QList<Words>{{localized("没有找到匹配的图片"), 13, QFont::DemiBold},
+                                           {localized("尝试使用不同的关键词"), 12, QFont::Normal}}));
     EXPECT_TRUE(isInTheMiddle(page));
 }
 
 TEST_F(ContentPagesTest, theFieldSaysWhatItSearches)
 {
-    EXPECT_EQ(item("searchField")->property("placeholderText").toString(), QStringLiteral("Search Photos"));
+    EXPECT_EQ(item("searchField")->property("placeholderText").toString(), localized("Search Photos"));
 }
 
 TEST_F(ContentPagesTest, anInspectorWithoutASelectionSaysSo)
 {
     QQuickItem *const page = item("inspectorEmptyState");
     EXPECT_EQ(iconsOn(page), QStringList{QStringLiteral("photo.on.rectangle.angled 36")});
-    EXPECT_EQ(wordsOn(page), (QList<Words>{{QStringLiteral("Inspector.Empty.Title"), 15, QFont::DemiBold},
-                                           {QStringLiteral("Inspector.Empty.Subtitle"), 12, QFont::Normal}}));
+    EXPECT_EQ(wordsOn(page), (QList<Words>{{localized("Inspector.Empty.Title"), 15, QFont::DemiBold},
+                                           {localized("Inspector.Empty.Subtitle"), 12, QFont::Normal}}));
 }

@@ -1,3 +1,4 @@
+#include "platform/Localization.h"
 #include "store/EmbeddingStore.h"
 #include "support/LogCapture.h"
 #include "views/GridFixture.h"
@@ -81,7 +82,7 @@ TEST_F(SearchResultsViewTest, aQueryThatFindsNothingSaysSoUntilTheFieldIsEmptied
     type(QStringLiteral("x"));
     ASSERT_TRUE(waitUntil([&] { return item("noResultsPage")->isVisible(); }));
     EXPECT_EQ(textsBelow(item("noResultsPage")),
-              (QStringList{QStringLiteral("没有找到匹配的图片"), QStringLiteral("尝试使用不同的关键词")}));
+              (QStringList{localized("没有找到匹配的图片"), localized("尝试使用不同的关键词")}));
     EXPECT_FALSE(item("photoGrid")->isVisible());
     QTest::keyClick(window.get(), Qt::Key_Backspace);
     EXPECT_TRUE(item("photoGrid")->isVisible());
