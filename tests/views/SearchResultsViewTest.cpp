@@ -94,7 +94,8 @@ TEST_F(SearchResultsViewTest, aRunningSearchHidesTheHitsOfTheOneBefore)
     showFolder(3);
     showResults({1});
     bool wasHidden = false;
-    QObject::connect(&state, &ContentViewState::pageChanged, &state, [&] {
+    const QObject meanwhile;
+    QObject::connect(&state, &ContentViewState::pageChanged, &meanwhile, [&] {
         wasHidden = wasHidden || (item("searchingPage")->isVisible() && !item("resultsGrid")->isVisible() &&
                                   state.results()->count() == 1);
     });
