@@ -16,6 +16,7 @@ Item {
     required property int runState
     required property double progress
     required property string percent
+    required property bool isInView
 
     signal toggled
 
@@ -64,6 +65,7 @@ Item {
             runState: row.runState
             progress: row.progress
             percent: row.percent
+            isInView: row.isInView
             standsOnAccent: row.standsOut
             visible: width > 0
         }

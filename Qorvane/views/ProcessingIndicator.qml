@@ -10,6 +10,8 @@ Row {
     required property double progress
     /// The progress in words: "62%".
     required property string percent
+    /// Out of view nothing turns.
+    property bool isInView: true
     /// Stands on a selected row, where everything is drawn in one ink.
     property bool standsOnAccent: false
 
@@ -30,6 +32,7 @@ Row {
         progress: indicator.progress
         sweepDuration: Theme.ring
         color: indicator.ink
+        isInView: indicator.isInView
         Accessible.role: Accessible.ProgressBar
         Accessible.name: caption.text
     }

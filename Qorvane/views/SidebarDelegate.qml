@@ -25,6 +25,10 @@ Item {
     required property string detail
     required property string count
     required property string spoken
+    /// Asked for while it matters only: it changes with every step of a scroll.
+    required property bool isInView
+    readonly property bool isRunning: runState === SidebarListModel.Thumbnails || runState === SidebarListModel.Vectors
+    property bool isPooled: false
     readonly property bool standsOut: isSelected && hasKeys
     readonly property bool isSelectable: kind !== SidebarListModel.Header && kind !== SidebarListModel.NoTags
     readonly property string expansion: !hasChildren ? ""
@@ -35,6 +39,8 @@ Item {
     signal pointedAt
 
     implicitHeight: kind === SidebarListModel.Header ? Theme.sidebarHeaderHeight : Theme.rowHeight
+    ListView.onPooled: isPooled = true
+    ListView.onReused: isPooled = false
     Accessible.role: isSelectable ? Accessible.TreeItem
                      : kind === SidebarListModel.Header ? Accessible.Heading : Accessible.StaticText
     Accessible.name: spoken
@@ -107,6 +113,7 @@ Item {
             runState: row.runState
             progress: row.progress
             percent: row.percent
+            isInView: row.isInView && !row.isPooled
             onToggled: {
                 row.pointedAt();
                 row.sidebar.toggle(row.index);

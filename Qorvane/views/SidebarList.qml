@@ -19,6 +19,10 @@ ListView {
             positionViewAtBeginning(); // the header is above the first row
     }
 
+    function isInView(top, height) {
+        return top + height > contentY && top < contentY + list.height;
+    }
+
     function rowAt(position) {
         return indexAt(position.x, position.y + contentY);
     }
@@ -76,6 +80,7 @@ ListView {
     delegate: SidebarDelegate {
         width: (ListView.view as SidebarList).width
         sidebar: (ListView.view as SidebarList).sidebar
+        isInView: isRunning && (ListView.view as SidebarList).isInView(y, height)
         hasKeys: (ListView.view as SidebarList).hasKeys
         showsFocus: activeFocus && (ListView.view as SidebarList).keys.isVisible
         onPointedAt: (ListView.view as SidebarList).forceActiveFocus()

@@ -4,6 +4,9 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -43,6 +46,37 @@ private:
     static constexpr int scale = 8;
 
     QImage m_picture;
+};
+
+/// A ring that turns in a window.
+class RingInWindow : public testing::Test
+{
+protected:
+    RingInWindow()
+    {
+        ring.setParentItem(window.contentItem());
+        ring.setSize({16, 16});
+        ring.setSweepDuration(second);
+    }
+
+    void SetUp() override
+    {
+        window.resize(100, 100);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        ring.setProgress(0.5);
+        ASSERT_TRUE(draws());
+    }
+
+    // A few frames come whatever happens; a ring that turns draws thirty in a second.
+    bool draws(std::chrono::milliseconds patience = std::chrono::seconds(60))
+    {
+        QSignalSpy frames(&window, &QQuickWindow::frameSwapped);
+        return waitUntil([&] { return frames.count() >= 5; }, patience);
+    }
+
+    QQuickWindow window;
+    ProgressRing ring;
 };
 
 } // namespace
@@ -126,4 +160,50 @@ TEST(ProgressRing, restsWhileNobodySeesIt)
     ring.setProgress(0.9);
     EXPECT_FALSE(ring.isSweeping());
     EXPECT_EQ(ring.shownProgress(), 0.9);
+}
+
+TEST_F(RingInWindow, drawsNothingOutOfView)
+{
+    ring.setInView(false);
+    EXPECT_FALSE(draws(std::chrono::milliseconds(600)));
+    EXPECT_FALSE(ring.isSweeping());
+    ring.setProgress(0.7);
+    ring.setProgress(0.9);
+    EXPECT_FALSE(draws(std::chrono::milliseconds(600)));
+    ring.setInView(true);
+    EXPECT_TRUE(draws());
+    EXPECT_TRUE(ring.isSweeping());
+}
+
+TEST_F(RingInWindow, showsWhatHasChangedOutOfView)
+{
+    ring.setInView(false);
+    ring.setProgress(0);
+    ring.setColor(Qt::red);
+    ring.setInView(true);
+    EXPECT_EQ(ring.shownProgress(), 0);
+    EXPECT_TRUE(waitUntil([this] { return window.grabWindow().pixelColor(8, 1).red() > 200; }));
+    EXPECT_FALSE(ring.isSweeping());
+}
+
+TEST_F(RingInWindow, restsWhileItsWindowIsHidden)
+{
+    window.hide();
+    EXPECT_TRUE(waitUntil([this] { return !ring.isSweeping(); }));
+    ring.setProgress(0.8);
+    EXPECT_FALSE(ring.isSweeping());
+    window.show();
+    EXPECT_TRUE(waitUntil([this] { return ring.isSweeping(); }));
+    EXPECT_TRUE(draws());
+}
+
+TEST_F(RingInWindow, restsWhileItsWindowIsMinimised)
+{
+    window.showMinimized();
+    EXPECT_TRUE(waitUntil([this] { return !ring.isSweeping(); }));
+    EXPECT_FALSE(draws(std::chrono::milliseconds(600)));
+    window.showNormal();
+    window.update(); // as a window system asks for it
+    EXPECT_TRUE(waitUntil([this] { return ring.isSweeping(); }));
+    EXPECT_TRUE(draws());
 }

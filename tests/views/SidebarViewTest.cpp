@@ -308,6 +308,51 @@ TEST_F(SidebarViewTest, eachStateOfARunHasItsColour)
     EXPECT_FALSE(ring->isVisible());
 }
 
+TEST_F(SidebarViewTest, aRunThatIsScrolledAwayDrawsNothing)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    QStringList tags;
+    for (int i = 0; i < 50; ++i)
+        tags.append(QStringLiteral("tag %1").arg(i));
+    giveTags(tags);
+    library.setProcessing(path, FolderProcessingState::vectors, 0, std::nullopt);
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    ASSERT_TRUE(waitUntil([&] { return textsOf(photos).contains(QStringLiteral("AI Analysis 0%")); }));
+    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
+    QQuickItem *const list = item("sidebarList");
+    const auto turningRings = [list] {
+        int count = 0;
+        for (QQuickItem *const item : allBelow(list)) {
+            const auto *const ring = qobject_cast<ProgressRing *>(item);
+            count += ring && ring->isSweeping() ? 1 : 0;
+        }
+        return count;
+    };
+    ASSERT_TRUE(waitUntil([&] { return turningRings() == 1; }));
+    // Little by little: the row goes out of view, then out of the list, then into another place.
+    QSignalSpy frames(window.get(), &QQuickWindow::frameSwapped);
+    for (const int notches : {1, 3, 20}) {
+        const double before = list->property("contentY").toDouble();
+        turnWheel(list, -120 * notches);
+        ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() > before + 100; }));
+        EXPECT_TRUE(waitUntil([&] { return turningRings() == 0; })) << notches;
+    }
+    const auto end = [list] {
+        return list->property("originY").toDouble() + list->property("contentHeight").toDouble() +
+               list->property("bottomMargin").toDouble() - list->height();
+    };
+    ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() == end(); }));
+    // A ring draws thirty frames in a second; a few come from elsewhere.
+    const auto isStill = [&frames] {
+        frames.clear();
+        return !waitUntil([&frames] { return frames.count() >= 8; }, std::chrono::milliseconds(600));
+    };
+    EXPECT_TRUE(isStill() || isStill());
+    turnWheel(list, 120 * 100);
+    EXPECT_TRUE(waitUntil([&] { return turningRings() == 1; }));
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+}
+
 TEST_F(SidebarViewTest, aLongNameGivesWayToTheRun)
 {
     const QString name = QStringLiteral("A folder with a name that is much longer than the sidebar is wide");

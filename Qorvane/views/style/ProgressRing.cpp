@@ -1,6 +1,7 @@
 #include "views/style/ProgressRing.h"
 
 #include <QPainter>
+#include <QQuickWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -40,7 +41,10 @@ void ProgressRing::setProgress(double progress)
     if (isVisible() && sweepDuration() > 0 && m_progress > m_shown) {
         m_sweepStart = m_shown;
         m_sweepTime.start();
-        if (!isSweeping()) // reports that come faster than steps mustn't hold them back
+        m_isTurning = true;
+        if (!isSeen())
+            rest();
+        else if (!isSweeping()) // reports that come faster than steps mustn't hold them back
             m_sweep.start();
     } else {
         settle();
@@ -62,17 +66,65 @@ void ProgressRing::itemChange(ItemChange change, const ItemChangeData &value)
 {
     if (change == ItemVisibleHasChanged && !value.boolValue)
         settle();
+    else if (change == ItemVisibleHasChanged || change == ItemSceneChange)
+        wake();
     QQuickPaintedItem::itemChange(change, value);
+}
+
+void ProgressRing::setInView(bool isInView)
+{
+    if (m_isInView == isInView)
+        return;
+    m_isInView = isInView;
+    if (isInView)
+        wake();
+    else
+        rest();
+    Q_EMIT isInViewChanged();
+}
+
+bool ProgressRing::isSeen() const
+{
+    // A minimised window may go on being drawn.
+    return isVisible() && m_isInView &&
+           (!window() || (window()->isExposed() && window()->visibility() != QWindow::Minimized));
+}
+
+void ProgressRing::rest()
+{
+    m_sweep.stop();
+    // A window that is seen again is drawn, whatever hid it.
+    if (window() && isVisible() && m_isInView && !m_nextFrame)
+        m_nextFrame = connect(window(), &QQuickWindow::afterAnimating, this, &ProgressRing::wake);
+}
+
+void ProgressRing::wake()
+{
+    disconnect(m_nextFrame);
+    m_nextFrame = {};
+    if (!isSeen()) {
+        rest();
+        return;
+    }
+    if (m_isOutdated)
+        redraw();
+    if (m_isTurning && !isSweeping())
+        m_sweep.start();
 }
 
 void ProgressRing::sweep()
 {
+    if (!isSeen()) {
+        rest();
+        return;
+    }
     const double turn = double(m_sweepTime.elapsed() % m_sweepDuration) / m_sweepDuration;
     show(m_sweepStart + (m_progress - m_sweepStart) * turn);
 }
 
 void ProgressRing::settle()
 {
+    m_isTurning = false;
     m_sweep.stop();
     show(m_progress);
 }
@@ -80,7 +132,17 @@ void ProgressRing::settle()
 void ProgressRing::show(double progress)
 {
     m_shown = progress;
-    update();
+    redraw();
+}
+
+void ProgressRing::redraw()
+{
+    // Each time costs the window a frame.
+    m_isOutdated = !isSeen();
+    if (!m_isOutdated)
+        update();
+    else if (!isSweeping())
+        rest();
 }
 
 void ProgressRing::setColor(const QColor &color)
@@ -89,7 +151,7 @@ void ProgressRing::setColor(const QColor &color)
         return;
     m_color = color;
     Q_EMIT colorChanged();
-    update();
+    redraw();
 }
 
 double ProgressRing::drawnShare(double progress)

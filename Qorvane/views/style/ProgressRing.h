@@ -19,6 +19,8 @@ class ProgressRing : public QQuickPaintedItem
     /// again, for ever, as long as it is seen. 0 for no motion.
     Q_PROPERTY(int sweepDuration READ sweepDuration WRITE setSweepDuration NOTIFY sweepDurationChanged)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+    /// False where a view keeps it though nobody sees it: scrolled away, or waiting to be used again.
+    Q_PROPERTY(bool isInView READ isInView WRITE setInView NOTIFY isInViewChanged)
 
 public:
     explicit ProgressRing(QQuickItem *parent = nullptr);
@@ -29,6 +31,8 @@ public:
     void setSweepDuration(int milliseconds);
     QColor color() const { return m_color; }
     void setColor(const QColor &color);
+    bool isInView() const { return m_isInView; }
+    void setInView(bool isInView);
 
     /// The progress that is drawn now.
     double shownProgress() const { return m_shown; }
@@ -42,6 +46,7 @@ Q_SIGNALS:
     void progressChanged();
     void sweepDurationChanged();
     void colorChanged();
+    void isInViewChanged();
 
 protected:
     void itemChange(ItemChange change, const ItemChangeData &value) override;
@@ -50,6 +55,10 @@ private:
     void sweep();
     void show(double progress);
     void settle();
+    void redraw();
+    bool isSeen() const;
+    void rest();
+    void wake();
 
     double m_progress = 0;
     double m_shown = 0;
@@ -58,6 +67,11 @@ private:
     QElapsedTimer m_sweepTime;
     QTimer m_sweep;
     QColor m_color;
+    bool m_isInView = true;
+    // What it would do, and show, if it were seen.
+    bool m_isTurning = false;
+    bool m_isOutdated = false;
+    QMetaObject::Connection m_nextFrame;
 };
 
 } // namespace Qorvane
