@@ -21,7 +21,8 @@ Item {
         motion.wanted = position;
         motion.duration = duration;
         motion.to = Scrolling.settled(position, lowest, highest, Screen.devicePixelRatio);
-        if (motion.to !== view.contentY)
+        // An end between two pixels, where the view can't lie, is not sought for ever.
+        if (Math.abs(motion.to - view.contentY) > 0.5 / Screen.devicePixelRatio)
             motion.start();
     }
 
