@@ -38,8 +38,7 @@ class ChineseClipService : public QObject
 public:
     /// Loads nothing yet.
     explicit ChineseClipService(QObject *parent = nullptr);
-    /// Waits for the runs that are at work. Operations still under way then end without a result, once the
-    /// event loop gets to them.
+    /// Waits for nothing. Operations still under way end without a result, once the event loop gets to them.
     ~ChineseClipService() override;
 
     /// Whether both encoders are there. Never becomes false again.

@@ -3,6 +3,7 @@
 #include "views/ContentViewState.h"
 #include "views/PictureProvider.h"
 #include "views/ThumbnailProvider.h"
+#include "views/ThumbnailQueue.h"
 #include "views/style/IconProvider.h"
 #include "views/style/ShadowProvider.h"
 
@@ -27,9 +28,16 @@ void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnai
                             std::make_unique<IconProvider>().release());
     engine.addImageProvider(QString::fromLatin1(ShadowProvider::providerId),
                             std::make_unique<ShadowProvider>().release());
+    auto pictures = std::make_unique<PictureProvider>();
+    // While the engine's reader, whose thread ends with the engine, can still be told of an answer.
+    QObject::connect(&engine, &QObject::destroyed,
+                     [thumbnailQueue = thumbnails->queue(), pictureQueues = pictures->queues()] {
+                         thumbnailQueue->close();
+                         for (const std::shared_ptr<ThumbnailQueue> &queue : pictureQueues)
+                             queue->close();
+                     });
     engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId), thumbnails.release());
-    engine.addImageProvider(QString::fromLatin1(PictureProvider::providerId),
-                            std::make_unique<PictureProvider>().release());
+    engine.addImageProvider(QString::fromLatin1(PictureProvider::providerId), pictures.release());
 }
 
 std::unique_ptr<QQuickWindow> makeContentWindow(QQmlEngine &engine, ContentViewState &state)

@@ -66,7 +66,7 @@ QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, co
     response->setTicket(
         queue->add(request->path, [load = m_load, slot = response->slot(), request = *request, maxPixelSize] {
             const QImage picture = load(request.kind, request.path, maxPixelSize);
-            slot->deliver(picture.isNull() ? clearPixel() : picture);
+            return [slot, picture = picture.isNull() ? clearPixel() : picture] { slot->deliver(picture); };
         }));
     return response.release();
 }

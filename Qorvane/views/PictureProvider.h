@@ -6,6 +6,7 @@
 #include <QQuickAsyncImageProvider>
 #include <QString>
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -31,6 +32,8 @@ public:
 
     /// A file without a picture gets a single clear pixel, as thumbnails do.
     QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
+
+    std::array<std::shared_ptr<ThumbnailQueue>, 2> queues() const { return {m_thumbnails, m_fullPictures}; }
 
     /// Reads the file, or the cache of thumbnails. Blocks; any thread but the GUI's.
     static QImage loadPicture(Kind kind, const QString &path, int maxPixelSize);

@@ -61,7 +61,7 @@ QQuickImageResponse *ThumbnailProvider::requestImageResponse(const QString &id, 
         m_queue->add(request->path, [load = m_load, slot = response->slot(), path = request->path, size,
                                      radius = request->radius * scale] {
             const QImage cell = fittedThumbnail(load(path), size, radius);
-            slot->deliver(cell.isNull() ? clearPixel() : cell);
+            return [slot, cell = cell.isNull() ? clearPixel() : cell] { slot->deliver(cell); };
         }));
     return response.release();
 }

@@ -32,6 +32,8 @@ public:
     /// for every broken file of the user's.
     QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
 
+    const std::shared_ptr<ThumbnailQueue> &queue() const { return m_queue; }
+
     /// Reads the cache of thumbnails, or makes the thumbnail. Blocks; any thread but the GUI's.
     static QImage loadThumbnail(const QString &path);
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/LeavablePool.h"
+
 #include <QSet>
 #include <QString>
-#include <QThreadPool>
 
 #include <functional>
-#include <mutex>
-#include <vector>
+#include <memory>
 
 namespace Qorvane {
 
@@ -16,19 +16,26 @@ namespace Qorvane {
 class ThumbnailQueue
 {
 public:
-    /// `work` runs on a thread of the queue's.
-    using Work = std::function<void()>;
+    /// Makes what is to be delivered, on a thread of the queue's, and owns all that it uses: it may outlive
+    /// the queue. Nothing is delivered where it returns nothing.
+    using Delivery = std::function<void()>;
+    using Work = std::function<Delivery()>;
     using Ticket = quint64;
 
     /// `threadCount` pieces of work run at the same time.
     explicit ThumbnailQueue(int threadCount);
-    /// Drops what waits, and waits for what runs.
+    /// Closes it.
     ~ThumbnailQueue();
     ThumbnailQueue(const ThumbnailQueue &) = delete;
     ThumbnailQueue &operator=(const ThumbnailQueue &) = delete;
 
-    /// Queues `work` for the file at `path`.
+    /// Queues `work` for the file at `path`. Dropped when the queue is closed.
     Ticket add(const QString &path, Work work);
+
+    /// Drops what waits, and what running work makes is never delivered: nothing of it reaches anybody once
+    /// this has returned. Doesn't wait for the work, which may be at a file on a drive that no longer
+    /// answers.
+    void close();
 
     /// Takes the work back; false when it has begun, or is done.
     bool drop(Ticket ticket);
@@ -37,21 +44,9 @@ public:
     void setVisiblePaths(const QSet<QString> &paths);
 
 private:
-    struct Entry
-    {
-        Ticket ticket;
-        QString path;
-        Work work;
-    };
-
-    void runNext();
-    Work takeNext();
-
-    std::mutex m_mutex;
-    std::vector<Entry> m_waiting; // in the order asked for
-    QSet<QString> m_visiblePaths;
-    Ticket m_lastTicket = 0;
-    QThreadPool m_pool; // last: its threads use all of the above
+    class Desk;
+    const std::shared_ptr<Desk> m_desk; // running work outlives the queue with it
+    LeavablePool m_threads;
 };
 
 } // namespace Qorvane

@@ -19,8 +19,8 @@ void ThumbnailResponse::Slot::forgetResponse()
     m_response = nullptr;
 }
 
-ThumbnailResponse::ThumbnailResponse(std::shared_ptr<ThumbnailQueue> queue)
-    : m_queue(std::move(queue))
+ThumbnailResponse::ThumbnailResponse(const std::shared_ptr<ThumbnailQueue> &queue)
+    : m_queue(queue)
     , m_slot(std::make_shared<Slot>(this))
 {
 }
@@ -28,7 +28,7 @@ ThumbnailResponse::ThumbnailResponse(std::shared_ptr<ThumbnailQueue> queue)
 ThumbnailResponse::~ThumbnailResponse()
 {
     m_slot->forgetResponse();
-    m_queue->drop(m_ticket);
+    dropWork();
 }
 
 QQuickTextureFactory *ThumbnailResponse::textureFactory() const
@@ -38,8 +38,14 @@ QQuickTextureFactory *ThumbnailResponse::textureFactory() const
 
 void ThumbnailResponse::cancel()
 {
-    if (m_queue->drop(m_ticket))
+    if (dropWork())
         finishLater();
+}
+
+bool ThumbnailResponse::dropWork()
+{
+    const std::shared_ptr<ThumbnailQueue> queue = m_queue.lock();
+    return queue && queue->drop(m_ticket);
 }
 
 void ThumbnailResponse::finishLater()

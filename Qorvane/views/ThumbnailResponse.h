@@ -35,7 +35,7 @@ public:
         ThumbnailResponse *m_response;
     };
 
-    explicit ThumbnailResponse(std::shared_ptr<ThumbnailQueue> queue);
+    explicit ThumbnailResponse(const std::shared_ptr<ThumbnailQueue> &queue);
     ~ThumbnailResponse() override;
 
     /// For the worker.
@@ -48,8 +48,10 @@ public:
 
 private:
     void finishLater();
+    bool dropWork();
 
-    std::shared_ptr<ThumbnailQueue> m_queue;
+    // Not owned: the engine never deletes a response that wasn't answered when it went.
+    std::weak_ptr<ThumbnailQueue> m_queue;
     std::shared_ptr<Slot> m_slot;
     ThumbnailQueue::Ticket m_ticket = 0;
     QImage m_picture;

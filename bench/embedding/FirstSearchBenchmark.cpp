@@ -1,5 +1,6 @@
 #include "app/FirstSearch.h"
 #include "platform/Log.h"
+#include "support/OrderlyEnd.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,5 +59,7 @@ int main(int argc, char **argv)
     Qorvane::Log::setSink([](const QString &) {});
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
+    // Pictures and tags that were asked for may be in work yet.
+    Qorvane::finishAllWork();
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "platform/DetachedTask.h"
 #include "platform/GlobalQueue.h"
+#include "platform/LeavablePool.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -14,10 +15,11 @@ void finishAllWork()
     do {
         DetachedTask::waitUntilIdle();
         GlobalQueue::waitUntilIdle();
+        LeavablePool::waitUntilIdle();
         // Only what is queued, and no timers: those may be for what a test had on its stack.
         QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    } while (!DetachedTask::isIdle() || !GlobalQueue::isIdle());
+    } while (!DetachedTask::isIdle() || !GlobalQueue::isIdle() || !LeavablePool::isIdle());
 }
 
 } // namespace Qorvane

@@ -25,7 +25,10 @@ protected:
         isHeld = true;
         const std::shared_future<void> isOpen = gate.get_future().share();
         for (int thread = 0; thread < 2; ++thread)
-            thumbnails->add(QStringLiteral("gate"), [isOpen] { isOpen.wait(); });
+            thumbnails->add(QStringLiteral("gate"), [isOpen] {
+                isOpen.wait();
+                return ThumbnailQueue::Delivery();
+            });
     }
 
     // A folder with a video, whose cell is the first, before so many pictures.

@@ -589,7 +589,10 @@ TEST_F(PhotoGridTest, marksTurnInViewOnly)
     std::promise<void> gate;
     const std::shared_future<void> isOpen = gate.get_future().share();
     for (int thread = 0; thread < 2; ++thread)
-        thumbnails->add(QStringLiteral("gate"), [isOpen] { isOpen.wait(); });
+        thumbnails->add(QStringLiteral("gate"), [isOpen] {
+            isOpen.wait();
+            return ThumbnailQueue::Delivery();
+        });
     showFolder(60);
     int below = 0;
     while (isInView("photoGrid", below))

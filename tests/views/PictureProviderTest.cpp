@@ -1,5 +1,6 @@
 #include "views/PictureProvider.h"
 
+#include "platform/LeavablePool.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 
@@ -51,6 +52,7 @@ Asked askedFor(const QString &source, QSize size)
     const std::unique_ptr<QQuickImageResponse> response(provider.requestImageResponse(id, size));
     EXPECT_EQ(answerOf(*response).size(), QSize(4, 3));
     EXPECT_NE(thread.load(), QThread::currentThread());
+    LeavablePool::waitUntilIdle();
     return asked;
 }
 

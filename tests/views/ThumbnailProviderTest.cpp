@@ -1,5 +1,6 @@
 #include "views/ThumbnailProvider.h"
 
+#include "platform/LeavablePool.h"
 #include "support/Waiting.h"
 #include "views/ThumbnailQueue.h"
 #include "views/ThumbnailUrl.h"
@@ -30,6 +31,15 @@ QImage halves(QSize size, QColor left, QColor right)
     }
     return image;
 }
+
+/// Declared after what work uses of a test's: neither queue nor provider wait for it.
+struct EndOfWork
+{
+    EndOfWork() = default;
+    ~EndOfWork() { LeavablePool::waitUntilIdle(); }
+    EndOfWork(const EndOfWork &) = delete;
+    EndOfWork &operator=(const EndOfWork &) = delete;
+};
 
 const ThumbnailRequest request{QStringLiteral("/photos/旅行/100% a#b?.jpg"), QSize(200, 200), 8, 3};
 
@@ -84,6 +94,7 @@ TEST(ThumbnailProvider, loadsOffTheCallersThreadAndFinishes)
 {
     std::atomic<QThread *> thread = nullptr;
     QString loadedPath;
+    const EndOfWork end;
     ThumbnailProvider provider(std::make_shared<ThumbnailQueue>(1), [&](const QString &path) {
         thread = QThread::currentThread();
         loadedPath = path;
@@ -119,6 +130,7 @@ TEST(ThumbnailProvider, aCancelledRequestIsNotLoadedButFinishes)
     std::promise<void> gate;
     std::promise<void> held;
     std::atomic_int loads = 0;
+    const EndOfWork end;
     auto queue = std::make_shared<ThumbnailQueue>(1);
     ThumbnailProvider provider(queue, [&loads](const QString &) {
         ++loads;
@@ -127,6 +139,7 @@ TEST(ThumbnailProvider, aCancelledRequestIsNotLoadedButFinishes)
     queue->add(QStringLiteral("gate"), [&] {
         held.set_value();
         gate.get_future().wait();
+        return ThumbnailQueue::Delivery();
     });
     held.get_future().wait();
     const std::unique_ptr<QQuickImageResponse> response(
@@ -143,6 +156,7 @@ TEST(ThumbnailProvider, aResponseMayGoBeforeItsPicture)
     std::promise<void> gate;
     std::promise<void> held;
     std::atomic_bool isDelivered = false;
+    const EndOfWork end;
     auto queue = std::make_shared<ThumbnailQueue>(1);
     ThumbnailProvider provider(queue, [&](const QString &) {
         held.set_value();
@@ -153,7 +167,10 @@ TEST(ThumbnailProvider, aResponseMayGoBeforeItsPicture)
         provider.requestImageResponse(request.toId(), QSize(200, 200)));
     held.get_future().wait();
     response.reset();
-    queue->add(QStringLiteral("after"), [&isDelivered] { isDelivered = true; });
+    queue->add(QStringLiteral("after"), [&isDelivered] {
+        isDelivered = true;
+        return ThumbnailQueue::Delivery();
+    });
     gate.set_value();
     EXPECT_TRUE(waitUntil([&] { return isDelivered.load(); }));
 }

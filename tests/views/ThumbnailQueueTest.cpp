@@ -1,5 +1,7 @@
 #include "views/ThumbnailQueue.h"
 
+#include "platform/LeavablePool.h"
+
 #include <gtest/gtest.h>
 
 #include <condition_variable>
@@ -17,16 +19,20 @@ class ThumbnailQueueTest : public testing::Test
 protected:
     ThumbnailQueueTest()
     {
-        std::promise<void> held;
-        std::future<void> isHeld = held.get_future();
-        queue->add(QStringLiteral("gate"), [this, &held] {
+        queue->add(QStringLiteral("gate"), [this] {
             held.set_value();
             gate.get_future().wait();
+            return [this] { isDelivered = true; };
         });
-        isHeld.wait();
+        held.get_future().wait();
     }
 
-    ~ThumbnailQueueTest() override { open(); }
+    ~ThumbnailQueueTest() override
+    {
+        open();
+        // The queue doesn't wait for its work, which uses this.
+        LeavablePool::waitUntilIdle();
+    }
 
     ThumbnailQueue::Ticket add(const QString &path)
     {
@@ -34,6 +40,7 @@ protected:
             const std::scoped_lock lock(mutex);
             done.append(path);
             changed.notify_all();
+            return ThumbnailQueue::Delivery();
         });
     }
 
@@ -52,8 +59,10 @@ protected:
         return done;
     }
 
+    std::promise<void> held;
     std::promise<void> gate;
     bool isOpen = false;
+    bool isDelivered = false;
     std::mutex mutex;
     std::condition_variable changed;
     QStringList done;
@@ -90,4 +99,32 @@ TEST_F(ThumbnailQueueTest, dropsWorkBeforeItsTurn)
     EXPECT_FALSE(queue->drop(dead));
     expected = 1;
     EXPECT_EQ(runToTheEnd(), QStringList{QStringLiteral("alive")});
+}
+
+TEST_F(ThumbnailQueueTest, deliversWhatWasMade)
+{
+    open();
+    LeavablePool::waitUntilIdle();
+    EXPECT_TRUE(isDelivered);
+}
+
+TEST_F(ThumbnailQueueTest, goesWithoutWaitingForWorkThatHangs)
+{
+    add(QStringLiteral("never"));
+    queue.reset();
+    open();
+    LeavablePool::waitUntilIdle();
+    EXPECT_TRUE(done.isEmpty());
+    EXPECT_FALSE(isDelivered);
+}
+
+TEST_F(ThumbnailQueueTest, onceClosedDeliversNothingAndTakesNothing)
+{
+    add(QStringLiteral("never"));
+    queue->close();
+    add(QStringLiteral("late"));
+    open();
+    LeavablePool::waitUntilIdle();
+    EXPECT_TRUE(done.isEmpty());
+    EXPECT_FALSE(isDelivered);
 }

@@ -3,6 +3,7 @@
 #include "media/ThumbnailPaths.h"
 #include "platform/DetachedTask.h"
 #include "platform/Languages.h"
+#include "platform/LeavablePool.h"
 #include "store/EmbeddingStore.h"
 
 #include <QColor>
@@ -30,7 +31,8 @@ ClipTest::ClipTest()
 ClipTest::~ClipTest()
 {
     Languages::endOverrideForTests();
-    // A service that went may have left the store at work.
+    // A service that went may have left work behind.
+    LeavablePool::waitUntilIdle();
     DetachedTask::waitUntilIdle();
 }
 

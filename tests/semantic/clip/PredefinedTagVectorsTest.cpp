@@ -292,6 +292,20 @@ TEST_F(PredefinedTagVectorsTest, aServiceThatGoesMeanwhileEndsIt)
     EXPECT_EQ(log.lines().constLast(), summary(5, 5, 0));
 }
 
+TEST_F(PredefinedTagVectorsTest, aServiceThatGoesDoesNotWaitForATextInWork)
+{
+    const PredefinedTagsOverride tags({blue, green});
+    TextEncoderGate gate;
+    service = std::make_unique<ChineseClipService>();
+    auto loading = service->ensureModelsLoaded();
+    EXPECT_TRUE(waitUntil([&gate] { return gate.isReached(); }));
+    service.reset();
+    gate.open();
+    await(std::move(loading));
+    EXPECT_TRUE(log.linesStartingWith(encodedPrefix).isEmpty());
+    EXPECT_EQ(store().getTagVectorCount(), 0);
+}
+
 TEST_F(PredefinedTagVectorsTest, aServiceThatGoesWhileTheStoreCleansUpEndsIt)
 {
     const PredefinedTagsOverride tags({blue});

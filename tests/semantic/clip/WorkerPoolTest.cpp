@@ -7,7 +7,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <memory>
 #include <semaphore>
+#include <stdexcept>
 
 using namespace Qorvane;
 
@@ -42,4 +44,32 @@ TEST(WorkerPool, doesNotInheritTheWeightOfTheThreadThatAsks)
     done.acquire();
     EXPECT_EQ(asking, 19);
     EXPECT_EQ(working, currentNiceness());
+}
+
+TEST(WorkerPool, mayGoWhileItsWorkHangs)
+{
+    auto pool = std::make_unique<WorkerPool>(QualityOfService::userInitiated, 1);
+    std::binary_semaphore held(0);
+    std::binary_semaphore release(0);
+    const QFuture<int> running = pool->run([&] {
+        held.release();
+        release.acquire();
+        return 1;
+    });
+    const QFuture<int> waiting = pool->run([] { return 2; });
+    held.acquire();
+    pool.reset();
+    EXPECT_TRUE(waiting.isFinished());
+    EXPECT_EQ(waiting.result(), 0);
+    EXPECT_FALSE(running.isFinished());
+    release.release();
+    EXPECT_EQ(running.result(), 1);
+}
+
+TEST(WorkerPool, handsOnWhatItsWorkThrows)
+{
+    WorkerPool pool(QualityOfService::userInitiated, 1);
+    QFuture<int> future = pool.run([]() -> int { throw std::runtime_error("no"); });
+    EXPECT_THROW(future.result(), std::runtime_error);
+    pool.run([] {}).waitForFinished(); // which goes on working
 }
