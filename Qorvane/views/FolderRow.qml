@@ -11,7 +11,7 @@ Item {
     required property bool hasChildren
     required property bool isExpanded
     /// Everything in it is drawn in one ink.
-    required property bool standsOut
+    required property bool isSelected
     required property bool isFavorite
     required property int runState
     required property double progress
@@ -25,7 +25,7 @@ Item {
         x: Theme.unit + 2 + row.depth * Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
         isExpanded: row.isExpanded
-        ink: row.standsOut ? Theme.accentInk : Theme.secondaryText
+        ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
         visible: row.hasChildren
         onClicked: row.toggled()
     }
@@ -37,7 +37,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         name: "folder"
         size: 16
-        color: row.standsOut ? Theme.accentInk : Theme.accent
+        color: row.isSelected ? Theme.accentInk : Theme.accent
     }
 
     Label {
@@ -47,7 +47,7 @@ Item {
         anchors.rightMargin: marks.width > 0 ? 4 : 0
         anchors.verticalCenter: parent.verticalCenter
         text: row.name
-        color: row.standsOut ? Theme.accentInk : Theme.text
+        color: row.isSelected ? Theme.accentInk : Theme.text
         Accessible.ignored: true
     }
 
@@ -66,7 +66,7 @@ Item {
             progress: row.progress
             percent: row.percent
             isInView: row.isInView
-            standsOnAccent: row.standsOut
+            standsOnAccent: row.isSelected
             visible: width > 0
         }
 
@@ -75,7 +75,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             name: "star.fill"
             size: 13
-            color: row.standsOut ? Theme.accentInk : Theme.star
+            color: row.isSelected ? Theme.accentInk : Theme.star
             visible: row.isFavorite
         }
     }

@@ -8,8 +8,6 @@ Row {
     required property string stars
     required property string count
     required property bool isSelected
-    /// Everything in it is drawn in one ink.
-    required property bool standsOut
 
     leftPadding: 24
     spacing: Theme.unit
@@ -19,7 +17,7 @@ Row {
         text: row.stars
         font.pixelSize: Theme.subheadlineSize
         font.letterSpacing: 2
-        color: row.standsOut ? Theme.accentInk : Theme.text
+        color: row.isSelected ? Theme.accentInk : Theme.text
         Accessible.ignored: true
     }
 
@@ -27,7 +25,7 @@ Row {
         objectName: "count"
         anchors.verticalCenter: parent.verticalCenter
         text: row.count
-        color: row.standsOut ? Theme.accentInk : row.isSelected ? Theme.text : Theme.secondaryText
+        color: row.isSelected ? Theme.accentInk : Theme.secondaryText
         Accessible.ignored: true
     }
 }

@@ -8,8 +8,6 @@ Item {
     id: row
 
     required property Sidebar sidebar
-    /// The sidebar's rather than another column's keys: the selected row stands out then.
-    required property bool hasKeys
     required property bool showsFocus
     required property int index
     required property int kind
@@ -29,7 +27,6 @@ Item {
     required property bool isInView
     readonly property bool isRunning: runState === SidebarListModel.Thumbnails || runState === SidebarListModel.Vectors
     property bool isPooled: false
-    readonly property bool standsOut: isSelected && hasKeys
     readonly property bool isSelectable: kind !== SidebarListModel.Header && kind !== SidebarListModel.NoTags
     readonly property string expansion: !hasChildren ? ""
                                         : isExpanded ? qsTranslate("Qorvane", "Expanded")
@@ -57,11 +54,10 @@ Item {
         width: row.width - 2 * Theme.unit
         height: row.height
         radius: Theme.rowRadius
-        color: row.standsOut ? Theme.accentFill
-               : row.isSelected ? Theme.restingSelection
+        color: row.isSelected ? Theme.accentFill
                : !row.isSelectable ? "transparent"
                : tap.pressed ? Theme.pressed : hover.hovered ? Theme.hover : "transparent"
-        border.width: row.showsFocus && !row.standsOut ? 2 : 0
+        border.width: row.showsFocus && !row.isSelected ? 2 : 0
         border.color: Theme.accent
 
         Rectangle {
@@ -71,7 +67,7 @@ Item {
             color: "transparent"
             border.width: 1.5
             border.color: Theme.accentInk
-            visible: row.showsFocus && row.standsOut
+            visible: row.showsFocus && row.isSelected
         }
     }
 
@@ -108,7 +104,7 @@ Item {
             depth: row.depth
             hasChildren: row.hasChildren
             isExpanded: row.isExpanded
-            standsOut: row.standsOut
+            isSelected: row.isSelected
             isFavorite: row.isFavorite
             runState: row.runState
             progress: row.progress
@@ -126,7 +122,6 @@ Item {
             stars: row.name
             count: row.count
             isSelected: row.isSelected
-            standsOut: row.standsOut
         }
 
         TagRow {
@@ -135,7 +130,6 @@ Item {
             name: row.name
             count: row.count
             isSelected: row.isSelected
-            standsOut: row.standsOut
         }
     }
 

@@ -9,7 +9,6 @@ ListView {
 
     required property Sidebar sidebar
     required property KeyboardFocus keys
-    readonly property bool hasKeys: keys.isWithin(keys.holder, list)
 
     function showCurrentRow() {
         scrolling.stop();
@@ -81,7 +80,6 @@ ListView {
         width: (ListView.view as SidebarList).width
         sidebar: (ListView.view as SidebarList).sidebar
         isInView: isRunning && (ListView.view as SidebarList).isInView(y, height)
-        hasKeys: (ListView.view as SidebarList).hasKeys
         showsFocus: activeFocus && (ListView.view as SidebarList).keys.isVisible
         onPointedAt: (ListView.view as SidebarList).forceActiveFocus()
     }

@@ -8,8 +8,6 @@ Item {
     required property string name
     required property string count
     required property bool isSelected
-    /// Everything in it is drawn in one ink.
-    required property bool standsOut
 
     Icon {
         id: icon
@@ -18,7 +16,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         name: "tag"
         size: 16
-        color: row.standsOut ? Theme.accentInk : Theme.accent
+        color: row.isSelected ? Theme.accentInk : Theme.accent
     }
 
     Label {
@@ -28,7 +26,7 @@ Item {
         width: Math.min(implicitWidth, row.width - Theme.contentPadding - count.width - x)
         anchors.verticalCenter: parent.verticalCenter
         text: row.name
-        color: row.standsOut ? Theme.accentInk : Theme.text
+        color: row.isSelected ? Theme.accentInk : Theme.text
         Accessible.ignored: true
     }
 
@@ -39,7 +37,7 @@ Item {
         x: name.x + name.width
         anchors.verticalCenter: parent.verticalCenter
         text: row.count === "" ? "" : "(" + row.count + ")"
-        color: row.standsOut ? Theme.accentInk : row.isSelected ? Theme.text : Theme.secondaryText
+        color: row.isSelected ? Theme.accentInk : Theme.secondaryText
         Accessible.ignored: true
     }
 }

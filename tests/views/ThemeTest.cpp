@@ -97,7 +97,7 @@ TEST_P(ThemeTest, theCaptionsOfProgressCanBeReadOnEveryStateOfTheirRow)
     ASSERT_TRUE(theme);
     for (const char *ink : {"orange", "blue"}) {
         EXPECT_GE(contrast(color(ink), color("sidebar")), 4.5) << ink;
-        for (const char *veil : {"hover", "pressed", "restingSelection"})
+        for (const char *veil : {"hover", "pressed"})
             EXPECT_GE(contrast(color(ink), laidOver(color("sidebar"), color(veil))), 4.5)
                 << ink << " on a row with " << veil;
     }
@@ -107,18 +107,8 @@ TEST_P(ThemeTest, theCheckMarkOfAFinishedRunIsSeenOnEveryStateOfItsRow)
 {
     ASSERT_TRUE(theme);
     EXPECT_GE(contrast(color("green"), color("sidebar")), 3);
-    for (const char *veil : {"hover", "pressed", "restingSelection"})
+    for (const char *veil : {"hover", "pressed"})
         EXPECT_GE(contrast(color("green"), laidOver(color("sidebar"), color(veil))), 3) << veil;
-}
-
-TEST_P(ThemeTest, aSelectionWithoutTheKeysIsSeenAndCanBeRead)
-{
-    ASSERT_TRUE(theme);
-    const QColor ground = laidOver(color("sidebar"), color("restingSelection"));
-    EXPECT_GE(contrast(color("text"), ground), 4.5);
-    EXPECT_GE(contrast(color("accent"), ground), 3);
-    EXPECT_GE(contrast(ground, color("sidebar")), 1.2);
-    EXPECT_GE(contrast(ground, color("accentFill")), 2);
 }
 
 TEST_P(ThemeTest, whatTakesAwayKeepsItsContrastInAMenu)

@@ -24,8 +24,6 @@ QtObject {
     /// One of the layers that a soft shadow is made of.
     readonly property color shadow: isDark ? "#07000000" : "#03000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
-    /// What is selected in a list while another has the keys.
-    readonly property color restingSelection: isDark ? "#1FFFFFFF" : "#1A000000"
 
     // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons, hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
