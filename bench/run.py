@@ -97,6 +97,8 @@ PROGRAMS = {
         Figure("folder of 50,000, cached: first thumbnail", "folder_50000_first_ms", None, " ms"),
         Figure("typing a query: longest frame", "typing_longest_ms", 16, " ms"),
         Figure("emptying the field: longest frame", "emptying_longest_ms", 16, " ms"),
+        Figure("first arrow key in 50,000: its frame", "first_arrow_ms", None, " ms"),
+        Figure("arrow held at row 49,000: longest frame", "arrows_longest_ms", FRAME, " ms"),
     ]),
     "start": ("window/StartBenchmark", [
         Figure("start to first painted window, 50,000 rows", "start_painted_ms", 700, " ms"),

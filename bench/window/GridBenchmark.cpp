@@ -1,6 +1,7 @@
 // The window with a folder of 50,000 photographs: how long a frame takes while the whole list scrolls by, and
-// what memory that leaves; how soon a folder shows its first thumbnails; how long a key in the search field
-// holds the frames up. On the software scene graph, in a window of 1440 by 900.
+// what memory that leaves; how soon a folder shows its first thumbnails; how long a key in the search field,
+// or an arrow key held in the grid, holds the frames up. On the software scene graph, in a window of 1440 by
+// 900.
 
 #include "encoders/TestEncoders.h"
 #include "library/QorManage.h"
@@ -207,6 +208,36 @@ void keyHoldsFramesUp(benchmark::State &state)
     }
 }
 
+void heldArrowHoldsFramesUp(benchmark::State &state)
+{
+    constexpr int farRow = 49'000;
+    constexpr int keyCount = 60; // two seconds of a keyboard's repetition
+    Stage &stage = Stage::shared();
+    stage.show(mediumCount);
+    stage.show(largeCount);
+    stage.item("photoGrid")->forceActiveFocus();
+    for (auto step : state) {
+        const auto press = [&](int) { QTest::keyClick(&stage.window(), Qt::Key_Down); };
+        stage.frames().clear();
+        // The first one looks the list up.
+        stage.frames().run(1, press);
+        state.counters["first_arrow_ms"] = stage.frames().longest();
+        state.counters["first_arrow_ms_cpu"] = stage.frames().longestOnProcessor();
+        stage.state().photos()->selectAlone(farRow);
+        stage.frames().run(1, press);
+        stage.frames().runUntil([&] { return stage.areThumbnailsShown(Stage::allOf); });
+        stage.frames().clear();
+        for (int key = 0; key < keyCount; ++key) {
+            stage.frames().run(1, press);
+            stage.frames().run(1, [](int) {});
+        }
+        const double longest = stage.frames().longest();
+        state.SetIterationTime(longest / 1e3);
+        state.counters["arrows_longest_ms"] = longest;
+        state.counters["arrows_longest_ms_cpu"] = stage.frames().longestOnProcessor();
+    }
+}
+
 BENCHMARK(wholeListScrolls)->Unit(benchmark::kMillisecond)->Iterations(1)->UseManualTime()->Arg(5)->Arg(60);
 BENCHMARK(folderShowsThumbnails)
     ->Unit(benchmark::kMillisecond)
@@ -215,6 +246,7 @@ BENCHMARK(folderShowsThumbnails)
     ->Arg(mediumCount)
     ->Arg(largeCount);
 BENCHMARK(keyHoldsFramesUp)->Unit(benchmark::kMillisecond)->Iterations(1)->UseManualTime();
+BENCHMARK(heldArrowHoldsFramesUp)->Unit(benchmark::kMillisecond)->Iterations(1)->UseManualTime();
 
 } // namespace
 
