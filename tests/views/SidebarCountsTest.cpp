@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 
 using namespace Qorvane;
 
@@ -109,18 +110,21 @@ TEST(SidebarCounts, leaveTheStoreToOthersWhileChangesGoOn)
 
 TEST(SidebarCounts, aReadThatOutlivesThemIsDropped)
 {
-    QSemaphore mayEnd;
-    std::atomic_int reads = 0;
+    // What the read uses may outlive this test too.
+    const auto mayEnd = std::make_shared<QSemaphore>();
+    const auto reads = std::make_shared<std::atomic_int>(0);
     {
-        SidebarCounts counts([&] {
-            ++reads;
-            mayEnd.acquire();
+        SidebarCounts counts([mayEnd, reads] {
+            ++*reads;
+            mayEnd->acquire();
             return beaches(1);
         });
         counts.refresh();
-        ASSERT_TRUE(waitUntil([&reads] { return reads == 1; }));
+        ASSERT_TRUE(waitUntil([&reads] { return *reads == 1; }));
     }
-    mayEnd.release();
+    mayEnd->release();
+    // The read alone still holds them.
+    ASSERT_TRUE(waitUntil([&mayEnd] { return mayEnd.use_count() == 1; }));
     drainMainQueue();
 }
 
