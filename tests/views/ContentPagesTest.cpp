@@ -2,8 +2,6 @@
 #include "store/EmbeddingStore.h"
 #include "views/ContentViewFixture.h"
 
-#include <algorithm>
-
 using namespace Qorvane;
 
 namespace {
@@ -88,16 +86,6 @@ protected:
         const QPointF middle = column->mapToItem(page, QPointF(column->width() / 2, column->height() / 2));
         return std::abs(middle.x() - page->width() / 2) <= 1 &&
                std::abs(middle.y() - page->height() / 2) <= 1;
-    }
-
-    void clickSidebar(const QString &name)
-    {
-        const QList<SidebarRow> rows = state.sidebar()->rows()->rows();
-        const auto match =
-            std::ranges::find_if(rows, [&](const SidebarRow &row) { return row.name == name; });
-        ASSERT_NE(match, rows.cend()) << qPrintable(name);
-        waitForFrame();
-        click(cell("sidebarList", int(match - rows.cbegin())));
     }
 
     const QString tag = QStringLiteral("Beach");

@@ -23,6 +23,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -92,6 +93,17 @@ protected:
         QWheelEvent event(place, window->mapToGlobal(place), {}, QPoint(0, angle), Qt::NoButton, {},
                           Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(window.get(), &event);
+    }
+
+    // Clicks the first row of that name in the sidebar.
+    void clickSidebar(const QString &name)
+    {
+        const QList<SidebarRow> rows = state.sidebar()->rows()->rows();
+        const auto match =
+            std::ranges::find_if(rows, [&](const SidebarRow &row) { return row.name == name; });
+        ASSERT_NE(match, rows.cend()) << qPrintable(name);
+        waitForFrame();
+        click(cell("sidebarList", int(match - rows.cbegin())));
     }
 
     // Draws up what lies at the middle of `target`, as far as it can.

@@ -26,16 +26,6 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return library.allTags().size() == tags.size(); }));
     }
 
-    void clickSidebar(const QString &name)
-    {
-        const QList<SidebarRow> rows = state.sidebar()->rows()->rows();
-        const auto match =
-            std::ranges::find_if(rows, [&](const SidebarRow &row) { return row.name == name; });
-        ASSERT_NE(match, rows.cend()) << qPrintable(name);
-        waitForFrame();
-        click(cell("sidebarList", int(match - rows.cbegin())));
-    }
-
     QStringList shownHits() const
     {
         QStringList names;
