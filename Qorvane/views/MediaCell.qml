@@ -1,9 +1,8 @@
 import QtQuick
-import QorvaneStyle
 import QorvaneViews
 
-/// A cell of a grid: a file's picture with its marks, and the gestures on it. What stands below the picture is the
-/// cell's own.
+/// A cell of a grid: a file's picture with its marks. What stands below the picture is the cell's own; the gestures
+/// on it are CellPointer's. Each scroll makes many, so it holds as few objects as it can.
 Item {
     id: cell
 
@@ -14,11 +13,10 @@ Item {
     required property bool isSelected
     required property int revision
     required property MediaGrid grid
-    required property int pictureWidth
-    required property int pictureHeight
     property alias emptyColor: thumbnail.emptyColor
     property alias progressColor: thumbnail.progressColor
-    default property alias content: body.data
+    readonly property bool isHovered: grid.hoveredRow === index
+    readonly property bool hasFocusRing: activeFocus && grid.keys.isVisible
     property bool isPooled: false
 
     width: grid.columnWidth
@@ -32,77 +30,30 @@ Item {
     Accessible.focused: activeFocus
     Accessible.onPressAction: grid.select(index, false)
 
-    Item {
-        id: body
+    Thumbnail {
+        id: thumbnail
 
-        x: cell.grid.centred(cell.pictureWidth)
-        width: cell.pictureWidth
-        height: cell.height
+        objectName: "thumbnail"
+        x: cell.grid.pictureX
+        width: cell.grid.pictureWidth
+        height: cell.grid.pictureHeight
+        path: cell.path
+        revision: cell.revision
+        // Asked for while it matters only: it changes with every step of a scroll.
+        isInView: isWaiting && !cell.isPooled && cell.grid.isInView(cell.y, cell.height)
 
-        Thumbnail {
-            id: thumbnail
-
-            objectName: "thumbnail"
-            width: cell.pictureWidth
-            height: cell.pictureHeight
-            path: cell.path
-            revision: cell.revision
-            // Asked for while it matters only: it changes with every step of a scroll.
-            isInView: isWaiting && !cell.isPooled && cell.grid.isInView(cell.y, cell.height)
-        }
-
+        // For the few that have one.
         Loader {
-            anchors.fill: thumbnail
-            active: cell.isVideo
-            sourceComponent: VideoBadges {}
-        }
-
-        Rectangle {
-            anchors.fill: thumbnail
-            radius: Theme.cellRadius
-            color: Theme.hover
-            visible: hover.hovered
-        }
-
-        Rectangle {
-            objectName: "selectionRing"
-            anchors.fill: thumbnail
-            color: "transparent"
-            radius: Theme.cellRadius
-            border.width: Theme.selectionStroke
-            border.color: Theme.accent
-            visible: cell.isSelected
-        }
-
-        // Around the picture, where it is seen beside the ring of a selected one too.
-        Loader {
-            anchors.fill: thumbnail
-            anchors.margins: -2 * Theme.focusStroke
-            active: cell.activeFocus && cell.grid.keys.isVisible
-            sourceComponent: Rectangle {
-                objectName: "focusRing"
-                color: "transparent"
-                radius: Theme.cellRadius + 2 * Theme.focusStroke
-                border.width: Theme.focusStroke
-                border.color: Theme.accent
+            anchors.fill: parent
+            active: cell.isVideo || cell.isSelected || cell.isHovered || cell.hasFocusRing
+            sourceComponent: CellMarks {}
+            onLoaded: {
+                const marks = item as CellMarks;
+                marks.isVideo = Qt.binding(() => cell.isVideo);
+                marks.isHovered = Qt.binding(() => cell.isHovered);
+                marks.isSelected = Qt.binding(() => cell.isSelected);
+                marks.hasFocusRing = Qt.binding(() => cell.hasFocusRing);
             }
-        }
-
-        HoverHandler {
-            id: hover
-
-            acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad | PointerDevice.Stylus
-        }
-
-        TapHandler {
-            // Of a double click the first of its two.
-            onSingleTapped: cell.grid.select(cell.index, (point.modifiers & Qt.ControlModifier) !== 0)
-            onDoubleTapped: cell.grid.open(cell.index)
-        }
-
-        TapHandler {
-            acceptedButtons: Qt.RightButton
-            onTapped: eventPoint => cell.grid.menuRequested(cell.path, body, eventPoint.position)
         }
     }
 }

@@ -9,9 +9,9 @@ Menu {
     required property MediaActions actions
     property string path: ""
 
-    function openAt(path, cell, position) {
+    function openAt(path, ground, position) {
         menu.path = path;
-        popup(cell, position);
+        popup(ground, position);
     }
 
     objectName: "cellMenu"

@@ -15,21 +15,22 @@ FocusScope {
     /// Distance between the tops of two rows of cells.
     required property int rowPitch
     required property Component delegate
+    required property int pictureWidth
+    required property int pictureHeight
     /// Left free on either side; the wheel works there too.
     property int sideMargin: 0
     /// With another value it is another grid, which begins at the top.
     property string identity
     property string gridName: ""
     readonly property double columnWidth: columns.columnWidth
+    /// Where the picture begins in its cell.
+    readonly property double pictureX: columns.centred(pictureWidth, columnWidth)
+    readonly property alias hoveredRow: pointer.hoveredRow
     readonly property bool hasKeys: keys.isWithin(keys.holder, grid)
 
     /// A double click on a cell, which is the only one selected by then.
     signal opened
-    signal menuRequested(string path, Item cell, point position)
-
-    function centred(width) {
-        return columns.centred(width, columns.columnWidth);
-    }
+    signal menuRequested(string path, Item ground, point position)
 
     function isInView(top, height) {
         return top + height > grid.contentY && top < grid.contentY + grid.height;
@@ -129,6 +130,17 @@ FocusScope {
         anchors.top: parent.top
         anchors.bottom: parent.bottom
         anchors.right: parent.right
+    }
+
+    CellPointer {
+        id: pointer
+
+        view: grid
+        bodyX: area.pictureX
+        bodyWidth: area.pictureWidth
+        onTapped: (row, isCommandHeld) => area.select(row, isCommandHeld)
+        onDoubleTapped: row => area.open(row)
+        onMenuRequested: (row, position) => area.menuRequested(area.media.path(row), grid.contentItem, position)
     }
 
     SmoothScrolling {

@@ -4,6 +4,4 @@ import QorvaneStyle
 /// A cell of the photo grid.
 MediaCell {
     height: Theme.photoSize
-    pictureWidth: Theme.photoSize
-    pictureHeight: Theme.photoSize
 }

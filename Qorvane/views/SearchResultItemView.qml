@@ -6,15 +6,14 @@ MediaCell {
     id: cell
 
     height: Theme.hitHeight
-    pictureWidth: Theme.hitWidth
-    pictureHeight: Theme.hitPictureHeight
     emptyColor: Theme.emptyHit
     progressColor: Theme.inkOnPicture
 
     Label {
         objectName: "caption"
-        y: cell.pictureHeight + 4
-        width: cell.pictureWidth
+        x: cell.grid.pictureX
+        y: cell.grid.pictureHeight + 4
+        width: cell.grid.pictureWidth
         horizontalAlignment: Text.AlignHCenter
         elide: Text.ElideMiddle
         text: cell.name

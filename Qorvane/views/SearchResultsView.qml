@@ -27,8 +27,10 @@ FocusScope {
         keys: view.viewState.keyboardFocus
         identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order + view.viewState.scope
         rowPitch: Theme.photoSize + Theme.photoGap
+        pictureWidth: Theme.photoSize
+        pictureHeight: Theme.photoSize
         onOpened: view.viewState.isDetailViewActive = true
-        onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
+        onMenuRequested: (path, ground, position) => menu.openAt(path, ground, position)
 
         delegate: PhotoGridItemView {
             grid: photos
@@ -47,8 +49,10 @@ FocusScope {
         keys: view.viewState.keyboardFocus
         identity: view.viewState.search.isSearching ? "searching" : "found"
         rowPitch: Theme.hitHeight + Theme.hitGap
+        pictureWidth: Theme.hitWidth
+        pictureHeight: Theme.hitPictureHeight
         onOpened: view.viewState.isDetailViewActive = true
-        onMenuRequested: (path, cell, position) => menu.openAt(path, cell, position)
+        onMenuRequested: (path, ground, position) => menu.openAt(path, ground, position)
 
         delegate: SearchResultItemView {
             grid: results

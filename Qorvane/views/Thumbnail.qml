@@ -3,7 +3,7 @@ import QorvaneStyle
 import QorvaneViews
 
 /// A file's thumbnail, cut to this item's size and round at the corners; until it is there, an empty cell.
-Item {
+Rectangle {
     id: thumbnail
 
     required property string path
@@ -24,17 +24,12 @@ Item {
         return ThumbnailUrl.source(path, width, height, Theme.cellRadius, number);
     }
 
+    radius: Theme.cellRadius
+    color: isLoaded ? "transparent" : emptyColor
     onPathChanged: {
         shownRevision = revision;
         hasWaited = false;
         patience.restart();
-    }
-
-    Rectangle {
-        anchors.fill: parent
-        radius: Theme.cellRadius
-        color: thumbnail.emptyColor
-        visible: !thumbnail.isLoaded
     }
 
     // Made for the few that need it: cells come into being many at a time.
