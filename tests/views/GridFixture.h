@@ -47,6 +47,30 @@ protected:
         QTest::mouseDClick(window.get(), Qt::LeftButton, {}, middleOf(cell(grid, index)));
     }
 
+    int columns() const
+    {
+        int count = 1;
+        const double top = cell("photoGrid", 0)->y();
+        while (cell("photoGrid", count) && cell("photoGrid", count)->y() == top)
+            ++count;
+        return count;
+    }
+
+    QQuickItem *thumbnail(int index) const
+    {
+        return cell("photoGrid", index)->findChild<QQuickItem *>(QStringLiteral("thumbnail"));
+    }
+
+    // The first cell of the photographs, as far as cells exist, in which this shows; -1 for none.
+    int rowWith(const char *name)
+    {
+        for (int row = 0; row < state.photos()->count(); ++row) {
+            if (cell("photoGrid", row) && itemBelow(cell("photoGrid", row), name))
+                return row;
+        }
+        return -1;
+    }
+
     double position(const char *grid) const { return item(grid)->property("contentY").toDouble(); }
     // Scrolls as the scroll bar does.
     void setPosition(const char *grid, double position)
