@@ -1,6 +1,10 @@
 # Every library we stand on; THIRD-PARTY.md says what each is for.
 find_package(PkgConfig REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Qml Quick QuickControls2 Svg DBus Concurrent Network LinguistTools)
+# What a newer Qt deprecates has its successor only there.
+if(Qt6_VERSION VERSION_GREATER_EQUAL 6.5)
+    add_compile_definitions(QT_WARN_DEPRECATED_UP_TO=0x060400)
+endif()
 find_package(QCoro6 REQUIRED COMPONENTS Core)
 qcoro_enable_coroutines()
 find_package(Threads REQUIRED)
