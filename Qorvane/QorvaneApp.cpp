@@ -9,7 +9,7 @@
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationPermission.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 
 #include <QPointer>
 

@@ -7,7 +7,7 @@
 #include "library/QorManage.h"
 #include "platform/Log.h"
 #include "support/ProcessMemory.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 #include "window/FrameClock.h"
 #include "window/WindowLibrary.h"
 

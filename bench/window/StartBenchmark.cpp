@@ -10,7 +10,7 @@
 #include "platform/InstanceMessage.h"
 #include "platform/Log.h"
 #include "platform/SingleInstance.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 #include "window/WindowLibrary.h"
 
 #include <QGuiApplication>

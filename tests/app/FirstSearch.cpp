@@ -6,7 +6,7 @@
 #include "semantic/FeatureExtraction.h"
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 
 #include <QElapsedTimer>
 #include <QQuickItem>

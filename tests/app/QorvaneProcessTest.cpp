@@ -3,7 +3,7 @@
 #include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 
 #include <QFile>
 #include <QProcess>

@@ -5,9 +5,9 @@
 #include "support/ConsoleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
-#include "views/ContentView.h"
 #include "views/WindowDriver.h"
 #include "views/style/ProgressRing.h"
+#include "views/window/ContentView.h"
 
 #include <QDir>
 #include <QDropEvent>

@@ -3,11 +3,11 @@
 #include "library/QorManage.h"
 #include "support/ConsoleWatch.h"
 #include "support/Waiting.h"
-#include "views/ContentViewState.h"
-#include "views/ContentWindow.h"
-#include "views/ThumbnailProvider.h"
-#include "views/ThumbnailQueue.h"
 #include "views/WindowDriver.h"
+#include "views/pictures/ThumbnailProvider.h"
+#include "views/pictures/ThumbnailQueue.h"
+#include "views/window/ContentViewState.h"
+#include "views/window/ContentWindow.h"
 
 #include <QCoroFuture>
 #include <QDir>

@@ -2,7 +2,7 @@
 #include "library/QorManage.h"
 #include "platform/Localization.h"
 #include "platform/desktop/InterfaceFont.h"
-#include "views/ContentView.h"
+#include "views/window/ContentView.h"
 
 #include <QEventLoop>
 #include <QGuiApplication>

@@ -1,7 +1,0 @@
-import QtQuick
-import QorvaneStyle
-
-/// A cell of the photo grid.
-MediaCell {
-    height: Theme.photoSize
-}

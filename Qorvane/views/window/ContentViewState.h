@@ -1,0 +1,128 @@
+#pragma once
+
+#include "platform/desktop/FolderPanel.h"
+#include "views/grid/GridPage.h"
+#include "views/grid/MediaListModel.h"
+#include "views/grid/MediaSelection.h"
+#include "views/inspector/SelectedMedia.h"
+#include "views/pictures/ThumbnailRevisions.h"
+#include "views/search/SearchController.h"
+#include "views/sidebar/Sidebar.h"
+#include "views/window/ColumnFocus.h"
+#include "views/window/KeyboardFocus.h"
+#include "views/window/MediaActions.h"
+#include "views/window/Sorting.h"
+
+#include <QObject>
+#include <QUrl>
+#include <QtQml/qqmlregistration.h>
+
+#include <memory>
+#include <optional>
+
+namespace Qorvane {
+
+class QorManage;
+class ThumbnailQueue;
+
+/// What the columns of the main window share: the selection, the search, the models over the library, and the
+/// steps from a gesture to the library. Lives as long as its window. GUI thread.
+class ContentViewState : public QObject
+{
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The window's owner makes it.")
+    Q_PROPERTY(Qorvane::Sidebar *sidebar READ sidebar CONSTANT)
+    Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
+    Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
+    Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
+    Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
+    Q_PROPERTY(Qorvane::KeyboardFocus *keyboardFocus READ keyboardFocus CONSTANT)
+    Q_PROPERTY(Qorvane::SelectedMedia *selected READ selected CONSTANT)
+    Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
+    Q_PROPERTY(Qorvane::MediaActions *actions READ actions CONSTANT)
+    Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
+    /// What the window shows: the selected tag, rating or folder; empty with none of them.
+    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
+    Q_PROPERTY(QString scope READ scope NOTIFY titleChanged)
+    /// The middle column shows one file instead of the grid.
+    Q_PROPERTY(bool isDetailViewActive READ isDetailViewActive WRITE setDetailViewActive NOTIFY
+                   isDetailViewActiveChanged)
+    /// The right column is hidden.
+    Q_PROPERTY(bool isInspectorCollapsed READ isInspectorCollapsed WRITE setInspectorCollapsed NOTIFY
+                   isInspectorCollapsedChanged)
+
+public:
+    using Search = decltype(SearchSources::search);
+
+    /// `qorManager` outlives this object. `search` finds photographs by text; `thumbnails` learns which cells
+    /// are in view.
+    ContentViewState(QorManage &qorManager, Search search, std::shared_ptr<ThumbnailQueue> thumbnails,
+                     QObject *parent = nullptr);
+
+    Sidebar *sidebar() { return &m_sidebar; }
+    MediaListModel *photos() { return &m_photos; }
+    MediaListModel *results() { return &m_results; }
+    SearchController *search() { return &m_search; }
+    MediaActions *actions() { return &m_actions; }
+    MediaSelection &selection() { return m_selection; }
+    ColumnFocus *focus() { return &m_focus; }
+    KeyboardFocus *keyboardFocus() { return &m_keyboardFocus; }
+    SelectedMedia *selected() { return &m_selected; }
+    Sorting *sorting() { return &m_sorting; }
+    GridPage::Page page() const { return m_page; }
+    QString title() const;
+    /// Another text for each tag, rating and folder.
+    QString scope() const;
+    bool isDetailViewActive() const { return m_isDetailViewActive; }
+    /// Opening takes the keys to the middle column; closing gives them to the sidebar, and deselects
+    /// everything.
+    void setDetailViewActive(bool isActive);
+    bool isInspectorCollapsed() const { return m_isInspectorCollapsed; }
+    void setInspectorCollapsed(bool isCollapsed);
+
+    /// The window is on screen: a moment later the keys go to the sidebar. (All columns show from the start.)
+    void appear();
+
+    /// Opens the desktop's panel for folders to add.
+    Q_INVOKABLE void chooseFolders();
+    /// Adds the folders among `urls` to the library, in their order; other files, and what isn't
+    /// on this machine, are passed over.
+    Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
+    /// Whether `addFolders` might find folders among `urls`. By the addresses alone, for a drag can't wait
+    /// for a disk.
+    Q_INVOKABLE bool mayHoldFolders(const QList<QUrl> &urls) const;
+
+Q_SIGNALS:
+    void pageChanged();
+    void titleChanged();
+    void isDetailViewActiveChanged();
+    void isInspectorCollapsedChanged();
+    /// The desktop has no panel for folders; the window has to show its own.
+    void folderPanelUnavailable();
+
+private:
+    void followLibrary();
+    void followSearch();
+    void reset();
+    void updatePage();
+
+    QorManage &m_qorManager;
+    FolderPanel m_folderPanel{this};
+    MediaSelection m_selection;
+    Sidebar m_sidebar;
+    ThumbnailRevisions m_revisions;
+    MediaActions m_actions;
+    MediaListModel m_photos;
+    MediaListModel m_results;
+    SearchController m_search;
+    ColumnFocus m_focus;
+    KeyboardFocus m_keyboardFocus;
+    SelectedMedia m_selected;
+    Sorting m_sorting;
+    bool m_isDetailViewActive = false;
+    bool m_isInspectorCollapsed = false;
+    GridPage::Page m_page = GridPage::NothingSelected;
+};
+
+} // namespace Qorvane
