@@ -80,7 +80,7 @@ protected:
     QString addFolder(const QString &name, int pictureCount)
     {
         const QString path = makeFolder(name, pictureCount);
-        state.addFolders({QUrl::fromLocalFile(path)});
+        state.folderAdding()->add({QUrl::fromLocalFile(path)});
         EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount; }));
         EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
         return path;

@@ -7,13 +7,13 @@ import QorvaneViews
 T.Popup {
     id: dialog
 
-    required property ContentViewState viewState
+    required property FolderAdding folderAdding
     readonly property bool isEmpty: browser.path !== "" && browser.count === 0
     readonly property bool isUnreadable: browser.state === FolderBrowser.Unreadable
 
     function accept() {
         if (browser.chosen.length > 0) {
-            dialog.viewState.addFolders(browser.chosen);
+            dialog.folderAdding.add(browser.chosen);
             close();
         }
     }

@@ -5,14 +5,14 @@ import QorvaneViews
 Loader {
     id: host
 
-    required property ContentViewState viewState
+    required property FolderAdding folderAdding
 
     Connections {
-        target: host.viewState
+        target: host.folderAdding
 
-        function onFolderPanelUnavailable() {
+        function onPanelUnavailable() {
             if (!host.item)
-                host.setSource("FallbackFolderDialog.qml", { viewState: host.viewState });
+                host.setSource("FallbackFolderDialog.qml", { folderAdding: host.folderAdding });
             (host.item as FallbackFolderDialog).open();
         }
     }

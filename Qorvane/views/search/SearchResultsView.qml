@@ -103,6 +103,6 @@ FocusScope {
         anchors.fill: parent
         visible: view.page === GridPage.NothingSelected
         isLibraryEmpty: view.viewState.sidebar.isLibraryEmpty
-        onAddFolderRequested: view.viewState.chooseFolders()
+        onAddFolderRequested: view.viewState.folderAdding.choose()
     }
 }

@@ -6,7 +6,10 @@ import QorvaneViews
 Rectangle {
     id: sidebar
 
-    required property ContentViewState viewState
+    required property Sidebar model
+    required property KeyboardFocus keys
+
+    signal addFolderRequested
 
     /// Gives the keys to the list.
     function takeFocus() {
@@ -23,7 +26,7 @@ Rectangle {
         anchors.topMargin: (Theme.toolbarHeight - height) / 2
         text: qsTranslate("Qorvane", "Add Folder")
         iconName: "folder.badge.plus"
-        onClicked: sidebar.viewState.chooseFolders()
+        onClicked: sidebar.addFolderRequested()
     }
 
     SidebarList {
@@ -32,8 +35,8 @@ Rectangle {
         objectName: "sidebarList"
         anchors.fill: parent
         anchors.topMargin: Theme.toolbarHeight
-        sidebar: sidebar.viewState.sidebar
-        keys: sidebar.viewState.keyboardFocus
+        sidebar: sidebar.model
+        keys: sidebar.keys
     }
 
     Rectangle {

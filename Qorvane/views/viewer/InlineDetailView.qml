@@ -6,14 +6,16 @@ import QorvaneViews
 FocusScope {
     id: view
 
-    required property ContentViewState viewState
-    readonly property SelectedMedia media: viewState.selected
-    // A selection in the grid is not opened yet.
-    readonly property string path: viewState.isDetailViewActive ? media.path : ""
+    required property SelectedMedia media
+    /// A selection in the grid is not opened yet.
+    required property bool isOpen
+    readonly property string path: isOpen ? media.path : ""
     // A bound rather than the size shown, which would decode anew at every step of a resize.
     readonly property int decodedSize: Math.max(ColumnWidths.WidestContent, Screen.height)
 
-    Keys.onEscapePressed: viewState.isDetailViewActive = false
+    signal closeRequested
+
+    Keys.onEscapePressed: closeRequested()
 
     Item {
         objectName: "openPicture"

@@ -25,6 +25,8 @@ FocusScope {
         anchors.rightMargin: column.sideMargin
         focus: column.isDetailViewActive
         visible: column.isDetailViewActive
-        viewState: column.viewState
+        media: column.viewState.selected
+        isOpen: column.isDetailViewActive
+        onCloseRequested: column.viewState.isDetailViewActive = false
     }
 }

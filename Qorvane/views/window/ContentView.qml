@@ -46,7 +46,9 @@ T.ApplicationWindow {
 
             objectName: "sidebar"
             anchors.fill: parent
-            viewState: window.viewState
+            model: window.viewState.sidebar
+            keys: window.viewState.keyboardFocus
+            onAddFolderRequested: window.viewState.folderAdding.choose()
         }
     }
 
@@ -112,11 +114,11 @@ T.ApplicationWindow {
 
     DropOverlay {
         anchors.fill: parent
-        viewState: window.viewState
+        folderAdding: window.viewState.folderAdding
     }
 
     FolderDialogHost {
-        viewState: window.viewState
+        folderAdding: window.viewState.folderAdding
     }
 
     Connections {

@@ -2,14 +2,10 @@
 
 #include "library/QorManage.h"
 #include "media/SupportedExtensions.h"
-#include "platform/FileAttributes.h"
-#include "platform/GlobalQueue.h"
 #include "platform/Localization.h"
-#include "platform/MainQueue.h"
 #include "store/EmbeddingStore.h"
 #include "views/pictures/ThumbnailQueue.h"
 
-#include <QPointer>
 #include <QTimer>
 
 #include <algorithm>
@@ -52,6 +48,7 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
                                    std::shared_ptr<ThumbnailQueue> thumbnails, QObject *parent)
     : QObject(parent)
     , m_qorManager(qorManager)
+    , m_folderAdding(qorManager)
     , m_sidebar(qorManager)
     , m_photos(m_selection, m_revisions, isVideoFile)
     , m_results(m_selection, m_revisions, isVideoFile)
@@ -63,8 +60,6 @@ ContentViewState::ContentViewState(QorManage &qorManager, Search search,
         connect(model, &MediaListModel::visiblePathsChanged, this,
                 [thumbnails](const QSet<QString> &paths) { thumbnails->setVisiblePaths(paths); });
     }
-    connect(&m_folderPanel, &FolderPanel::chosen, this, &ContentViewState::addFolders);
-    connect(&m_folderPanel, &FolderPanel::unavailable, this, &ContentViewState::folderPanelUnavailable);
     followLibrary();
     followSearch();
 }
@@ -167,35 +162,6 @@ void ContentViewState::setInspectorCollapsed(bool isCollapsed)
         return;
     m_isInspectorCollapsed = isCollapsed;
     Q_EMIT isInspectorCollapsedChanged();
-}
-
-void ContentViewState::chooseFolders()
-{
-    m_folderPanel.open(localized("Add Folder"));
-}
-
-bool ContentViewState::mayHoldFolders(const QList<QUrl> &urls) const
-{
-    return std::any_of(urls.begin(), urls.end(), [](const QUrl &url) { return url.isLocalFile(); });
-}
-
-void ContentViewState::addFolders(const QList<QUrl> &urls)
-{
-    // Off the GUI thread: a folder may lie on a server that doesn't answer.
-    // For the library, not for this: the window may be closed meanwhile.
-    GlobalQueue::async(QualityOfService::userInitiated, [library = QPointer(&m_qorManager), urls] {
-        QList<FileUrl> folders;
-        for (const QUrl &url : urls) {
-            if (url.isLocalFile() && directoryExists(url.toLocalFile()))
-                folders.append(FileUrl::directory(url.toLocalFile()));
-        }
-        MainQueue::async([library, folders] {
-            if (!library)
-                return;
-            for (const FileUrl &folder : folders)
-                library->addFolder(folder);
-        });
-    });
 }
 
 void ContentViewState::updatePage()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/FolderPanel.h"
+#include "views/folders/FolderAdding.h"
 #include "views/grid/GridPage.h"
 #include "views/grid/MediaListModel.h"
 #include "views/grid/MediaSelection.h"
@@ -14,7 +14,6 @@
 #include "views/window/Sorting.h"
 
 #include <QObject>
-#include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
@@ -41,6 +40,7 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::SelectedMedia *selected READ selected CONSTANT)
     Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
     Q_PROPERTY(Qorvane::MediaActions *actions READ actions CONSTANT)
+    Q_PROPERTY(Qorvane::FolderAdding *folderAdding READ folderAdding CONSTANT)
     Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
     /// What the window shows: the selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY titleChanged)
@@ -65,6 +65,7 @@ public:
     MediaListModel *results() { return &m_results; }
     SearchController *search() { return &m_search; }
     MediaActions *actions() { return &m_actions; }
+    FolderAdding *folderAdding() { return &m_folderAdding; }
     MediaSelection &selection() { return m_selection; }
     ColumnFocus *focus() { return &m_focus; }
     KeyboardFocus *keyboardFocus() { return &m_keyboardFocus; }
@@ -84,22 +85,11 @@ public:
     /// The window is on screen: a moment later the keys go to the sidebar. (All columns show from the start.)
     void appear();
 
-    /// Opens the desktop's panel for folders to add.
-    Q_INVOKABLE void chooseFolders();
-    /// Adds the folders among `urls` to the library, in their order; other files, and what isn't
-    /// on this machine, are passed over.
-    Q_INVOKABLE void addFolders(const QList<QUrl> &urls);
-    /// Whether `addFolders` might find folders among `urls`. By the addresses alone, for a drag can't wait
-    /// for a disk.
-    Q_INVOKABLE bool mayHoldFolders(const QList<QUrl> &urls) const;
-
 Q_SIGNALS:
     void pageChanged();
     void titleChanged();
     void isDetailViewActiveChanged();
     void isInspectorCollapsedChanged();
-    /// The desktop has no panel for folders; the window has to show its own.
-    void folderPanelUnavailable();
 
 private:
     void followLibrary();
@@ -108,7 +98,7 @@ private:
     void updatePage();
 
     QorManage &m_qorManager;
-    FolderPanel m_folderPanel{this};
+    FolderAdding m_folderAdding;
     MediaSelection m_selection;
     Sidebar m_sidebar;
     ThumbnailRevisions m_revisions;

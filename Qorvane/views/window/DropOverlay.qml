@@ -6,13 +6,13 @@ import QorvaneViews
 DropArea {
     id: area
 
-    required property ContentViewState viewState
+    required property FolderAdding folderAdding
 
     objectName: "dropOverlay"
     keys: ["text/uri-list"]
     // Always a copy: after a move, the file manager would delete what the library only points to.
     onEntered: drag => {
-        if (area.viewState.mayHoldFolders(drag.urls) && (drag.supportedActions & Qt.CopyAction))
+        if (area.folderAdding.mayHold(drag.urls) && (drag.supportedActions & Qt.CopyAction))
             drag.accept(Qt.CopyAction);
         else
             drag.accepted = false;
@@ -20,7 +20,7 @@ DropArea {
     onPositionChanged: drag => drag.accept(Qt.CopyAction)
     onDropped: drop => {
         drop.accept(Qt.CopyAction);
-        area.viewState.addFolders(drop.urls);
+        area.folderAdding.add(drop.urls);
     }
 
     Rectangle {

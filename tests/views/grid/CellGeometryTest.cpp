@@ -39,7 +39,7 @@ protected:
         ASSERT_TRUE(video.open(QIODevice::WriteOnly));
         video.write("not a video");
         video.close();
-        state.addFolders({QUrl::fromLocalFile(folder)});
+        state.folderAdding()->add({QUrl::fromLocalFile(folder)});
         ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount + 1; }));
         ASSERT_TRUE(waitUntil([this] { return cell("photoGrid", 0) != nullptr; }));
         waitForFrame();

@@ -95,7 +95,7 @@ TEST_F(PhotoGridTest, anotherFolderBeginsAtTheTop)
     showFolder(60);
     const double top = position("photoGrid");
     const QString second = makeFolder(QStringLiteral("Second"), 60);
-    state.addFolders({QUrl::fromLocalFile(second)});
+    state.folderAdding()->add({QUrl::fromLocalFile(second)});
     ASSERT_TRUE(waitUntil([&] { return library.libraryFolders().size() == 2; }));
     const auto choose = [this](const QString &path) {
         const QList<Folder> folders = library.libraryFolders();
@@ -204,7 +204,7 @@ TEST_F(PhotoGridTest, videosAreMarked)
     ASSERT_TRUE(video.open(QIODevice::WriteOnly));
     video.write("not a video");
     video.close();
-    state.addFolders({QUrl::fromLocalFile(path)});
+    state.folderAdding()->add({QUrl::fromLocalFile(path)});
     ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 2 && cell("photoGrid", 1); }));
     waitForFrame();
     // Sorted by name, the video is first.
@@ -311,7 +311,7 @@ TEST_F(PhotoGridTest, aFileWithoutAPictureKeepsItsMarkWhichStandsStill)
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write("no picture");
     broken.close();
-    state.addFolders({QUrl::fromLocalFile(path)});
+    state.folderAdding()->add({QUrl::fromLocalFile(path)});
     ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 1 && cell("photoGrid", 0); }));
     ASSERT_TRUE(waitUntil([&] { return itemBelow(cell("photoGrid", 0), "progress") != nullptr; }));
     EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());

@@ -63,7 +63,7 @@ protected:
         const QString path = makeFolder(name, 0);
         for (const QString &child : children)
             QDir(path).mkpath(child);
-        state.addFolders({QUrl::fromLocalFile(path)});
+        state.folderAdding()->add({QUrl::fromLocalFile(path)});
         EXPECT_TRUE(waitUntil([&] { return indexOf(name, SidebarRow::Kind::folder) >= 0; }));
         EXPECT_TRUE(waitUntil([&] { return library.selectedFolder().has_value(); }));
         EXPECT_TRUE(waitUntil([&] {

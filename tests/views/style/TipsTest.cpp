@@ -56,7 +56,7 @@ TEST_F(TipsTest, aToolbarsButtonIsExplainedByItsLabel)
 TEST_F(TipsTest, aFolderTellsHowFarItsRunHasComeAndNothingWhereThereIsNothingToTell)
 {
     const QString folder = makeFolder(QStringLiteral("Photos"), 0);
-    state.addFolders({QUrl::fromLocalFile(folder)});
+    state.folderAdding()->add({QUrl::fromLocalFile(folder)});
     ASSERT_TRUE(waitUntil([&] {
         return library.processingState(FileUrl::directory(folder)) == FolderProcessingState::completed;
     }));

@@ -109,7 +109,7 @@ TEST_F(ContentPagesTest, anEmptyTagAnEmptyRatingAndAnEmptyFolderEachSaySo)
     EmbeddingStore::shared().addTag(home.filePath(QStringLiteral("gone.jpg")), tag);
     library.refreshAllTags();
     ASSERT_TRUE(waitUntil([this] { return !library.allTags().isEmpty(); }));
-    state.addFolders({QUrl::fromLocalFile(makeFolder(QStringLiteral("Empty"), 0))});
+    state.folderAdding()->add({QUrl::fromLocalFile(makeFolder(QStringLiteral("Empty"), 0))});
     ASSERT_TRUE(waitForPage(QStringLiteral("emptyPage")));
     QQuickItem *const page = item("emptyPage");
     for (const auto &[row, text] :
@@ -137,7 +137,7 @@ TEST_F(ContentPagesTest, aFolderThatIsStillReadShowsOnlyThatItIs)
         isRunning = isRunning ||
                     (item("loadingPage")->isVisible() && item("loadingPage")->property("running").toBool());
     });
-    state.addFolders({folder});
+    state.folderAdding()->add({folder});
     ASSERT_TRUE(waitForPage(QStringLiteral("photoGrid")));
     EXPECT_TRUE(seen.contains(QStringLiteral("loadingPage"))) << qPrintable(seen.join(QStringLiteral(", ")));
     EXPECT_TRUE(isRunning);

@@ -72,7 +72,7 @@ constexpr int frame = 16;
 TEST_F(ContentViewStateTest, aFloodOfReportsRefreshesTheRowsOnceAFrame)
 {
     constexpr int reports = 100'000;
-    m_state.addFolders({url(QStringLiteral("one"))});
+    m_state.folderAdding()->add({url(QStringLiteral("one"))});
     const QPersistentModelIndex row = folderRow();
     ASSERT_TRUE(waitUntil(
         [&row] { return row.data(SidebarListModel::StateRole).toInt() == SidebarListModel::Completed; }));
@@ -101,7 +101,7 @@ TEST_F(ContentViewStateTest, aFloodOfReportsRefreshesTheRowsOnceAFrame)
 TEST_F(ContentViewStateTest, theRowsFollowWhileAFloodOfReportsGoesOn)
 {
     constexpr int moreThanAnyRunReports = 1'000'000;
-    m_state.addFolders({url(QStringLiteral("one"))});
+    m_state.folderAdding()->add({url(QStringLiteral("one"))});
     const QPersistentModelIndex row = folderRow();
     const QString path = m_place.filePath(QStringLiteral("one"));
     std::atomic_bool isSeen = false;
@@ -117,39 +117,6 @@ TEST_F(ContentViewStateTest, theRowsFollowWhileAFloodOfReportsGoesOn)
     EXPECT_TRUE(isSeen);
     EXPECT_FALSE(hasWaited) << "nothing moved until the reports were over";
     drainMainQueue();
-}
-
-TEST_F(ContentViewStateTest, theFoldersChosenInTheDesktopsPanelAreAddedInItsOrder)
-{
-    auto *const panel = m_state.findChild<FolderPanel *>();
-    ASSERT_NE(panel, nullptr);
-    Q_EMIT panel->chosen(
-        {url(QStringLiteral("two")), url(QStringLiteral("three")), url(QStringLiteral("one"))});
-    ASSERT_TRUE(waitUntil([this] { return m_library.libraryFolders().size() == 3; }));
-    QStringList added;
-    for (const Folder &folder : m_library.libraryFolders())
-        added.append(folder.url.lastPathComponent());
-    EXPECT_EQ(added, QStringList({QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("one")}));
-}
-
-TEST_F(ContentViewStateTest, foldersChosenRightBeforeTheWindowClosesAreAdded)
-{
-    {
-        ContentViewState closing(
-            m_library, [](auto &&...) { return findNothing(); }, std::make_shared<ThumbnailQueue>(1));
-        closing.addFolders({url(QStringLiteral("one")), url(QStringLiteral("two"))});
-    }
-    EXPECT_TRUE(waitUntil([this] { return m_library.libraryFolders().size() == 2; }));
-}
-
-TEST_F(ContentViewStateTest, onlyFoldersOfThisMachineAreAdded)
-{
-    m_state.addFolders({QUrl(QStringLiteral("sftp://server/photographs")),
-                        QUrl(QStringLiteral("https://qorvane.example/one")), url(QStringLiteral("two")),
-                        url(QStringLiteral("absent")), QUrl(), url(QStringLiteral("one"))});
-    ASSERT_TRUE(waitUntil([this] { return m_library.libraryFolders().size() == 2; }));
-    EXPECT_EQ(m_library.libraryFolders().at(0).url.path(), m_place.filePath(QStringLiteral("two")));
-    EXPECT_EQ(m_library.libraryFolders().at(1).url.path(), m_place.filePath(QStringLiteral("one")));
 }
 
 TEST_F(ContentViewStateTest, openingAFileTakesTheKeysToItAndLeavingItDeselectsEverything)

@@ -169,7 +169,7 @@ TEST_F(ContentViewTest, choosingAnotherFolderEndsTheSearch)
 {
     addFolder(QStringLiteral("One"), 2);
     makeFolder(QStringLiteral("Two"), 3);
-    state.addFolders({QUrl::fromLocalFile(home.filePath(QStringLiteral("Two")))});
+    state.folderAdding()->add({QUrl::fromLocalFile(home.filePath(QStringLiteral("Two")))});
     ASSERT_TRUE(waitUntil([&] { return library.libraryFolders().size() == 2; }));
     click(item("searchField"));
     type(QStringLiteral("x"));
@@ -184,7 +184,7 @@ TEST_F(ContentViewTest, choosingAnotherFolderEndsTheSearch)
 TEST_F(ContentViewTest, anEmptyFolderSaysSo)
 {
     makeFolder(QStringLiteral("Empty"), 0);
-    state.addFolders({QUrl::fromLocalFile(home.filePath(QStringLiteral("Empty")))});
+    state.folderAdding()->add({QUrl::fromLocalFile(home.filePath(QStringLiteral("Empty")))});
     EXPECT_TRUE(waitUntil([&] { return item("emptyPage")->isVisible(); }));
 }
 

@@ -146,7 +146,7 @@ TEST_P(TextFitTest, ofAFullLibraryWhileItIsGoneThrough)
 
 TEST_P(TextFitTest, ofThePagesWithoutPhotographs)
 {
-    state.addFolders({QUrl::fromLocalFile(makeFolder(QStringLiteral("Empty"), 0))});
+    state.folderAdding()->add({QUrl::fromLocalFile(makeFolder(QStringLiteral("Empty"), 0))});
     ASSERT_TRUE(waitUntil([this] { return item("emptyPage")->isVisible(); }));
     EXPECT_EQ(check(item("emptyPage")), 1);
     click(item("searchField"));
