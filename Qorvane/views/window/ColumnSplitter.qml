@@ -34,7 +34,8 @@ Item {
         x: parent.width / 2 - 1
         width: splitter.activeFocus ? Theme.focusStroke : 1
         height: parent.height
-        color: splitter.activeFocus ? Theme.accent : area.containsMouse || area.pressed ? Theme.secondaryText : Theme.hairline
+        color: splitter.activeFocus ? Theme.accent
+             : area.containsMouse || area.pressed ? Theme.secondaryText : Theme.hairline
     }
 
     MouseArea {
@@ -48,7 +49,10 @@ Item {
         preventStealing: true
         onPressed: mouse => grabbedAt = mouse.x
         // The splitter itself has moved with the last step, so what is left is the next one.
-        onPositionChanged: mouse => splitter.moved(mouse.x - grabbedAt)
+        onPositionChanged: mouse => {
+            if (pressed)
+                splitter.moved(mouse.x - grabbedAt);
+        }
         onDoubleClicked: splitter.reset()
     }
 }

@@ -63,6 +63,14 @@ TEST_F(ContentColumnsTest, beginAtTheirIdealWidths)
     EXPECT_EQ(width("inspectorColumn"), 300);
 }
 
+TEST_F(ContentColumnsTest, thePointerOverAnEdgeMovesNothing)
+{
+    QQuickItem *const splitter = item("sidebarSplitter");
+    for (int x = 0; x < int(splitter->width()); ++x)
+        QTest::mouseMove(window.get(), splitter->mapToScene(QPointF(x, 300)).toPoint());
+    EXPECT_EQ(width("sidebar"), 230);
+}
+
 TEST_F(ContentColumnsTest, eachEdgeCanBeDrawnToEitherSideAndGoesBackAtADoubleClick)
 {
     drag("sidebarSplitter", 60);
