@@ -124,8 +124,9 @@ T.Popup {
             anchors.bottom: addButton.top
             anchors.bottomMargin: Theme.unit
             width: parent.width
-            text: dialog.isUnreadable ? qsTranslate("Qorvane", "This folder can't be read.")
-                                      : qsTranslate("Qorvane", "Hold Ctrl or Shift to select several folders; double-click to open one.")
+            text: dialog.isUnreadable
+                  ? qsTranslate("Qorvane", "This folder can't be read.")
+                  : qsTranslate("Qorvane", "Hold Ctrl or Shift to select several folders; double-click to open one.")
             font.pixelSize: Theme.captionSize
             font.weight: dialog.isUnreadable ? Font.DemiBold : Font.Normal
             color: dialog.isUnreadable ? Theme.text : Theme.secondaryText

@@ -1,4 +1,4 @@
-#include "views/window/MediaActions.h"
+#include "views/grid/MediaActions.h"
 
 #include "platform/Workspace.h"
 

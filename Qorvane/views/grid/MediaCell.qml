@@ -15,7 +15,7 @@ Item {
     required property MediaGrid grid
     property alias emptyColor: thumbnail.emptyColor
     property alias progressColor: thumbnail.progressColor
-    readonly property bool isHovered: grid.hoveredRow === index
+    readonly property bool isHovered: grid.hoveredCell === cell
     readonly property bool hasFocusRing: activeFocus && grid.keys.isVisible
     property bool isPooled: false
 

@@ -25,7 +25,7 @@ FocusScope {
     readonly property double columnWidth: columns.columnWidth
     /// Where the picture begins in its cell.
     readonly property double pictureX: columns.centred(pictureWidth, columnWidth)
-    readonly property alias hoveredRow: pointer.hoveredRow
+    readonly property alias hoveredCell: pointer.hoveredCell
     readonly property bool hasKeys: keys.isWithin(keys.holder, grid)
 
     /// A double click on a cell, which is the only one selected by then.
@@ -47,7 +47,9 @@ FocusScope {
     }
 
     function showRow(row) {
-        scrolling.scrollTo(Scrolling.showing(row, columns.count, rowPitch, Theme.contentPadding, grid.contentY, grid.height), Theme.panel);
+        const margin = Theme.contentPadding;
+        const wanted = Scrolling.showing(row, columns.count, rowPitch, margin, grid.contentY, grid.height);
+        scrolling.scrollTo(wanted, Theme.panel);
     }
 
     function showMenuOfSelection() {
@@ -140,7 +142,7 @@ FocusScope {
         bodyWidth: area.pictureWidth
         onTapped: (row, isCommandHeld) => area.select(row, isCommandHeld)
         onDoubleTapped: row => area.open(row)
-        onMenuRequested: (row, position) => area.menuRequested(area.media.path(row), grid.contentItem, position)
+        onMenuRequested: (row, position) => area.menuRequested(area.media.path(row), grid, position)
     }
 
     SmoothScrolling {

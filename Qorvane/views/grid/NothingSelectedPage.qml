@@ -1,6 +1,5 @@
 import QtQuick
 import QorvaneStyle
-import QorvaneViews
 
 /// The middle column before anything is selected; with an empty library it also leads to the first folder.
 MessagePage {

@@ -1,6 +1,5 @@
 import QtQuick
 import QorvaneStyle
-import QorvaneViews
 
 /// The inspector with nothing selected.
 MessagePage {

@@ -22,8 +22,9 @@ ListView {
         return top + height > contentY && top < contentY + list.height;
     }
 
+    /// The row at a position in the list's contents; -1 for none.
     function rowAt(position) {
-        return indexAt(position.x, position.y + contentY);
+        return indexAt(position.x, position.y);
     }
 
     function openMenu(row, item, x, y) {
@@ -104,7 +105,7 @@ ListView {
 
     // Beside the rows: nothing is chosen then, and a search covers the whole library.
     TapHandler {
-        parent: list
+        parent: list.contentItem
         onTapped: point => {
             if (list.rowAt(point.position) < 0) {
                 list.forceActiveFocus();
@@ -114,11 +115,13 @@ ListView {
     }
 
     TapHandler {
-        parent: list
+        parent: list.contentItem
+        // A finger has no buttons, and would open the menu with every tap.
+        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad | PointerDevice.Stylus
         acceptedButtons: Qt.RightButton
         onTapped: point => {
             list.forceActiveFocus();
-            list.openMenu(list.rowAt(point.position), list, point.position.x, point.position.y);
+            list.openMenu(list.rowAt(point.position), list.contentItem, point.position.x, point.position.y);
         }
     }
 

@@ -1,4 +1,4 @@
-#include "views/window/KeyboardFocus.h"
+#include "views/style/KeyboardFocus.h"
 
 #include <QKeyEvent>
 

@@ -13,7 +13,8 @@ T.Menu {
     property bool hasLeft: false
 
     // The longest entry decides; the ones that this menu doesn't offer now have no width.
-    contentWidth: Array.from({ length: count }, (_, index) => itemAt(index)?.implicitWidth ?? 0).reduce((a, b) => Math.max(a, b), smallestWidth)
+    contentWidth: Array.from({ length: count }, (_, index) => itemAt(index)?.implicitWidth ?? 0)
+                       .reduce((a, b) => Math.max(a, b), smallestWidth)
     implicitWidth: contentWidth + leftPadding + rightPadding
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     padding: 5

@@ -1,7 +1,8 @@
 import QtQuick
 import QorvaneStyle
 
-/// A few words in the middle of an empty column, under an icon where one is named. What is declared in it follows below.
+/// A few words in the middle of an empty column, under an icon where one is named. What is declared in it follows
+/// below.
 Item {
     id: page
 

@@ -3,8 +3,8 @@ import QtQuick.Window
 import QtQuick.Templates as T
 import QorvaneStyle
 
-/// How a list scrolls: by the wheel in a motion for each notch, by a touchpad with the fingers, by the flick of a finger
-/// on the screen.
+/// How a list scrolls: by the wheel in a motion for each notch, by a touchpad with the fingers, by the flick of a
+/// finger on the screen.
 Item {
     id: scrolling
 

@@ -25,7 +25,8 @@ QtObject {
     readonly property color shadow: isDark ? "#07000000" : "#03000000"
     readonly property color pressed: isDark ? "#24FFFFFF" : "#1A000000"
 
-    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons, hovered ones too.
+    // Ink. The secondary shades are the lightest, or darkest, that keep 4.5 to 1 on every ground above but buttons,
+    // hovered ones too.
     readonly property color text: isDark ? "#F2F2F4" : "#1D1D1F"
     readonly property color secondaryText: isDark ? "#B2B2B8" : "#626267"
     readonly property color accentInk: Appearance.inkOn(accentFill)
@@ -36,7 +37,8 @@ QtObject {
                                                               : isDark ? "#3B8CFF" : "#0A6CFF"
     readonly property color accentFill: Appearance.fillFor(Appearance.hasAccentColor ? Appearance.accentColor
                                                                                      : isDark ? "#2F7CF0" : "#0A6CFF")
-    // Of the small captions in the sidebar too, and of the rings beside them: they keep 4.5 to 1 there, pressed rows included.
+    // Of the small captions in the sidebar too, and of the rings beside them: they keep 4.5 to 1 there, pressed rows
+    // included.
     readonly property color orange: isDark ? "#FFA733" : "#8E4D00"
     readonly property color blue: isDark ? "#82B8FF" : "#0654CC"
     // Of a mark without words: it keeps 3 to 1 on the same rows.

@@ -9,9 +9,9 @@ FocusScope {
     required property SelectedMedia media
     /// A selection in the grid is not opened yet.
     required property bool isOpen
+    /// A bound rather than the size shown, which would decode anew at every step of a resize.
+    required property int decodedSize
     readonly property string path: isOpen ? media.path : ""
-    // A bound rather than the size shown, which would decode anew at every step of a resize.
-    readonly property int decodedSize: Math.max(ColumnWidths.WidestContent, Screen.height)
 
     signal closeRequested
 

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Window
 import QorvaneViews
 
 /// The middle column: the photographs of what is selected, or one of them.
@@ -27,6 +28,7 @@ FocusScope {
         visible: column.isDetailViewActive
         media: column.viewState.selected
         isOpen: column.isDetailViewActive
+        decodedSize: Math.max(ColumnWidths.WidestContent, Screen.height)
         onCloseRequested: column.viewState.isDetailViewActive = false
     }
 }

@@ -9,8 +9,8 @@
 #include "views/search/SearchController.h"
 #include "views/sidebar/Sidebar.h"
 #include "views/window/ColumnFocus.h"
-#include "views/window/KeyboardFocus.h"
-#include "views/window/MediaActions.h"
+#include "views/style/KeyboardFocus.h"
+#include "views/grid/MediaActions.h"
 #include "views/window/Sorting.h"
 
 #include <QObject>

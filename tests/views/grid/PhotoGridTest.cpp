@@ -1,5 +1,4 @@
 #include "platform/NotificationCenter.h"
-#include "views/DesktopSettings.h"
 #include "views/GridFixture.h"
 
 #include <QAccessible>
@@ -21,6 +20,7 @@ protected:
 };
 
 } // namespace
+
 TEST_F(PhotoGridTest, aPlainClickOnOneOfSeveralLeavesItAlone)
 {
     showFolder(4);

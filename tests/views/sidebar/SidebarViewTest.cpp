@@ -1,11 +1,8 @@
-#include "store/EmbeddingStore.h"
-#include "views/ContentViewFixture.h"
-#include "views/style/ProgressRing.h"
+#include "views/SidebarFixture.h"
 
 #include <QAccessible>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QQmlComponent>
 #include <QSignalSpy>
 
 using namespace Qorvane;
@@ -13,137 +10,8 @@ using namespace Qorvane;
 namespace {
 
 /// The sidebar in the real window, over a real library.
-class SidebarViewTest : public ContentViewFixture
+class SidebarViewTest : public SidebarFixture
 {
-protected:
-    ~SidebarViewTest() override
-    {
-        for (const QString &tag : EmbeddingStore::shared().listAllTags())
-            EmbeddingStore::shared().deleteTagGlobally(tag);
-    }
-
-    QList<SidebarRow> rows() { return state.sidebar()->rows()->rows(); }
-
-    int indexOf(const QString &name, SidebarRow::Kind kind)
-    {
-        const QList<SidebarRow> list = rows();
-        const auto match = std::ranges::find_if(
-            list, [&](const SidebarRow &row) { return row.name == name && row.kind == kind; });
-        return match == list.cend() ? -1 : int(match - list.cbegin());
-    }
-
-    /// The row as it is drawn.
-    QQuickItem *row(const QString &name, SidebarRow::Kind kind = SidebarRow::Kind::folder)
-    {
-        waitForFrame();
-        return cell("sidebarList", indexOf(name, kind));
-    }
-
-    QString selected()
-    {
-        QStringList names;
-        for (const SidebarRow &row : rows()) {
-            if (state.sidebar()->rows()->isSelected(row))
-                names.append(row.name);
-        }
-        return names.join(u' ');
-    }
-
-    void giveTags(const QStringList &tags)
-    {
-        for (const QString &tag : tags)
-            EmbeddingStore::shared().addTag(QStringLiteral("/p/a.jpg"), tag);
-        library.refreshAllTags();
-        ASSERT_TRUE(waitUntil([&] { return library.allTags().size() == tags.size(); }));
-    }
-
-    // A folder without pictures in it is through with its run at once.
-    QString addEmptyFolder(const QString &name, const QStringList &children = {})
-    {
-        const QString path = makeFolder(name, 0);
-        for (const QString &child : children)
-            QDir(path).mkpath(child);
-        state.folderAdding()->add({QUrl::fromLocalFile(path)});
-        EXPECT_TRUE(waitUntil([&] { return indexOf(name, SidebarRow::Kind::folder) >= 0; }));
-        EXPECT_TRUE(waitUntil([&] { return library.selectedFolder().has_value(); }));
-        EXPECT_TRUE(waitUntil([&] {
-            return library.processingState(FileUrl::directory(path)) == FolderProcessingState::completed;
-        }));
-        return path;
-    }
-
-    void addFavorite(const QString &path)
-    {
-        const Folder folder = *library.folderWithAbsoluteString(FileUrl::directory(path).absoluteString());
-        library.addToFavorites(folder);
-        ASSERT_TRUE(waitUntil([&] { return library.favoriteFolders().contains(folder); }));
-    }
-
-    void rightClick(QQuickItem *target)
-    {
-        const QPointF middle(target->width() / 2, target->height() / 2);
-        QTest::mouseClick(window.get(), Qt::RightButton, {}, target->mapToScene(middle).toPoint());
-    }
-
-    /// The entries that the open menu shows, by the names of the items.
-    QStringList entries()
-    {
-        QStringList names;
-        for (const char *name : {"removeFromFavorites", "addToFavorites", "openInFinder", "delete"}) {
-            if (popupItem(name))
-                names.append(QLatin1String(name));
-        }
-        return names;
-    }
-
-    bool isOpen() { return popupItem("openInFinder") || popupItem("delete"); }
-
-    QStringList openMenuOf(QQuickItem *target)
-    {
-        rightClick(target);
-        EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
-        waitForFrame();
-        return entries();
-    }
-
-    void choose(const char *entry)
-    {
-        ASSERT_TRUE(waitUntil([&] { return popupItem(entry) != nullptr; }));
-        waitForFrame();
-        click(popupItem(entry));
-        ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
-    }
-
-    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::keyClick(window.get(), key, modifiers);
-    }
-
-    static QString textOf(QAccessible::Text kind, QQuickItem *target)
-    {
-        QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(target);
-        return interface ? interface->text(kind) : QString();
-    }
-
-    static QList<QQuickItem *> allBelow(QQuickItem *top)
-    {
-        QList<QQuickItem *> items{top};
-        for (QQuickItem *const child : top->childItems())
-            items += allBelow(child);
-        return items;
-    }
-
-    /// Every text that a row shows.
-    static QStringList textsOf(QQuickItem *top)
-    {
-        QStringList texts;
-        for (QQuickItem *const item : allBelow(top)) {
-            if (item->isVisible() && item->inherits("QQuickLabel") &&
-                !item->property("text").toString().isEmpty())
-                texts.append(item->property("text").toString());
-        }
-        return texts;
-    }
 };
 
 } // namespace
@@ -209,17 +77,6 @@ TEST_F(SidebarViewTest, aClickBesideTheRowsSelectsNothing)
     EXPECT_EQ(library.selectedRating(), std::nullopt);
 }
 
-TEST_F(SidebarViewTest, deletingTheSelectedTagLeavesNoRowSelected)
-{
-    giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
-    click(row(QStringLiteral("Beach"), SidebarRow::Kind::tag));
-    EXPECT_EQ(openMenuOf(row(QStringLiteral("Beach"), SidebarRow::Kind::tag)), QStringList{"delete"});
-    choose("delete");
-    ASSERT_TRUE(waitUntil([this] { return library.allTags() == QStringList{"Food"}; }));
-    EXPECT_EQ(library.selectedTag(), std::nullopt);
-    EXPECT_EQ(selected(), QString());
-}
-
 TEST_F(SidebarViewTest, aTagAndAFolderShowWhatTheyAre)
 {
     addEmptyFolder(QStringLiteral("Photos"));
@@ -244,140 +101,6 @@ TEST_F(SidebarViewTest, countsFollowARatingAtOnce)
     EXPECT_TRUE(waitUntil([&] { return count() == 0; }));
 }
 
-TEST_F(SidebarViewTest, aRunThatHasJustBegunShowsASliverAndZeroPercent)
-{
-    const QString path = addEmptyFolder(QStringLiteral("Photos"));
-    library.setProcessing(path, FolderProcessingState::thumbnails, 0, QStringLiteral("缩略图: 0/9"));
-    QQuickItem *const photos = row(QStringLiteral("Photos"));
-    ASSERT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "Preview 0%"}); }));
-    auto *const ring = photos->findChild<ProgressRing *>();
-    ASSERT_TRUE(ring && ring->isVisible());
-    EXPECT_EQ(ring->shownProgress(), 0);
-    EXPECT_EQ(ProgressRing::drawnShare(ring->shownProgress()), 0.02);
-    EXPECT_EQ(ring->size(), QSizeF(16, 16));
-
-    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
-    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "AI Analysis 62%"}); }));
-    EXPECT_TRUE(waitUntil([&] { return ring->isSweeping(); }));
-    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
-    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos"}); }));
-    EXPECT_FALSE(ring->isSweeping());
-}
-
-TEST_F(SidebarViewTest, eachStateOfARunHasItsColour)
-{
-    const QString path = addEmptyFolder(QStringLiteral("Photos"));
-    state.sidebar()->deselect();
-    QQmlComponent component(&engine);
-    component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
-                      QUrl());
-    const std::unique_ptr<QObject> holder(component.create());
-    ASSERT_TRUE(holder);
-    const auto *const theme = holder->property("theme").value<QObject *>();
-    ASSERT_TRUE(theme);
-    const auto colour = [theme](const char *name) { return theme->property(name).value<QColor>(); };
-    QQuickItem *const photos = row(QStringLiteral("Photos"));
-    auto *const ring = photos->findChild<ProgressRing *>();
-    ASSERT_TRUE(ring);
-    const auto captionColour = [&] {
-        for (QQuickItem *const item : allBelow(photos)) {
-            const QString text = item->property("text").toString();
-            if (item->isVisible() &&
-                (text == QStringLiteral("Preview 50%") || text == QStringLiteral("AI Analysis 50%")))
-                return item->property("color").value<QColor>();
-        }
-        return QColor();
-    };
-    for (const auto &[stage, name] : {std::pair(FolderProcessingState::thumbnails, "orange"),
-                                      std::pair(FolderProcessingState::vectors, "blue")}) {
-        library.setProcessing(path, stage, 0.5, std::nullopt);
-        EXPECT_TRUE(waitUntil([&] { return ring->isVisible() && ring->color() == colour(name); })) << name;
-        EXPECT_EQ(captionColour(), colour(name));
-        EXPECT_FALSE(itemBelow(photos, "completedMark"));
-    }
-    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
-    ASSERT_TRUE(waitUntil([&] { return itemBelow(photos, "completedMark") != nullptr; }));
-    EXPECT_FALSE(ring->isVisible());
-    QQuickItem *const mark = itemBelow(photos, "completedMark")->childItems().constFirst();
-    EXPECT_EQ(mark->property("color").value<QColor>(), colour("green"));
-    click(photos);
-    const QColor ink = colour("accentInk");
-    EXPECT_EQ(mark->property("color").value<QColor>(), ink) << "selected, everything is in one ink";
-    library.setProcessing(path, FolderProcessingState::idle, 0, std::nullopt);
-    EXPECT_TRUE(waitUntil([&] { return !itemBelow(photos, "completedMark"); }));
-    EXPECT_FALSE(ring->isVisible());
-}
-
-TEST_F(SidebarViewTest, aRunThatIsScrolledAwayDrawsNothing)
-{
-    const QString path = addEmptyFolder(QStringLiteral("Photos"));
-    QStringList tags;
-    for (int i = 0; i < 50; ++i)
-        tags.append(QStringLiteral("tag %1").arg(i));
-    giveTags(tags);
-    library.setProcessing(path, FolderProcessingState::vectors, 0, std::nullopt);
-    QQuickItem *const photos = row(QStringLiteral("Photos"));
-    ASSERT_TRUE(waitUntil([&] { return textsOf(photos).contains(QStringLiteral("AI Analysis 0%")); }));
-    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
-    QQuickItem *const list = item("sidebarList");
-    const auto turningRings = [list] {
-        int count = 0;
-        for (QQuickItem *const item : allBelow(list)) {
-            const auto *const ring = qobject_cast<ProgressRing *>(item);
-            count += ring && ring->isSweeping() ? 1 : 0;
-        }
-        return count;
-    };
-    ASSERT_TRUE(waitUntil([&] { return turningRings() == 1; }));
-    // Little by little: the row goes out of view, then out of the list, then into another place.
-    QSignalSpy frames(window.get(), &QQuickWindow::frameSwapped);
-    for (const int notches : {1, 3, 20}) {
-        const double before = list->property("contentY").toDouble();
-        turnWheel(list, -120 * notches);
-        ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() > before + 100; }));
-        EXPECT_TRUE(waitUntil([&] { return turningRings() == 0; })) << notches;
-    }
-    const auto end = [list] {
-        return list->property("originY").toDouble() + list->property("contentHeight").toDouble() +
-               list->property("bottomMargin").toDouble() - list->height();
-    };
-    ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() == end(); }));
-    // A ring draws thirty frames in a second; a few come from elsewhere.
-    const auto isStill = [&frames] {
-        frames.clear();
-        return !waitUntil([&frames] { return frames.count() >= 8; }, std::chrono::milliseconds(600));
-    };
-    EXPECT_TRUE(isStill() || isStill());
-    turnWheel(list, 120 * 100);
-    EXPECT_TRUE(waitUntil([&] { return turningRings() == 1; }));
-    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
-}
-
-TEST_F(SidebarViewTest, aLongNameGivesWayToTheRun)
-{
-    const QString name = QStringLiteral("A folder with a name that is much longer than the sidebar is wide");
-    const QString path = addEmptyFolder(name);
-    library.setProcessing(path, FolderProcessingState::vectors, 0.99, std::nullopt);
-    QQuickItem *const folder = row(name);
-    ASSERT_TRUE(waitUntil([&] { return textsOf(folder).size() == 2; }));
-    waitForFrame();
-    QQuickItem *label = nullptr;
-    QQuickItem *caption = nullptr;
-    for (QQuickItem *const item : allBelow(folder)) {
-        const QString text = item->property("text").toString();
-        if (item->isVisible() && item != folder && text == name)
-            label = item;
-        if (item->isVisible() && text == QStringLiteral("AI Analysis 99%"))
-            caption = item;
-    }
-    ASSERT_TRUE(label && caption);
-    EXPECT_TRUE(label->property("truncated").toBool());
-    EXPECT_FALSE(caption->property("truncated").toBool());
-    EXPECT_LE(label->mapToItem(folder, QPointF(label->width(), 0)).x(),
-              folder->findChild<ProgressRing *>()->mapToItem(folder, QPointF()).x());
-    EXPECT_LE(caption->mapToItem(folder, QPointF(caption->width(), 0)).x(), folder->width());
-}
-
 TEST_F(SidebarViewTest, theStarOfAFavouriteStandsInTheLibraryOnly)
 {
     const QString path = addEmptyFolder(QStringLiteral("Photos"));
@@ -385,50 +108,6 @@ TEST_F(SidebarViewTest, theStarOfAFavouriteStandsInTheLibraryOnly)
     addFavorite(path);
     EXPECT_TRUE(itemBelow(row(QStringLiteral("Photos")), "favoriteStar"));
     EXPECT_FALSE(itemBelow(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite), "favoriteStar"));
-}
-
-TEST_F(SidebarViewTest, theMenuOfAFolderAddsItToTheFavouritesAndTakesItOut)
-{
-    addEmptyFolder(QStringLiteral("Photos"));
-    click(row(QStringLiteral("★"), SidebarRow::Kind::rating));
-    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"))),
-              QStringList({"addToFavorites", "openInFinder", "delete"}));
-    EXPECT_EQ(selected(), QStringLiteral("★")) << "a right click selects nothing";
-    choose("addToFavorites");
-    ASSERT_TRUE(waitUntil([this] { return library.favoriteFolders().size() == 1; }));
-    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"))),
-              QStringList({"removeFromFavorites", "openInFinder", "delete"}));
-    choose("removeFromFavorites");
-    EXPECT_TRUE(waitUntil([this] { return library.favoriteFolders().isEmpty(); }));
-}
-
-TEST_F(SidebarViewTest, aFavouriteOffersNoDeleteAndNoChildren)
-{
-    const QString path = addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
-    addFavorite(path);
-    EXPECT_EQ(openMenuOf(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite)),
-              QStringList({"removeFromFavorites", "openInFinder"}));
-    press(Qt::Key_Escape);
-    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
-    EXPECT_FALSE(row(QStringLiteral("Photos"), SidebarRow::Kind::favorite)->property("hasChildren").toBool());
-    EXPECT_TRUE(row(QStringLiteral("Photos"))->property("hasChildren").toBool());
-}
-
-TEST_F(SidebarViewTest, deleteTakesAFolderOutOfTheLibraryUnasked)
-{
-    const QString path = addEmptyFolder(QStringLiteral("Photos"));
-    openMenuOf(row(QStringLiteral("Photos")));
-    choose("delete");
-    EXPECT_TRUE(waitUntil([this] { return library.libraryFolders().isEmpty(); }));
-    EXPECT_TRUE(QDir(path).exists());
-}
-
-TEST_F(SidebarViewTest, ratingsAndHeadersHaveNoMenu)
-{
-    rightClick(row(QStringLiteral("★"), SidebarRow::Kind::rating));
-    rightClick(row(QStringLiteral("Tags"), SidebarRow::Kind::header));
-    waitForFrame();
-    EXPECT_FALSE(isOpen());
 }
 
 TEST_F(SidebarViewTest, theMarkUnfoldsAFolderWithoutSelectingIt)
@@ -479,31 +158,6 @@ TEST_F(SidebarViewTest, theRowThatTheKeysAreOnShowsIt)
     QQuickItem *const rating = row(QStringLiteral("★"), SidebarRow::Kind::rating);
     EXPECT_TRUE(rating->hasActiveFocus());
     EXPECT_TRUE(rating->property("showsFocus").toBool());
-}
-
-TEST_F(SidebarViewTest, theMenuKeysOpenTheMenuOfTheCurrentRow)
-{
-    addEmptyFolder(QStringLiteral("Photos"));
-    click(row(QStringLiteral("Photos")));
-    press(Qt::Key_Menu);
-    EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
-    press(Qt::Key_Escape);
-    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
-    press(Qt::Key_F10, Qt::ShiftModifier);
-    EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
-}
-
-TEST_F(SidebarViewTest, aKeyRightAfterTheMenuIsTheLists)
-{
-    addEmptyFolder(QStringLiteral("Photos"));
-    click(row(QStringLiteral("Photos")));
-    openMenuOf(row(QStringLiteral("Photos")));
-    press(Qt::Key_Escape);
-    press(Qt::Key_End);
-    EXPECT_EQ(library.selectedRating(), 5);
-    ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
-    press(Qt::Key_Up);
-    EXPECT_EQ(library.selectedRating(), 4);
 }
 
 TEST_F(SidebarViewTest, unfoldingAFolderLeavesTheListWhereItIs)
@@ -596,8 +250,8 @@ TEST_F(SidebarViewTest, ofThousandsOfTagsOnlyThoseInViewExist)
     EXPECT_TRUE(waitUntil([&] { return existing() > 10; })); // the frame may have been under way before
     EXPECT_LT(existing(), 60);
     state.sidebar()->activate(int(rows().size()) - 1);
-    waitForFrame();
-    EXPECT_TRUE(cell("sidebarList", int(rows().size()) - 1)) << "the current row is in view";
+    EXPECT_TRUE(waitUntil([&] { return cell("sidebarList", int(rows().size()) - 1) != nullptr; }))
+        << "the current row is in view";
 }
 
 TEST_F(SidebarViewTest, rowsHaveNamesRolesAndStatesForScreenReaders)

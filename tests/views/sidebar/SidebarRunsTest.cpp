@@ -1,0 +1,150 @@
+#include "views/SidebarFixture.h"
+#include "views/style/ProgressRing.h"
+
+#include <QQmlComponent>
+#include <QSignalSpy>
+
+using namespace Qorvane;
+
+namespace {
+
+/// What a folder's row says of its run.
+class SidebarRunsTest : public SidebarFixture
+{
+};
+
+} // namespace
+
+TEST_F(SidebarRunsTest, aRunThatHasJustBegunShowsASliverAndZeroPercent)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    library.setProcessing(path, FolderProcessingState::thumbnails, 0, QStringLiteral("缩略图: 0/9"));
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    ASSERT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "Preview 0%"}); }));
+    auto *const ring = photos->findChild<ProgressRing *>();
+    ASSERT_TRUE(ring && ring->isVisible());
+    EXPECT_EQ(ring->shownProgress(), 0);
+    EXPECT_EQ(ProgressRing::drawnShare(ring->shownProgress()), 0.02);
+    EXPECT_EQ(ring->size(), QSizeF(16, 16));
+
+    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos", "AI Analysis 62%"}); }));
+    EXPECT_TRUE(waitUntil([&] { return ring->isSweeping(); }));
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return textsOf(photos) == QStringList({"Photos"}); }));
+    EXPECT_FALSE(ring->isSweeping());
+}
+
+TEST_F(SidebarRunsTest, eachStateOfARunHasItsColour)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    state.sidebar()->deselect();
+    QQmlComponent component(&engine);
+    component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
+                      QUrl());
+    const std::unique_ptr<QObject> holder(component.create());
+    ASSERT_TRUE(holder);
+    const auto *const theme = holder->property("theme").value<QObject *>();
+    ASSERT_TRUE(theme);
+    const auto colour = [theme](const char *name) { return theme->property(name).value<QColor>(); };
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    auto *const ring = photos->findChild<ProgressRing *>();
+    ASSERT_TRUE(ring);
+    const auto captionColour = [&] {
+        for (QQuickItem *const item : allBelow(photos)) {
+            const QString text = item->property("text").toString();
+            if (item->isVisible() &&
+                (text == QStringLiteral("Preview 50%") || text == QStringLiteral("AI Analysis 50%")))
+                return item->property("color").value<QColor>();
+        }
+        return QColor();
+    };
+    for (const auto &[stage, name] : {std::pair(FolderProcessingState::thumbnails, "orange"),
+                                      std::pair(FolderProcessingState::vectors, "blue")}) {
+        library.setProcessing(path, stage, 0.5, std::nullopt);
+        EXPECT_TRUE(waitUntil([&] { return ring->isVisible() && ring->color() == colour(name); })) << name;
+        EXPECT_EQ(captionColour(), colour(name));
+        EXPECT_FALSE(itemBelow(photos, "completedMark"));
+    }
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return itemBelow(photos, "completedMark") != nullptr; }));
+    EXPECT_FALSE(ring->isVisible());
+    QQuickItem *const mark = itemBelow(photos, "completedMark")->childItems().constFirst();
+    EXPECT_EQ(mark->property("color").value<QColor>(), colour("green"));
+    click(photos);
+    const QColor ink = colour("accentInk");
+    EXPECT_EQ(mark->property("color").value<QColor>(), ink) << "selected, everything is in one ink";
+    library.setProcessing(path, FolderProcessingState::idle, 0, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return !itemBelow(photos, "completedMark"); }));
+    EXPECT_FALSE(ring->isVisible());
+}
+
+TEST_F(SidebarRunsTest, aRunThatIsScrolledAwayDrawsNothing)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"));
+    QStringList tags;
+    for (int i = 0; i < 50; ++i)
+        tags.append(QStringLiteral("tag %1").arg(i));
+    giveTags(tags);
+    library.setProcessing(path, FolderProcessingState::vectors, 0, std::nullopt);
+    QQuickItem *const photos = row(QStringLiteral("Photos"));
+    ASSERT_TRUE(waitUntil([&] { return textsOf(photos).contains(QStringLiteral("AI Analysis 0%")); }));
+    library.setProcessing(path, FolderProcessingState::vectors, 0.625, std::nullopt);
+    QQuickItem *const list = item("sidebarList");
+    const auto turningRings = [list] {
+        int count = 0;
+        for (QQuickItem *const item : allBelow(list)) {
+            const auto *const ring = qobject_cast<ProgressRing *>(item);
+            count += ring && ring->isSweeping() ? 1 : 0;
+        }
+        return count;
+    };
+    ASSERT_TRUE(waitUntil([&] { return turningRings() == 1; }));
+    // Little by little: the row goes out of view, then out of the list, then into another place.
+    QSignalSpy frames(window.get(), &QQuickWindow::frameSwapped);
+    for (const int notches : {1, 3, 20}) {
+        const double before = list->property("contentY").toDouble();
+        turnWheel(list, -120 * notches);
+        ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() > before + 100; }));
+        EXPECT_TRUE(waitUntil([&] { return turningRings() == 0; })) << notches;
+    }
+    const auto end = [list] {
+        return list->property("originY").toDouble() + list->property("contentHeight").toDouble() +
+               list->property("bottomMargin").toDouble() - list->height();
+    };
+    ASSERT_TRUE(waitUntil([&] { return list->property("contentY").toDouble() == end(); }));
+    // A ring draws thirty frames in a second; a few come from elsewhere.
+    const auto isStill = [&frames] {
+        frames.clear();
+        return !waitUntil([&frames] { return frames.count() >= 8; }, std::chrono::milliseconds(600));
+    };
+    EXPECT_TRUE(isStill() || isStill());
+    turnWheel(list, 120 * 100);
+    EXPECT_TRUE(waitUntil([&] { return turningRings() == 1; }));
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+}
+
+TEST_F(SidebarRunsTest, aLongNameGivesWayToTheRun)
+{
+    const QString name = QStringLiteral("A folder with a name that is much longer than the sidebar is wide");
+    const QString path = addEmptyFolder(name);
+    library.setProcessing(path, FolderProcessingState::vectors, 0.99, std::nullopt);
+    QQuickItem *const folder = row(name);
+    ASSERT_TRUE(waitUntil([&] { return textsOf(folder).size() == 2; }));
+    waitForFrame();
+    QQuickItem *label = nullptr;
+    QQuickItem *caption = nullptr;
+    for (QQuickItem *const item : allBelow(folder)) {
+        const QString text = item->property("text").toString();
+        if (item->isVisible() && item != folder && text == name)
+            label = item;
+        if (item->isVisible() && text == QStringLiteral("AI Analysis 99%"))
+            caption = item;
+    }
+    ASSERT_TRUE(label && caption);
+    EXPECT_TRUE(label->property("truncated").toBool());
+    EXPECT_FALSE(caption->property("truncated").toBool());
+    EXPECT_LE(label->mapToItem(folder, QPointF(label->width(), 0)).x(),
+              folder->findChild<ProgressRing *>()->mapToItem(folder, QPointF()).x());
+    EXPECT_LE(caption->mapToItem(folder, QPointF(caption->width(), 0)).x(), folder->width());
+}
