@@ -11,7 +11,7 @@ Menu {
 
     function openAt(path, ground, position) {
         menu.path = path;
-        popup(ground, position);
+        popUpAt(ground, position.x, position.y);
     }
 
     objectName: "cellMenu"

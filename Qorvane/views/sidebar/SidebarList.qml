@@ -29,7 +29,7 @@ ListView {
 
     function openMenu(row, item, x, y) {
         if (sidebar.openMenu(row))
-            menu.popup(item, x, y);
+            menu.popUpAt(item, x, y);
     }
 
     function openMenuOfCurrentRow() {

@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// Entries that float over the window: `popup()` opens them at the pointer. A menu in a menu is a submenu.
+/// Entries that float over the window: `popUpAt()` opens them. A menu in a menu is a submenu.
 T.Menu {
     id: control
 
@@ -11,6 +11,16 @@ T.Menu {
     property bool isLeaving: false
     /// The same after the click that may have begun it: that one is the menu's.
     property bool hasLeft: false
+    /// Where it was asked for while it still faded; the toolkit, from 6.8 on, wouldn't open it then.
+    property var askedFor: null
+
+    /// Opens it with a corner at a position in `ground`.
+    function popUpAt(ground, x, y) {
+        if (isLeaving && visible)
+            askedFor = { ground: ground, x: x, y: y };
+        else
+            popup(ground, x, y);
+    }
 
     // The longest entry decides; the ones that this menu doesn't offer now have no width.
     contentWidth: Array.from({ length: count }, (_, index) => itemAt(index)?.implicitWidth ?? 0)
@@ -36,6 +46,13 @@ T.Menu {
         // The toolkit does it when the fade has ended, and a key pressed until then would be lost.
         if (!isSubmenu)
             T.ApplicationWindow.contentItem.forceActiveFocus(Qt.PopupFocusReason);
+    }
+
+    onClosed: {
+        const asked = askedFor;
+        askedFor = null;
+        if (asked !== null)
+            popup(asked.ground, asked.x, asked.y);
     }
 
     delegate: MenuItem {}

@@ -46,7 +46,7 @@ Item {
             isOn: sortMenu.visible
             offersTip: !sortMenu.visible
             Accessible.role: Accessible.ButtonMenu
-            onClicked: sortMenu.popup(sortButton, 0, sortButton.height + 4)
+            onClicked: sortMenu.popUpAt(sortButton, 0, sortButton.height + 4)
 
             SortMenu {
                 id: sortMenu

@@ -58,7 +58,7 @@ T.ApplicationWindow {
         }
         MenuItem { objectName: "delete"; text: "Delete"; isDestructive: true; onTriggered: window.chosen = "delete" }
     }
-    function openAt(x, y) { menu.popup(x, y); }
+    function openAt(x, y) { menu.popUpAt(window.contentItem, x, y); }
     function addLongEntry() { menu.addItem(longEntry.createObject(menu.contentItem)); }
     Component { id: longEntry; MenuItem { objectName: "long"; text: "An entry with a text that is much longer than all the others have" } }
 }
