@@ -2,15 +2,15 @@
 
 #include "views/folders/FolderAdding.h"
 #include "views/grid/GridPage.h"
+#include "views/grid/MediaActions.h"
 #include "views/grid/MediaListModel.h"
 #include "views/grid/MediaSelection.h"
 #include "views/inspector/SelectedMedia.h"
 #include "views/pictures/ThumbnailRevisions.h"
 #include "views/search/SearchController.h"
 #include "views/sidebar/Sidebar.h"
-#include "views/window/ColumnFocus.h"
 #include "views/style/KeyboardFocus.h"
-#include "views/grid/MediaActions.h"
+#include "views/window/ColumnFocus.h"
 #include "views/window/Sorting.h"
 
 #include <QObject>
