@@ -26,11 +26,7 @@ namespace {
 class ContentViewStateTest : public testing::Test
 {
 protected:
-    ContentViewStateTest()
-    {
-        for (const char *name : {"one", "two", "three"})
-            QDir(m_place.path()).mkdir(QString::fromLatin1(name));
-    }
+    ContentViewStateTest() { QDir(m_place.path()).mkdir(QStringLiteral("one")); }
     ~ContentViewStateTest() override
     {
         EmbeddingStore::shared().deleteTagGlobally(QStringLiteral("Beach"));
