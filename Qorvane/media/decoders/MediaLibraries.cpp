@@ -23,6 +23,11 @@ namespace Qorvane::MediaLibraries {
 
 namespace {
 
+// Its start writes the place it was installed at into the environment, unless it stands there already. A
+// variable that comes to the others moves them all, and whoever reads one on another thread meanwhile ends
+// the program. So it comes while there is one thread only, before main(), in every program that has libvips.
+[[maybe_unused]] const char *const vipsPrefix = vips_guess_prefix("qorvane", "VIPSHOME");
+
 void prepareExiv2()
 {
     // Neither call is safe while another thread reads metadata.
