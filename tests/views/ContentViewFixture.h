@@ -120,18 +120,26 @@ protected:
         waitForFrame();
     }
 
+    // One for all tests: the toolkit keeps every touch screen that it is told of.
+    static QPointingDevice *touchScreen()
+    {
+        static QPointingDevice *const screen = QTest::createTouchDevice();
+        return screen;
+    }
+
     // The same with a finger on the screen; the window gathers its steps until the next frame.
     void swipeUp(QQuickItem *target, int distance)
     {
         const QPointF middle(target->width() / 2, target->height() / 2);
         const QPoint start = target->mapToScene(middle).toPoint();
         constexpr int steps = 5;
-        QTest::touchEvent(window.get(), screen).press(0, start);
+        QTest::touchEvent(window.get(), touchScreen()).press(0, start);
         for (int step = 1; step <= steps; ++step) {
-            QTest::touchEvent(window.get(), screen).move(0, start - QPoint(0, distance * step / steps));
+            QTest::touchEvent(window.get(), touchScreen())
+                .move(0, start - QPoint(0, distance * step / steps));
             waitForFrame();
         }
-        QTest::touchEvent(window.get(), screen).release(0, start - QPoint(0, distance));
+        QTest::touchEvent(window.get(), touchScreen()).release(0, start - QPoint(0, distance));
         waitForFrame();
     }
 
@@ -169,7 +177,6 @@ protected:
         library,
         [this](const QString &text, const QList<FileUrl> &scope, int) { return search(text, scope); },
         thumbnails};
-    QPointingDevice *const screen = QTest::createTouchDevice();
     QQmlEngine engine;
     std::unique_ptr<QQuickWindow> window;
 };

@@ -72,9 +72,11 @@ protected:
     }
 
     double position(const char *grid) const { return item(grid)->property("contentY").toDouble(); }
-    // Scrolls as the scroll bar does.
+    // Scrolls as the scroll bar does, once a motion that is under way has ended.
     void setPosition(const char *grid, double position)
     {
+        const QByteArray scrolling = QByteArray(grid) + "Scrolling";
+        ASSERT_TRUE(waitUntil([&] { return !item(scrolling.constData())->property("isMoving").toBool(); }));
         item(grid)->setProperty("contentY", position);
         waitForFrame();
     }

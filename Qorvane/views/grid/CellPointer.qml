@@ -1,4 +1,5 @@
 import QtQuick
+import QorvaneViews
 
 /// The pointer over the cells of a grid: one set of handlers for all of them, since each cell would have to make its
 /// own while the grid scrolls. Positions are the view's.
@@ -6,22 +7,18 @@ Item {
     id: pointer
 
     required property GridView view
+    required property MediaListModel media
     /// What of a cell the pointer reaches: the width of its picture, this far from its left edge. Between is nothing.
     required property double bodyX
     required property double bodyWidth
     /// The cell under the pointer; null for none.
     property Item hoveredCell: null
 
-    // Of the last press and of the taps that led to it, of which two on one cell are a double tap.
-    property Item pressedCell: null
-    property Item tappedCell: null
-    property int taps: 0
-
     signal tapped(int row, bool isCommandHeld)
     signal doubleTapped(int row)
     signal menuRequested(int row, point position)
 
-    function cellAt(position) {
+    function cellAt(position: point): Item {
         const x = position.x + view.contentX;
         const y = position.y + view.contentY;
         const cell = view.itemAt(x, y);
@@ -31,14 +28,11 @@ Item {
         return x >= left && x < left + bodyWidth && y < cell.y + cell.height ? cell : null;
     }
 
-    function rowAt(position) {
-        return view.indexAt(position.x + view.contentX, position.y + view.contentY);
-    }
-
-    /// A list that has just changed is laid out with the next frame only.
-    function settledCellAt(position) {
+    /// -1 beside the cells.
+    function rowAt(position: point): int {
+        // A list that has just changed is laid out with the next frame only.
         view.forceLayout();
-        return cellAt(position);
+        return cellAt(position) === null ? -1 : view.indexAt(position.x + view.contentX, position.y + view.contentY);
     }
 
     function updateHover() {
@@ -82,20 +76,19 @@ Item {
         onPointChanged: pointer.updateHover()
     }
 
+    CellTaps {
+        id: taps
+    }
+
     TapHandler {
-        onPressedChanged: if (pressed) pointer.pressedCell = pointer.settledCellAt(point.pressPosition)
+        onPressedChanged: if (pressed) taps.press(pointer.media.path(pointer.rowAt(point.pressPosition)))
         onTapped: eventPoint => {
-            const cell = pointer.settledCellAt(eventPoint.pressPosition);
-            // What came under the pointer since the press isn't meant.
-            if (cell === null || cell !== pointer.pressedCell)
-                return;
-            pointer.taps = cell !== pointer.tappedCell || tapCount === 1 ? 1 : pointer.taps + 1;
-            pointer.tappedCell = cell;
             const row = pointer.rowAt(eventPoint.pressPosition);
+            const tap = taps.tap(pointer.media.path(row), tapCount);
             // Of a double click the first one selects.
-            if (pointer.taps === 1)
+            if (tap === CellTaps.Single)
                 pointer.tapped(row, (point.modifiers & Qt.ControlModifier) !== 0);
-            else if (pointer.taps === 2)
+            else if (tap === CellTaps.Double)
                 pointer.doubleTapped(row);
         }
     }
@@ -105,8 +98,9 @@ Item {
         acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad | PointerDevice.Stylus
         acceptedButtons: Qt.RightButton
         onTapped: eventPoint => {
-            if (pointer.settledCellAt(eventPoint.pressPosition) !== null)
-                pointer.menuRequested(pointer.rowAt(eventPoint.pressPosition), eventPoint.pressPosition);
+            const row = pointer.rowAt(eventPoint.pressPosition);
+            if (row >= 0)
+                pointer.menuRequested(row, eventPoint.pressPosition);
         }
     }
 }

@@ -56,6 +56,7 @@ FocusScope {
         const row = media.firstSelectedRow;
         if (row < 0)
             return;
+        scrolling.stop();
         grid.positionViewAtIndex(row, GridView.Contain);
         const cell = grid.itemAtIndex(row);
         menuRequested(media.path(row), cell, Qt.point(cell.width / 2, cell.height / 2));
@@ -138,6 +139,7 @@ FocusScope {
         id: pointer
 
         view: grid
+        media: area.media
         bodyX: area.pictureX
         bodyWidth: area.pictureWidth
         onTapped: (row, isCommandHeld) => area.select(row, isCommandHeld)
@@ -148,6 +150,7 @@ FocusScope {
     SmoothScrolling {
         id: scrolling
 
+        objectName: area.gridName + "Scrolling"
         view: grid
         bar: bar
         ground: area
@@ -157,6 +160,7 @@ FocusScope {
         id: columns
 
         width: grid.width - 2 * Theme.contentPadding
-        devicePixelRatio: Screen.devicePixelRatio
+        // Of the grid's own screen: attached to what is no item, it would be the primary one's.
+        devicePixelRatio: area.Screen.devicePixelRatio
     }
 }

@@ -12,6 +12,7 @@ Item {
     required property T.ScrollBar bar
     /// Where the wheel works; wider than the view where that keeps margins.
     property Item ground: view
+    readonly property alias isMoving: motion.running
     readonly property double lowest: view.originY - view.topMargin
     readonly property double highest: view.originY + view.contentHeight + view.bottomMargin - view.height
 
