@@ -148,11 +148,16 @@ void FolderLibrary::scheduleRecordDeletion(const QString &path)
             EmbeddingStore::shared().printStatistics();
         });
     };
-    const auto deletion = [path, check, edits = m_surroundings.edits,
+    const auto deletion = [self = QPointer(this), path, check, edits = m_surroundings.edits,
                            delay = m_surroundings.timings.untilDeletionCheck] {
         // Tags given before would otherwise be written behind it, for files that are gone from the library.
         edits->wait();
         EmbeddingStore::shared().deleteFolder(path);
+        // Tags and ratings count fewer files now.
+        MainQueue::async([self] {
+            if (self)
+                self->m_state.announceChange();
+        });
         MainQueue::after(delay, check);
     };
     MainQueue::after(m_surroundings.timings.untilRecordDeletion, [self = QPointer(this), deletion] {

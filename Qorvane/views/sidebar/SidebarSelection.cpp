@@ -45,10 +45,18 @@ void SidebarSelection::setId(const std::optional<QString> &id)
 
 void SidebarSelection::select(const std::optional<QString> &id)
 {
-    if (m_id == id)
+    // No row is marked where the library shows what has none: a folder below a root that left it. To choose
+    // none leaves that too.
+    const bool isNews = m_id != id || (!id && hasLibrarySelection());
+    if (!isNews)
         return;
     setId(id);
     tellLibrary();
+}
+
+bool SidebarSelection::hasLibrarySelection() const
+{
+    return m_qorManager.selectedTag() || m_qorManager.selectedRating() || m_qorManager.selectedFolder();
 }
 
 // The tag comes first, so one called "rating-3" is a tag.
@@ -114,11 +122,17 @@ void SidebarSelection::giveWay()
 }
 
 // An id without a row would keep the next folder that the library selects from being marked, and a click on
-// the same folder, should it come back, from opening it. The library sees to its own selection.
+// the same folder, should it come back, from opening it. The library sees to its own selection: what it still
+// shows has another row, or none.
 void SidebarSelection::forgetLostFolder()
 {
     const bool wasFolder = std::exchange(m_isFolder, isFolderOfLibrary());
-    if (wasFolder && !m_isFolder)
+    if (!wasFolder || m_isFolder)
+        return;
+    const std::optional<Folder> shown = m_qorManager.selectedFolder();
+    if (shown && FolderTree::findFolder(shown->url, m_qorManager.libraryFolders()))
+        markFolder(*shown);
+    else
         setId(std::nullopt);
 }
 

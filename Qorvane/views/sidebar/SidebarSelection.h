@@ -23,7 +23,8 @@ public:
     explicit SidebarSelection(QorManage &qorManager, QObject *parent = nullptr);
 
     const std::optional<QString> &id() const { return m_id; }
-    /// The user's choice; none deselects. One that is chosen already changes nothing.
+    /// The user's choice; none deselects whatever the library has selected. One that is chosen already
+    /// changes nothing.
     void select(const std::optional<QString> &id);
 
 Q_SIGNALS:
@@ -41,6 +42,7 @@ private:
     void followTag();
     void followRating();
     void forgetLostFolder();
+    bool hasLibrarySelection() const;
     bool isFolderOfLibrary() const;
 
     QorManage &m_qorManager;

@@ -266,7 +266,7 @@ TEST_F(SidebarSelectionTest, theFolderAfterTheOnlyOneIsMarked)
     EXPECT_EQ(library.selectedFolder(), two);
 }
 
-TEST_F(SidebarSelectionTest, aFolderThatGoesLeavesTheOthersMarkedAndIsForgottenInSilence)
+TEST_F(SidebarSelectionTest, aFavouriteThatGoesHandsTheMarkToItsFolderInSilence)
 {
     const Folder one = addFolder(QStringLiteral("One"));
     const Folder two = addFolder(QStringLiteral("Two"));
@@ -278,9 +278,36 @@ TEST_F(SidebarSelectionTest, aFolderThatGoesLeavesTheOthersMarkedAndIsForgottenI
     takeWrites();
     library.removeFromFavorites(one);
     ASSERT_TRUE(waitUntil([this] { return library.favoriteFolders().isEmpty(); }));
-    EXPECT_EQ(selection.id(), std::nullopt);
+    EXPECT_EQ(selection.id(), rowOf(one));
     EXPECT_EQ(library.selectedFolder(), one);
     EXPECT_EQ(takeWrites(), QStringList());
+
+    selection.select(std::nullopt);
+    EXPECT_EQ(selection.id(), std::nullopt);
+    EXPECT_EQ(library.selectedFolder(), std::nullopt);
+}
+
+// Its own selection is all that the library takes back with a root.
+TEST_F(SidebarSelectionTest, aFolderWhoseRootGoesHasNoRowAndCanStillBeLeft)
+{
+    QDir().mkpath(place.filePath(QStringLiteral("One/Sub")));
+    const Folder one = addFolder(QStringLiteral("One"));
+    ASSERT_TRUE(one.children && one.children->size() == 1);
+    const Folder sub = one.children->constFirst();
+    selection.select(rowOf(sub));
+    ASSERT_EQ(library.selectedFolder(), sub);
+    takeWrites();
+    library.removeFolderFromLibrary(one);
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().isEmpty(); }));
+    EXPECT_EQ(selection.id(), std::nullopt);
+    EXPECT_EQ(library.selectedFolder(), sub);
+    EXPECT_EQ(takeWrites(), QStringList());
+
+    selection.select(std::nullopt);
+    EXPECT_EQ(library.selectedFolder(), std::nullopt);
+    takeWrites();
+    selection.select(std::nullopt);
+    EXPECT_EQ(takeWrites(), QStringList()) << "nothing was left to deselect";
 }
 
 TEST_F(SidebarSelectionTest, deletingTheSelectedTagSelectsNothing)
