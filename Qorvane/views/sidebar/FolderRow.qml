@@ -21,9 +21,17 @@ Item {
 
     signal toggled
 
+    /// However deep a folder lies, so much is left to read its name by; the caption of a run goes first.
+    readonly property int shortestName: 56
+    readonly property int marksRoom: icon.width + 4 + Theme.contentPadding // of a ring
+    readonly property double indent: Math.max(0, Math.min(depth * Theme.contentPadding, width - 30 - icon.width
+                                              - Theme.sidebarIconGap - shortestName - marksRoom))
+    readonly property double nameRoom: width - icon.x - icon.width - Theme.sidebarIconGap - Theme.contentPadding
+                                       - (isFavorite ? star.width + marks.spacing : 0) - 4
+
     DisclosureButton {
         objectName: "disclosure"
-        x: Theme.unit + 2 + row.depth * Theme.contentPadding
+        x: Theme.unit + 2 + row.indent
         anchors.verticalCenter: parent.verticalCenter
         isExpanded: row.isExpanded
         ink: row.isSelected ? Theme.accentInk : Theme.secondaryText
@@ -34,7 +42,7 @@ Item {
     Icon {
         id: icon
 
-        x: row.isFlat ? Theme.sidebarIconX : 30 + row.depth * Theme.contentPadding
+        x: row.isFlat ? Theme.sidebarIconX : 30 + row.indent
         anchors.verticalCenter: parent.verticalCenter
         name: "folder"
         size: 16
@@ -42,6 +50,8 @@ Item {
     }
 
     Label {
+        id: label
+
         anchors.left: icon.right
         anchors.leftMargin: Theme.sidebarIconGap
         anchors.right: marks.left
@@ -68,10 +78,13 @@ Item {
             percent: row.percent
             isInView: row.isInView
             standsOnAccent: row.isSelected
+            hasCaption: row.nameRoom - fullWidth >= Math.min(label.implicitWidth, row.shortestName)
             visible: width > 0
         }
 
         Icon {
+            id: star
+
             objectName: "favoriteStar"
             anchors.verticalCenter: parent.verticalCenter
             name: "star.fill"

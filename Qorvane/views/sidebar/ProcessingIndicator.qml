@@ -15,6 +15,11 @@ Row {
     /// Stands on a selected row, where everything is drawn in one ink.
     property bool standsOnAccent: false
 
+    /// Whether there is room for the words.
+    property bool hasCaption: true
+    /// With its caption.
+    readonly property double fullWidth: ring.width + spacing + caption.implicitWidth
+
     readonly property bool isRunning: runState === SidebarListModel.Thumbnails
                                       || runState === SidebarListModel.Vectors
     readonly property string stage: runState === SidebarListModel.Thumbnails
@@ -25,6 +30,8 @@ Row {
     spacing: 4
 
     ProgressRing {
+        id: ring
+
         width: 16
         height: 16
         anchors.verticalCenter: parent.verticalCenter
@@ -41,7 +48,7 @@ Row {
         id: caption
 
         anchors.verticalCenter: parent.verticalCenter
-        visible: indicator.isRunning
+        visible: indicator.isRunning && indicator.hasCaption
         text: indicator.stage + " " + indicator.percent
         font.pixelSize: Theme.caption2Size
         color: indicator.ink

@@ -8,6 +8,7 @@ Menu {
     required property SidebarMenu menu
 
     objectName: "sidebarMenu"
+    title: qsTranslate("Qorvane", "Sidebar")
 
     MenuItem {
         objectName: "removeFromFavorites"

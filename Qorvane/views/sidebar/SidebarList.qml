@@ -33,6 +33,7 @@ ListView {
     }
 
     function openMenuOfCurrentRow() {
+        showCurrentRow();
         if (currentItem !== null)
             openMenu(currentIndex, currentItem, Theme.contentPadding, currentItem.height);
     }
@@ -95,10 +96,10 @@ ListView {
     Rectangle {
         parent: list
         anchors.fill: parent
-        anchors.margins: 2
+        anchors.margins: Theme.focusStroke
         radius: Theme.rowRadius
         color: "transparent"
-        border.width: 2
+        border.width: Theme.focusStroke
         border.color: Theme.accent
         visible: list.activeFocus && list.keys.isVisible && list.currentIndex < 0
     }

@@ -102,6 +102,26 @@ TEST_F(SidebarContextMenuTest, theMenuKeysOpenTheMenuOfTheCurrentRow)
     EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
 }
 
+TEST_F(SidebarContextMenuTest, theMenuKeyBringsTheCurrentRowIntoViewFirst)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    QStringList tags;
+    for (int i = 0; i < 50; ++i)
+        tags.append(QStringLiteral("tag %1").arg(i));
+    giveTags(tags);
+    click(row(QStringLiteral("Photos")));
+    QQuickItem *const list = item("sidebarList");
+    const auto position = [list] { return list->property("contentY").toDouble(); };
+    const double top = position();
+    turnWheel(list, -120 * 3);
+    ASSERT_TRUE(waitUntil([&] { return position() > top + 100; }));
+    const auto isInView = [&] { return row(QStringLiteral("Photos"))->mapToItem(list, QPointF()).y() >= 0; };
+    ASSERT_FALSE(isInView());
+    press(Qt::Key_Menu);
+    EXPECT_TRUE(isInView());
+    EXPECT_TRUE(waitUntil([this] { return isOpen(); }));
+}
+
 TEST_F(SidebarContextMenuTest, aKeyRightAfterTheMenuIsTheLists)
 {
     addEmptyFolder(QStringLiteral("Photos"));

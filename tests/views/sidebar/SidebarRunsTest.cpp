@@ -148,3 +148,36 @@ TEST_F(SidebarRunsTest, aLongNameGivesWayToTheRun)
               folder->findChild<ProgressRing *>()->mapToItem(folder, QPointF()).x());
     EXPECT_LE(caption->mapToItem(folder, QPointF(caption->width(), 0)).x(), folder->width());
 }
+
+TEST_F(SidebarRunsTest, inADeepFolderTheNameCanStillBeRead)
+{
+    const QStringList names{QStringLiteral("Trips"),  QStringLiteral("2024"),    QStringLiteral("Summer"),
+                            QStringLiteral("France"), QStringLiteral("Seaside"), QStringLiteral("Weeks"),
+                            QStringLiteral("First"),  QStringLiteral("Days"),    QStringLiteral("Monday"),
+                            QStringLiteral("Noon"),   QStringLiteral("Lunches"), QStringLiteral("Melons")};
+    const QString root = addEmptyFolder(QStringLiteral("Photos"), {names.join(u'/')});
+    state.sidebar()->toggle(indexOf(QStringLiteral("Photos"), SidebarRow::Kind::folder));
+    QString path = root;
+    for (const QString &name : names) {
+        path += u'/' + name;
+        library.setProcessing(path, FolderProcessingState::vectors, 1, std::nullopt);
+        QQuickItem *const folder = row(name);
+        ASSERT_TRUE(folder) << qPrintable(name);
+        auto *const ring = folder->findChild<ProgressRing *>();
+        ASSERT_TRUE(waitUntil([&] { return ring->isVisible(); })) << qPrintable(name);
+        waitForFrame();
+        QQuickItem *label = nullptr;
+        for (QQuickItem *const item : allBelow(folder)) {
+            if (item != folder && item->isVisible() && item->inherits("QQuickLabel") &&
+                item->property("text").toString() == name)
+                label = item;
+        }
+        ASSERT_TRUE(label) << qPrintable(name);
+        EXPECT_GE(label->width(), std::min(56.0, label->implicitWidth())) << qPrintable(name);
+        EXPECT_LE(label->mapToItem(folder, QPointF(label->width(), 0)).x(),
+                  ring->mapToItem(folder, QPointF()).x())
+            << qPrintable(name);
+        library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+        state.sidebar()->toggle(indexOf(name, SidebarRow::Kind::folder));
+    }
+}
