@@ -29,6 +29,14 @@ QString requestPathFor(const QString &token)
 
 } // namespace
 
+QString FolderPanel::handleOf(const QString &platformName, WId window)
+{
+    // Under Wayland a window has to be exported first, which the toolkit offers to itself only.
+    if (platformName != QStringLiteral("xcb"))
+        return {};
+    return QStringLiteral("x11:") + QString::number(window, 16);
+}
+
 void FolderPanel::open(const QString &title, const QString &parentWindow)
 {
     if (m_isOpen)

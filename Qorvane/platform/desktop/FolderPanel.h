@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QUrl>
 #include <QVariantMap>
+#include <qwindowdefs.h>
 
 namespace Qorvane {
 
@@ -15,6 +16,10 @@ class FolderPanel : public QObject
 
 public:
     using QObject::QObject;
+
+    /// The portal's name for a window, for the desktop to keep its panel above it; empty where the window
+    /// system `platformName` (QGuiApplication's) has none that can be known without asking it.
+    static QString handleOf(const QString &platformName, WId window);
 
     /// Asks the desktop to show its panel over the window with the portal handle `parentWindow` (empty for
     /// none). One of the signals follows, later. A second call while a panel is open does nothing.

@@ -6,7 +6,9 @@
 #include "platform/Localization.h"
 #include "platform/MainQueue.h"
 
+#include <QGuiApplication>
 #include <QPointer>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -22,7 +24,10 @@ FolderAdding::FolderAdding(QorManage &qorManager, QObject *parent)
 
 void FolderAdding::choose()
 {
-    m_panel.open(localized("Add Folder"));
+    const QWindow *const window = QGuiApplication::focusWindow();
+    m_panel.open(localized("Add Folder"),
+                 window ? FolderPanel::handleOf(QGuiApplication::platformName(), window->winId())
+                        : QString());
 }
 
 bool FolderAdding::mayHold(const QList<QUrl> &urls) const

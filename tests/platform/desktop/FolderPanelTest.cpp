@@ -97,6 +97,12 @@ protected:
     QSignalSpy unavailable{&panel, &FolderPanel::unavailable};
 };
 
+TEST(FolderPanelHandle, namesAnX11WindowInHexadecimals)
+{
+    EXPECT_EQ(FolderPanel::handleOf(QStringLiteral("xcb"), 0x1A0000F), QStringLiteral("x11:1a0000f"));
+    EXPECT_EQ(FolderPanel::handleOf(QStringLiteral("wayland"), 7), QString());
+}
+
 TEST_F(FolderPanelTest, asksTheDesktopForSeveralFolders)
 {
     startPortal();
