@@ -17,11 +17,17 @@ Item {
     Accessible.name: name
     Accessible.selectable: true
     Accessible.selected: isSelected
+    Accessible.focusable: true
+    Accessible.focused: activeFocus
+    Accessible.onPressAction: row.clicked(row.index, Qt.NoModifier)
 
     Rectangle {
         anchors.fill: parent
         radius: Theme.rowRadius
         color: row.isSelected ? Theme.accentFill : hover.hovered ? Theme.hover : "transparent"
+        // Where the keys are, for a row that they took out of the selection.
+        border.width: row.activeFocus && !row.isSelected ? Theme.focusStroke : 0
+        border.color: Theme.accent
     }
 
     Icon {

@@ -28,7 +28,7 @@ T.TextField {
     background: Rectangle {
         radius: Theme.fieldRadius
         color: Theme.field
-        border.width: control.activeFocus ? 2 : 0
+        border.width: control.activeFocus ? Theme.focusStroke : 0
         border.color: Theme.accent
     }
 
@@ -64,6 +64,11 @@ T.TextField {
         iconColor: Theme.secondaryText
         iconSize: 16
         visible: control.length > 0
-        onClicked: control.clear()
+        onClicked: {
+            // It hides with the text, and would take the keys along.
+            if (activeFocus)
+                control.forceActiveFocus(Qt.OtherFocusReason);
+            control.clear();
+        }
     }
 }

@@ -19,6 +19,8 @@ Item {
     Accessible.name: label
     Accessible.focusable: true
     Accessible.focused: activeFocus
+    Accessible.onDecreaseAction: splitter.moved(-Theme.unit)
+    Accessible.onIncreaseAction: splitter.moved(Theme.unit)
     Keys.onLeftPressed: splitter.moved(-Theme.unit)
     Keys.onRightPressed: splitter.moved(Theme.unit)
     Keys.onPressed: event => {

@@ -63,7 +63,7 @@ void ColumnWidths::moveInspectorEdge(double distance)
     // The content column ends the way to the left, not a sidebar that gives way.
     const int room = int(m_windowWidth) - minimumContent - sidebar();
     const int widest = std::clamp(room, minimumInspector, maximumInspector);
-    m_inspectorWish = std::clamp(inspector() - distance, double(minimumInspector), double(widest));
+    m_inspectorWish = std::clamp(fullInspector() - distance, double(minimumInspector), double(widest));
     Q_EMIT changed();
 }
 

@@ -108,6 +108,8 @@ T.ApplicationWindow {
         anchors.bottom: parent.bottom
         anchors.horizontalCenter: content.right
         visible: widths.inspector > 0
+        // Out of sight it has no use for the keys.
+        enabled: visible
         onMoved: distance => widths.moveInspectorEdge(distance)
         onReset: widths.resetInspector()
     }

@@ -41,7 +41,7 @@ DropArea {
             anchors.margins: Theme.unit
             radius: Theme.cardRadius
             color: Qt.alpha(Theme.accent, 0.08)
-            border.width: 2
+            border.width: Theme.focusStroke
             border.color: Theme.accent
         }
 

@@ -60,7 +60,7 @@ TEST_F(SearchResultsViewTest, showsTheHitsInTheirRankWhateverTheSortOrder)
                              QStringLiteral("img2.jpg")};
     EXPECT_EQ(shownHits(), ranked);
     library.setSortOrder(SortOrder::ascending);
-    library.setSortCriterion(SortCriterion::creationDate);
+    ASSERT_TRUE(waitUntil([&] { return state.photos()->path(0) == picture(0).path(); }));
     waitForFrame();
     EXPECT_EQ(shownHits(), ranked);
 }

@@ -109,6 +109,11 @@ TEST_F(ContentColumnsTest, eachEdgeCanBeMovedByKeysAndGoesBackAtHome)
         EXPECT_EQ(width(column), ideal - step);
         QTest::keyClick(window.get(), Qt::Key_Home);
         EXPECT_EQ(width(column), ideal);
+        QAccessibleActionInterface *const actions = accessible->actionInterface();
+        actions->doAction(QAccessibleActionInterface::increaseAction());
+        EXPECT_EQ(width(column), ideal + step);
+        actions->doAction(QAccessibleActionInterface::decreaseAction());
+        EXPECT_EQ(width(column), ideal);
     }
 }
 
@@ -148,6 +153,17 @@ TEST_F(ContentColumnsTest, controlICollapsesTheInspectorAndBringsItBack)
     QTest::keyClick(window.get(), Qt::Key_I, Qt::ControlModifier);
     EXPECT_TRUE(waitUntil([this] { return width("inspectorColumn") == 300; }));
     EXPECT_EQ(width("contentColumn"), 750);
+}
+
+TEST_F(ContentColumnsTest, aCollapsedInspectorsEdgeHasNoKeys)
+{
+    item("inspectorSplitter")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(window.get(), Qt::Key_I, Qt::ControlModifier);
+    ASSERT_TRUE(waitUntil([this] { return width("inspectorColumn") == 0; }));
+    EXPECT_FALSE(hasKeys("inspectorSplitter"));
+    QTest::keyClick(window.get(), Qt::Key_Left);
+    QTest::keyClick(window.get(), Qt::Key_I, Qt::ControlModifier);
+    EXPECT_TRUE(waitUntil([this] { return width("inspectorColumn") == 300; }));
 }
 
 TEST_F(ContentColumnsTest, theToolbarsButtonDoesTheSameAndSaysWhatItWillDo)

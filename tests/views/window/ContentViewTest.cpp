@@ -155,6 +155,17 @@ TEST_F(ContentViewTest, theFieldsOwnButtonBringsTheGridBack)
     EXPECT_TRUE(item("photoGrid")->isVisible());
 }
 
+TEST_F(ContentViewTest, theFieldKeepsTheKeysThatItsOwnButtonHad)
+{
+    addFolder(QStringLiteral("Photos"), 2);
+    click(item("searchField"));
+    type(QStringLiteral("x"));
+    item("clearSearchButton")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyClick(window.get(), Qt::Key_Space);
+    EXPECT_EQ(item("searchField")->property("text").toString(), QString());
+    EXPECT_TRUE(item("searchField")->hasActiveFocus());
+}
+
 TEST_F(ContentViewTest, controlFGoesToTheSearchField)
 {
     addFolder(QStringLiteral("Photos"), 2);
