@@ -99,16 +99,18 @@ fetch_runtime() {
     scripts/fetch-onnxruntime.sh </dev/null || fail "the inference runtime could not be fetched"
 }
 
-# configure PRESET [CMAKE-OPTION...]: only when there is no configuration or the presets changed; the build itself
-# notices every other change.
+# configure PRESET [CMAKE-OPTION...]: only when there is no configuration, the presets changed, or it was configured
+# otherwise before; the build itself notices every other change.
 configure() {
     # A file of our own: the build takes every touch of CMake's as a reason to configure once more.
     local preset=$1 stamp=build/$1/configured
     shift
-    if [[ ! -f build/$preset/build.ninja || CMakePresets.json -nt $stamp ]]; then
+    # Whoever configures by hand changes the cache behind the stamp.
+    if [[ ! -f build/$preset/build.ninja || CMakePresets.json -nt $stamp || build/$preset/CMakeCache.txt -nt $stamp ||
+        $(<"$stamp") != "$*" ]]; then
         say "Configuring ($preset)"
         logged cmake --preset "$preset" "$@"
-        touch "$stamp"
+        printf '%s\n' "$*" >"$stamp"
     fi
 }
 
