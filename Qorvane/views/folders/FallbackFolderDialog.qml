@@ -96,7 +96,7 @@ T.Popup {
             width: parent.width
             color: Theme.window
             radius: Theme.fieldRadius
-            border.width: list.activeFocus ? 2 : 1
+            border.width: list.activeFocus ? Theme.focusStroke : 1
             border.color: list.activeFocus ? Theme.accent : Theme.hairline
 
             FolderBrowserList {

@@ -52,7 +52,7 @@ Rectangle {
     Timer {
         id: patience
 
-        interval: 300
+        interval: Theme.untilWaitingShows
         running: true
         onTriggered: thumbnail.hasWaited = true
     }

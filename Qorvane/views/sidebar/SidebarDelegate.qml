@@ -57,12 +57,12 @@ Item {
         color: row.isSelected ? Theme.accentFill
                : !row.isSelectable ? "transparent"
                : tap.pressed ? Theme.pressed : hover.hovered ? Theme.hover : "transparent"
-        border.width: row.showsFocus && !row.isSelected ? 2 : 0
+        border.width: row.showsFocus && !row.isSelected ? Theme.focusStroke : 0
         border.color: Theme.accent
 
         Rectangle {
             anchors.fill: parent
-            anchors.margins: 2
+            anchors.margins: Theme.focusStroke
             radius: Theme.rowRadius - 2
             color: "transparent"
             border.width: 1.5

@@ -24,7 +24,7 @@ T.BusyIndicator {
         RotationAnimator on rotation {
             from: 0
             to: 360
-            duration: 900
+            duration: Theme.turn
             loops: Animation.Infinite
             running: control.running && control.isTurning && control.visible && !Appearance.reducesMotion
         }

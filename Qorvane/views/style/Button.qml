@@ -29,7 +29,7 @@ T.Button {
     background: Rectangle {
         radius: Theme.fieldRadius
         color: control.isFilled ? Theme.accentFill : Theme.button
-        border.width: control.visualFocus ? 2 : 0
+        border.width: control.visualFocus ? Theme.focusStroke : 0
         border.color: control.isFilled ? Theme.text : Theme.accent
 
         Rectangle {

@@ -92,9 +92,15 @@ QtObject {
     readonly property int selectionStroke: 3
     readonly property int focusStroke: 2
 
+    // Patience, in milliseconds
+    readonly property int untilWaitingShows: 300
+    readonly property int untilTip: 700
+    readonly property int tipStays: 6000
+
     // Motion, in milliseconds
     readonly property int quick: Appearance.reducesMotion ? 0 : 120
     readonly property int panel: Appearance.reducesMotion ? 0 : 200
     readonly property int ring: Appearance.reducesMotion ? 0 : 1000
+    readonly property int turn: 900 // of a waiting mark, which rests where motion is reduced
     readonly property int easing: Easing.OutCubic
 }

@@ -32,7 +32,7 @@ T.ToolButton {
     background: Rectangle {
         radius: Theme.fieldRadius
         color: control.pressed ? Theme.pressed : control.hovered || control.isOn ? Theme.hover : "transparent"
-        border.width: control.visualFocus ? 2 : 0
+        border.width: control.visualFocus ? Theme.focusStroke : 0
         border.color: Theme.accent
 
         Behavior on color {

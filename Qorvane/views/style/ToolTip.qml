@@ -12,8 +12,8 @@ T.ToolTip {
     margins: Theme.unit
     horizontalPadding: Theme.unit
     verticalPadding: 4
-    delay: 700
-    timeout: 6000
+    delay: Theme.untilTip
+    timeout: Theme.tipStays
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
 
     contentItem: Label {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-// Every colour of the interface is named in Theme.qml, where light and dark meet.
+// Every colour of the interface is named in Theme.qml, where light and dark meet, and every time.
 
 namespace {
 
@@ -34,7 +34,26 @@ QStringList coloursOfItsOwn(const QString &qml)
     return found;
 }
 
+QStringList timesOfItsOwn(const QString &qml)
+{
+    static const QRegularExpression time(
+        QStringLiteral("(?:duration|interval|delay|timeout)\\s*:\\s*([1-9][0-9]*)"),
+        QRegularExpression::CaseInsensitiveOption);
+    QStringList found;
+    for (auto match = time.globalMatch(qml); match.hasNext();)
+        found.append(match.next().captured(1));
+    return found;
+}
+
 } // namespace
+
+TEST(ThemeOnly, timesAreFoundWhereTheyBypassTheTheme)
+{
+    EXPECT_EQ(timesOfItsOwn(QStringLiteral("    interval: 300\n    sweepDuration: 1000\n")),
+              QStringList({"300", "1000"}));
+    // Nothing is a time to wait for.
+    EXPECT_EQ(timesOfItsOwn(QStringLiteral("    interval: 0\n    duration: Theme.quick\n")), QStringList());
+}
 
 TEST(ThemeOnly, coloursAreFoundWhereTheyBypassTheTheme)
 {
@@ -48,7 +67,7 @@ TEST(ThemeOnly, coloursAreFoundWhereTheyBypassTheTheme)
         EXPECT_EQ(coloursOfItsOwn(QString::fromUtf8(qml)), QStringList()) << qml;
 }
 
-TEST(ThemeOnly, allColoursComeOutOfTheTheme)
+TEST(ThemeOnly, allColoursAndTimesComeOutOfTheTheme)
 {
     int count = 0;
     QDirIterator iterator(QStringLiteral(QORVANE_SOURCE_DIR "/Qorvane"), {QStringLiteral("*.qml")},
@@ -58,8 +77,9 @@ TEST(ThemeOnly, allColoursComeOutOfTheTheme)
         if (file.fileName().endsWith(QStringLiteral("/Theme.qml")))
             continue;
         ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(file.fileName());
-        EXPECT_EQ(coloursOfItsOwn(QString::fromUtf8(file.readAll())), QStringList())
-            << qPrintable(file.fileName());
+        const QString qml = QString::fromUtf8(file.readAll());
+        EXPECT_EQ(coloursOfItsOwn(qml), QStringList()) << qPrintable(file.fileName());
+        EXPECT_EQ(timesOfItsOwn(qml), QStringList()) << qPrintable(file.fileName());
         ++count;
     }
     EXPECT_GT(count, 20) << "the sources weren't found";
