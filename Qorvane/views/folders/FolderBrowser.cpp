@@ -2,7 +2,6 @@
 
 #include "library/DirectoryListing.h"
 #include "platform/FileAttributes.h"
-#include "platform/GlobalQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/NaturalOrder.h"
 
@@ -10,7 +9,6 @@
 #include <QPointer>
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace Qorvane {
@@ -48,6 +46,17 @@ std::optional<QStringList> folderNames(const QString &path)
 
 } // namespace
 
+FolderBrowser::FolderBrowser(QObject *parent)
+    : FolderBrowser(folderNames, parent)
+{
+}
+
+FolderBrowser::FolderBrowser(Source source, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_source(std::move(source))
+{
+}
+
 void FolderBrowser::open(const QString &path)
 {
     read(path.isEmpty() ? QDir::homePath() : QDir::cleanPath(path), {});
@@ -76,16 +85,17 @@ void FolderBrowser::openParent()
 void FolderBrowser::read(const QString &path, const QString &nameToSelect)
 {
     setState(Reading);
-    GlobalQueue::async(QualityOfService::userInitiated,
-                       [self = QPointer(this), path, nameToSelect, number = ++m_reading] {
-                           MainQueue::async([self, path, nameToSelect, number, names = folderNames(path)] {
-                               if (!self || self->m_reading != number)
-                                   return;
-                               if (names)
-                                   self->show(path, *names, nameToSelect);
-                               self->setState(names ? Listed : Unreadable);
-                           });
-                       });
+    // The read before is outdated: it is dropped, or left behind where it hangs.
+    m_reader.emplace(QualityOfService::userInitiated, 1);
+    m_reader->start([self = QPointer(this), source = m_source, path, nameToSelect, number = ++m_reading] {
+        MainQueue::async([self, path, nameToSelect, number, names = source(path)] {
+            if (!self || self->m_reading != number)
+                return;
+            if (names)
+                self->show(path, *names, nameToSelect);
+            self->setState(names ? Listed : Unreadable);
+        });
+    });
 }
 
 void FolderBrowser::show(const QString &path, const QStringList &names, const QString &nameToSelect)

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "platform/LeavablePool.h"
+
 #include <QAbstractListModel>
 #include <QList>
 #include <QSet>
 #include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
+#include <optional>
+
 namespace Qorvane {
 
 /// The folders in a folder, to choose some of them from: where the desktop has no panel for that. The disk is
-/// read in the background. GUI thread.
+/// read in the background, and a folder that doesn't answer is left for the next one. GUI thread.
 class FolderBrowser : public QAbstractListModel
 {
     Q_OBJECT
@@ -39,7 +44,13 @@ public:
     };
     Q_ENUM(State)
 
-    using QAbstractListModel::QAbstractListModel;
+    /// The names of the folders in the one at `path`, in the order to list them; nothing when that can't be
+    /// read. Called on a background thread, where it may block for ever: it owns all that it uses.
+    using Source = std::function<std::optional<QStringList>(const QString &path)>;
+
+    /// Lists what is on disk.
+    explicit FolderBrowser(QObject *parent = nullptr);
+    explicit FolderBrowser(Source source, QObject *parent = nullptr);
 
     const QString &path() const { return m_path; }
     bool hasParent() const { return m_path.size() > 1; }
@@ -81,6 +92,8 @@ private:
     void setState(State state);
     void setSelected(const QSet<int> &rows);
 
+    const Source m_source;
+    std::optional<LeavablePool> m_reader; // of the newest read alone
     QString m_path;
     QStringList m_names;
     State m_state = Listed;

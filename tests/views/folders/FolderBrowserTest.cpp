@@ -1,6 +1,7 @@
 #include "views/folders/FolderBrowser.h"
 
 #include "platform/GlobalQueue.h"
+#include "support/DeadDrive.h"
 #include "support/Printing.h"
 #include "support/Waiting.h"
 
@@ -10,6 +11,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <memory>
 
 using namespace Qorvane;
 
@@ -67,6 +70,26 @@ private:
         }
         return list;
     }
+};
+
+/// A browser over a drive that doesn't answer at "/dead", and one folder everywhere else.
+class HangingFolderTest : public testing::Test
+{
+protected:
+    void open(const char *path) const { browser->open(QString::fromLatin1(path)); }
+
+    bool waitForReads(int count)
+    {
+        return waitUntil([this, count] { return drive.reads() == count; });
+    }
+
+    DeadDrive drive;
+    std::unique_ptr<FolderBrowser> browser =
+        std::make_unique<FolderBrowser>([read = drive.reading()](const QString &path) {
+            if (path.startsWith(QStringLiteral("/dead")))
+                read();
+            return QStringList{QStringLiteral("in ") + path};
+        });
 };
 
 } // namespace
@@ -201,7 +224,7 @@ TEST_F(FolderBrowserTest, theLastFolderAskedForIsShown)
 {
     browser.open(path("照片"));
     browser.open(m_place.path());
-    GlobalQueue::waitUntilIdle();
+    LeavablePool::waitUntilIdle();
     drainMainQueue();
     EXPECT_EQ(browser.path(), m_place.path());
     EXPECT_EQ(browser.count(), 5);
@@ -215,4 +238,57 @@ TEST_F(FolderBrowserTest, rowsThatAreNotThereAreNotClicked)
     browser.openRow(5);
     EXPECT_EQ(browser.selectionCount(), 0);
     EXPECT_EQ(browser.state(), FolderBrowser::Listed);
+}
+
+TEST_F(HangingFolderTest, isLeftForTheNext)
+{
+    open("/dead/one");
+    ASSERT_TRUE(waitForReads(1));
+    open("/dead/two");
+    ASSERT_TRUE(waitForReads(2));
+    open("/alive");
+    ASSERT_TRUE(waitUntil([this] { return browser->state() == FolderBrowser::Listed; }));
+    EXPECT_EQ(browser->path(), QStringLiteral("/alive"));
+    EXPECT_EQ(drive.answers(), 0);
+}
+
+TEST_F(HangingFolderTest, isNotShownWhenItAnswersAfterAnother)
+{
+    open("/dead");
+    ASSERT_TRUE(waitForReads(1));
+    open("/alive");
+    ASSERT_TRUE(waitUntil([this] { return browser->state() == FolderBrowser::Listed; }));
+    drive.comeBack();
+    drainMainQueue();
+    EXPECT_EQ(browser->path(), QStringLiteral("/alive"));
+    EXPECT_EQ(browser->index(0).data().toString(), QStringLiteral("in /alive"));
+}
+
+TEST_F(HangingFolderTest, isShownWhenItAnswersInTheEnd)
+{
+    open("/dead");
+    ASSERT_TRUE(waitForReads(1));
+    EXPECT_EQ(browser->state(), FolderBrowser::Reading);
+    drive.comeBack();
+    drainMainQueue();
+    EXPECT_EQ(browser->path(), QStringLiteral("/dead"));
+}
+
+// The background process ends when these queues are idle, and the library's lists are loaded by them.
+TEST_F(HangingFolderTest, isNoWorkOfTheLibrarys)
+{
+    open("/dead");
+    ASSERT_TRUE(waitForReads(1));
+    EXPECT_TRUE(GlobalQueue::isIdle());
+}
+
+TEST_F(HangingFolderTest, doesNotHoldTheBrowserThatGoes)
+{
+    open("/dead");
+    ASSERT_TRUE(waitForReads(1));
+    browser.reset();
+    EXPECT_EQ(drive.answers(), 0);
+    drive.comeBack();
+    drainMainQueue(); // and what it answers reaches nobody
+    EXPECT_EQ(drive.answers(), 1);
 }

@@ -1,59 +1,42 @@
-#include "platform/LeavablePool.h"
+#include "support/DeadDrive.h"
 #include "views/ContentViewFixture.h"
-
-#include <atomic>
-#include <semaphore>
 
 using namespace Qorvane;
 
 namespace {
 
 /// Files that don't answer before this goes.
-class DeadDrive
+class SilentFiles
 {
 protected:
-    DeadDrive() = default;
-    ~DeadDrive()
+    SilentFiles() = default;
+    ~SilentFiles()
     {
-        EXPECT_GT(m_reads, 0);
-        EXPECT_EQ(m_answers, 0);
-        m_end.release(longestQueue);
-        LeavablePool::waitUntilIdle();
-        EXPECT_EQ(m_answers, m_reads);
+        EXPECT_GT(drive.reads(), 0);
+        EXPECT_EQ(drive.answers(), 0);
+        drive.comeBack();
+        EXPECT_EQ(drive.answers(), drive.reads());
     }
-    DeadDrive(const DeadDrive &) = delete;
-    DeadDrive &operator=(const DeadDrive &) = delete;
+    SilentFiles(const SilentFiles &) = delete;
+    SilentFiles &operator=(const SilentFiles &) = delete;
 
-    QImage read()
-    {
-        ++m_reads;
-        m_end.acquire();
-        ++m_answers;
-        return QImage(8, 8, QImage::Format_RGB32);
-    }
-
-    int reads() const { return m_reads; }
-
-private:
-    static constexpr int longestQueue = 100;
-
-    std::atomic_int m_reads = 0;
-    std::atomic_int m_answers = 0;
-    std::counting_semaphore<longestQueue> m_end{0};
+    DeadDrive drive;
 };
 
 class HangingThumbnail
     // First: its files answer when window, engine and library are gone.
-    : protected DeadDrive,
+    : protected SilentFiles,
       public ContentViewFixture
 {
 protected:
     HangingThumbnail()
     {
-        engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId),
-                                std::make_unique<ThumbnailProvider>(thumbnails, [this](const QString &) {
-                                    return read();
-                                }).release());
+        engine.addImageProvider(
+            QString::fromLatin1(ThumbnailProvider::providerId),
+            std::make_unique<ThumbnailProvider>(thumbnails, [read = drive.reading()](const QString &) {
+                read();
+                return QImage(8, 8, QImage::Format_RGB32);
+            }).release());
     }
 };
 
@@ -63,7 +46,7 @@ TEST_F(HangingThumbnail, doesNotHoldTheWindowThatCloses)
 {
     constexpr int threads = 2;
     addFolder(QStringLiteral("Mounted"), 5);
-    ASSERT_TRUE(waitUntil([this] { return reads() == threads; }));
+    ASSERT_TRUE(waitUntil([this] { return drive.reads() == threads; }));
     window->close();
     // What isn't closed by now goes with the fixture, and finds the files as silent as before.
 }
