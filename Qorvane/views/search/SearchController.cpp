@@ -2,38 +2,31 @@
 
 #include "media/ImageMessages.h"
 #include "platform/FileAttributes.h"
-#include "platform/GlobalQueue.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
 
-#include <QCoroFuture>
-#include <QFuture>
 #include <QPointer>
-#include <QPromise>
 #include <QSet>
 
-#include <memory>
+#include <limits>
 #include <utility>
 
 namespace Qorvane {
 
 namespace {
 
-// Store and disk are asked in the background: a tag may be on very many files.
-QFuture<QList<FileUrl>> existingFilesOfTag(const SearchSources &sources, const QString &tag)
+// Each search reads the files of its tag on a thread of its own: one whose files lie on a drive that doesn't
+// answer holds up no other.
+constexpr int readerCount = std::numeric_limits<int>::max();
+
+QList<FileUrl> existingFiles(const QStringList &paths)
 {
-    const auto promise = std::make_shared<QPromise<QList<FileUrl>>>();
-    promise->start();
-    GlobalQueue::async(QualityOfService::userInitiated, [promise, pathsOfTag = sources.pathsOfTag, tag] {
-        QList<FileUrl> urls;
-        for (const QString &path : pathsOfTag(tag)) {
-            if (fileExists(path))
-                urls.append(FileUrl::file(path));
-        }
-        promise->addResult(urls);
-        promise->finish();
-    });
-    return promise->future();
+    QList<FileUrl> urls;
+    for (const QString &path : paths) {
+        if (fileExists(path))
+            urls.append(FileUrl::file(path));
+    }
+    return urls;
 }
 
 } // namespace
@@ -41,6 +34,7 @@ QFuture<QList<FileUrl>> existingFilesOfTag(const SearchSources &sources, const Q
 SearchController::SearchController(SearchSources sources, QObject *parent)
     : QObject(parent)
     , m_sources(std::move(sources))
+    , m_readers(QualityOfService::userInitiated, readerCount)
 {
     m_deletionToken = NotificationCenter::defaultCenter().addObserver(
         ImageMessages::deletedName, ObserverQueue::main, [this](const Notification &notification) {
@@ -90,43 +84,51 @@ void SearchController::queueSearch()
 {
     MainQueue::async([self = QPointer(this), text = m_text] {
         if (self)
-            self->run(text);
+            self->begin(text);
     });
 }
 
-QCoro::Task<> SearchController::run(QString text)
+void SearchController::begin(const QString &text)
+{
+    const SearchScopeSettings settings = m_sources.scopeSettings();
+    if (settings.selectedTag) {
+        beginInTag(text, *settings.selectedTag);
+    } else if (settings.selectedFolder) {
+        Log::line(QStringLiteral("🔍 在文件夹 '%1' 下的 %2 张照片中搜索")
+                      .arg(settings.selectedFolder->url.lastPathComponent(),
+                           QString::number(settings.imageURLs.size())));
+        search(text, settings.imageURLs);
+    } else {
+        // A selected rating plays no part: without a folder the search covers the whole library.
+        Log::line(QStringLiteral("🔍 搜索全部照片"));
+        search(text, {});
+    }
+}
+
+// Store and disk are asked in the background: a tag may be on very many files.
+void SearchController::beginInTag(const QString &text, const QString &tag)
+{
+    m_readers.start([self = QPointer(this), pathsOfTag = m_sources.pathsOfTag, text, tag] {
+        MainQueue::async([self, text, tag, files = existingFiles(pathsOfTag(tag))] {
+            if (!self)
+                return;
+            Log::line(
+                QStringLiteral("🔍 在tag '%1' 下的 %2 张照片中搜索").arg(tag, QString::number(files.size())));
+            self->search(text, files);
+        });
+    });
+}
+
+QCoro::Task<> SearchController::search(QString text, QList<FileUrl> scope)
 {
     const QPointer self(this);
     const SearchSources sources = m_sources;
-    const QList<FileUrl> scope = co_await candidates(sources);
-    if (!self)
-        co_return; // and with it what would search
     const QList<SearchResult> results = co_await sources.search(text, scope, limit);
     if (!self)
         co_return;
     // No look at the field: a search that ends late shows its results, whatever the text is by now.
     setResults(results);
     setSearching(false);
-}
-
-QCoro::Task<QList<FileUrl>> SearchController::candidates(SearchSources sources)
-{
-    const SearchScopeSettings settings = sources.scopeSettings();
-    if (settings.selectedTag) {
-        const QList<FileUrl> urls = co_await existingFilesOfTag(sources, *settings.selectedTag);
-        Log::line(QStringLiteral("🔍 在tag '%1' 下的 %2 张照片中搜索")
-                      .arg(*settings.selectedTag, QString::number(urls.size())));
-        co_return urls;
-    }
-    if (settings.selectedFolder) {
-        Log::line(QStringLiteral("🔍 在文件夹 '%1' 下的 %2 张照片中搜索")
-                      .arg(settings.selectedFolder->url.lastPathComponent(),
-                           QString::number(settings.imageURLs.size())));
-        co_return settings.imageURLs;
-    }
-    // A selected rating plays no part: without a folder the search covers the whole library.
-    Log::line(QStringLiteral("🔍 搜索全部照片"));
-    co_return QList<FileUrl>();
 }
 
 void SearchController::setResults(const QList<SearchResult> &results)

@@ -2,6 +2,7 @@
 
 #include "library/Folder.h"
 #include "platform/FileUrl.h"
+#include "platform/LeavablePool.h"
 #include "platform/NotificationCenter.h"
 #include "semantic/SearchResult.h"
 
@@ -29,7 +30,8 @@ struct SearchSources
 {
     /// GUI thread.
     std::function<SearchScopeSettings()> scopeSettings;
-    /// The paths that carry a tag, in the store's order. Blocks; called off the GUI thread.
+    /// The paths that carry a tag, in the store's order. Called on a background thread, where it may block
+    /// for ever: it owns all that it uses.
     std::function<QStringList(const QString &tag)> pathsOfTag;
     /// The best matches among `scope` (empty: everything), best first. GUI thread.
     std::function<QCoro::Task<QList<SearchResult>>(QString text, QList<FileUrl> scope, int limit)> search;
@@ -73,13 +75,15 @@ Q_SIGNALS:
 
 private:
     void queueSearch();
-    QCoro::Task<> run(QString text);
-    static QCoro::Task<QList<FileUrl>> candidates(SearchSources sources);
+    void begin(const QString &text);
+    void beginInTag(const QString &text, const QString &tag);
+    QCoro::Task<> search(QString text, QList<FileUrl> scope);
     void setResults(const QList<SearchResult> &results);
     void setSearching(bool isSearching);
     void removeResults(const QStringList &paths);
 
     const SearchSources m_sources;
+    LeavablePool m_readers;
     QString m_text;
     bool m_isSearching = false;
     QList<SearchResult> m_results;

@@ -1,5 +1,7 @@
 #include "views/search/SearchController.h"
 
+#include "platform/GlobalQueue.h"
+#include "support/DeadDrive.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
 
@@ -9,12 +11,12 @@
 #include <QPromise>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
 #include <map>
 #include <memory>
-#include <semaphore>
 
 using namespace Qorvane;
 
@@ -64,6 +66,18 @@ protected:
     bool waitForSearch(const QString &text)
     {
         return waitUntil([this, &text] { return running.contains(text); });
+    }
+
+    /// The sources with a tag "Dead", whose file doesn't answer.
+    SearchSources sourcesOn(const DeadDrive &drive) const
+    {
+        SearchSources result = sources;
+        result.pathsOfTag = [read = drive.reading()](const QString &tag) {
+            if (tag == QStringLiteral("Dead"))
+                read();
+            return QStringList{QDir::tempPath()};
+        };
+        return result;
     }
 
     /// A search that never ends would never be given back.
@@ -272,25 +286,50 @@ TEST_F(SearchControllerTest, mayGoBeforeItsSearchBegins)
     EXPECT_TRUE(running.empty());
 }
 
+TEST_F(SearchControllerTest, filesOfATagThatDoNotAnswerHoldUpNeitherOtherSearchesNorTheLibrary)
+{
+    constexpr int more = 5; // than the library's queues have threads
+    const int searches = QThread::idealThreadCount() + more;
+    const DeadDrive drive;
+    SearchController slow(sourcesOn(drive));
+    settings.selectedTag = QStringLiteral("Dead");
+    for (int i = 1; i <= searches; ++i)
+        slow.setText(QString::number(i));
+    ASSERT_TRUE(waitUntil([&] { return drive.reads() == searches; }));
+    EXPECT_TRUE(GlobalQueue::isIdle());
+    settings.selectedTag = QStringLiteral("Beach");
+    slow.setText(QStringLiteral("dog"));
+    EXPECT_TRUE(waitForSearch(QStringLiteral("dog")));
+    EXPECT_EQ(drive.answers(), 0);
+}
+
+TEST_F(SearchControllerTest, searchesTheFilesOfATagThatAnswerInTheEnd)
+{
+    DeadDrive drive;
+    SearchController slow(sourcesOn(drive));
+    settings.selectedTag = QStringLiteral("Dead");
+    slow.setText(QStringLiteral("do"));
+    slow.setText(QStringLiteral("dog"));
+    ASSERT_TRUE(waitUntil([&] { return drive.reads() == 2; }));
+    EXPECT_TRUE(running.empty());
+    EXPECT_TRUE(slow.isSearching());
+    drive.comeBack();
+    drainMainQueue();
+    for (const char *text : {"do", "dog"})
+        EXPECT_EQ(running[QString::fromLatin1(text)].scope.size(), 1) << text;
+}
+
 TEST_F(SearchControllerTest, searchesNothingWhenItGoesWhileTheFilesOfATagAreRead)
 {
-    settings.selectedTag = QStringLiteral("Beach");
-    std::binary_semaphore isReading(0);
-    std::binary_semaphore mayGoOn(0);
-    SearchSources slow = sources;
-    slow.pathsOfTag = [&](const QString &) {
-        isReading.release();
-        mayGoOn.acquire();
-        return QStringList{QDir::tempPath()};
-    };
-    auto brief = std::make_unique<SearchController>(slow);
+    DeadDrive drive;
+    auto brief = std::make_unique<SearchController>(sourcesOn(drive));
+    settings.selectedTag = QStringLiteral("Dead");
     brief->setText(QStringLiteral("dog"));
-    ASSERT_TRUE(waitUntil([&isReading] { return isReading.try_acquire(); }));
+    ASSERT_TRUE(waitUntil([&drive] { return drive.reads() == 1; }));
     brief.reset();
-    mayGoOn.release();
-    // The line is written when the files are known, just before the search would begin.
-    ASSERT_TRUE(
-        waitUntil([this] { return log.contains(QStringLiteral("🔍 在tag 'Beach' 下的 1 张照片中搜索")); }));
+    EXPECT_EQ(drive.answers(), 0) << "nor does it wait for them";
+    drive.comeBack();
     drainMainQueue();
+    EXPECT_EQ(drive.answers(), 1);
     EXPECT_TRUE(running.empty());
 }
