@@ -423,6 +423,11 @@ void QorManage::refreshAllTags()
     m_tagsAndRatings->refreshAllTags();
 }
 
+std::function<QStringList(const QString &tag)> QorManage::pathsOfTag() const
+{
+    return m_tagsAndRatings->pathsOfTag();
+}
+
 const QSet<QString> &QorManage::supportedImageExtensions()
 {
     return Qorvane::supportedImageExtensions();

@@ -194,7 +194,7 @@ public:
     // Tags and ratings ----------------------------------------------------------------------------------
 
     // The changes are written in the background, in the order of the calls; what they change in the published
-    // state follows when they are written. Lists loaded after the call hold them.
+    // state follows when they are written. Lists loaded and paths read after the call hold them.
 
     void addTag(const QString &tag, const FileUrl &url);
     void removeTag(const QString &tag, const FileUrl &url);
@@ -205,6 +205,9 @@ public:
     void clearRating(const FileUrl &url);
     /// Reads the tags in the background and publishes `allTags`; a selected tag that is gone is deselected.
     void refreshAllTags();
+    /// What reads the paths that carry a tag, in the store's order. It blocks until the changes asked for
+    /// before are written, on any thread but the GUI's, and may outlive the library: then it gives nothing.
+    std::function<QStringList(const QString &tag)> pathsOfTag() const;
 
     static const QSet<QString> &supportedImageExtensions();
     static const QSet<QString> &supportedVideoExtensions();

@@ -147,4 +147,15 @@ void TagsAndRatings::publishAllTags(const QStringList &tags)
         m_selection.selectTag(std::nullopt);
 }
 
+std::function<QStringList(const QString &tag)> TagsAndRatings::pathsOfTag() const
+{
+    return [weak = std::weak_ptr(m_edits)](const QString &tag) {
+        const std::shared_ptr<DeferredWrites> edits = weak.lock();
+        if (!edits)
+            return QStringList();
+        edits->wait();
+        return EmbeddingStore::shared().fetchPathsByTag(tag);
+    };
+}
+
 } // namespace Qorvane

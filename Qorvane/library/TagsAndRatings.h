@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -40,6 +41,7 @@ public:
     void setRating(int rating, const FileUrl &url);
     void clearRating(const FileUrl &url);
     void refreshAllTags();
+    std::function<QStringList(const QString &tag)> pathsOfTag() const;
 
 private:
     void write(const std::function<void()> &edit, const std::function<void()> &then);

@@ -4,8 +4,10 @@
 #include "store/EmbeddingStore.h"
 #include "support/Waiting.h"
 
+#include <gmock/gmock.h>
 #include <sqlite3.h>
 
+#include <future>
 #include <thread>
 
 using namespace Qorvane;
@@ -438,6 +440,31 @@ TEST_F(TagsAndRatingsTest, aListLoadedWhileEditsWaitForTheStoreHoldsThem)
     qorManager->setSelectedRating(5);
     busy.end();
     EXPECT_TRUE(waitForList(rated));
+}
+
+TEST_F(TagsAndRatingsTest, pathsReadWhileEditsWaitForTheStoreHoldThem)
+{
+    QStringList tagged;
+    BusyStore busy;
+    for (int i = 1; i <= 8; ++i) {
+        tagged.append(home.path(QStringLiteral("t%1.png").arg(i)));
+        qorManager->addTag(cat, FileUrl::file(tagged.last()));
+    }
+    std::future<QStringList> paths =
+        std::async(std::launch::async, [read = qorManager->pathsOfTag(), tag = cat] { return read(tag); });
+    busy.end();
+    EXPECT_THAT(paths.get(), testing::UnorderedElementsAreArray(tagged));
+}
+
+TEST_F(TagsAndRatingsTest, withTheLibraryGoneNoPathsAreRead)
+{
+    store.addTag(picture.path(), cat);
+    const auto inBackground = [this, read = qorManager->pathsOfTag()] {
+        return std::async(std::launch::async, read, cat).get();
+    };
+    EXPECT_EQ(inBackground(), QStringList{picture.path()});
+    qorManager.reset();
+    EXPECT_EQ(inBackground(), QStringList());
 }
 
 TEST_F(TagsAndRatingsTest, theLibrarysEndWaitsForWhatIsToBeWritten)

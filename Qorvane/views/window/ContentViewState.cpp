@@ -3,7 +3,6 @@
 #include "library/QorManage.h"
 #include "media/SupportedExtensions.h"
 #include "platform/Localization.h"
-#include "store/EmbeddingStore.h"
 #include "views/pictures/ThumbnailQueue.h"
 
 #include <QTimer>
@@ -24,8 +23,7 @@ SearchSources searchSources(QorManage &qorManager, ContentViewState::Search sear
                 return SearchScopeSettings{qorManager.selectedTag(), qorManager.selectedFolder(),
                                            qorManager.imageURLs()};
             },
-            [](const QString &tag) { return EmbeddingStore::shared().fetchPathsByTag(tag); },
-            std::move(search)};
+            qorManager.pathsOfTag(), std::move(search)};
 }
 
 /// What to do when the library announces a write: `act`, if the value is another one. It announces equal

@@ -1,5 +1,6 @@
 #include "views/window/ContentViewState.h"
 
+#include "library/BusyStore.h"
 #include "library/QorManage.h"
 #include "platform/UserDefaults.h"
 #include "store/EmbeddingStore.h"
@@ -9,10 +10,12 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -207,6 +210,33 @@ TEST_F(ContentViewStateTest, aTagLeavesTheOpenFileButKeepsTheQuery)
     EXPECT_FALSE(m_state.isDetailViewActive());
     EXPECT_EQ(m_state.search()->text(), QStringLiteral("cat"));
     drainMainQueue();
+}
+
+TEST_F(ContentViewStateTest, aSearchInATagCoversWhatWasTaggedRightBefore)
+{
+    giveTag();
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    QList<QList<FileUrl>> scopes;
+    ContentViewState state(
+        m_library,
+        [&scopes](const QString &, const QList<FileUrl> &scope, int) {
+            scopes.append(scope);
+            return findNothing();
+        },
+        std::make_shared<ThumbnailQueue>(1));
+    QList<FileUrl> tagged;
+    BusyStore busy;
+    for (int i = 0; i < 8; ++i) {
+        const QString name = QStringLiteral("%1.jpg").arg(i);
+        ASSERT_TRUE(QFile(m_place.filePath(name)).open(QIODevice::WriteOnly));
+        tagged.append(FileUrl::file(m_place.filePath(name)));
+        m_library.addTag(QStringLiteral("Beach"), tagged.last());
+    }
+    state.search()->setText(QStringLiteral("cat"));
+    drainMainQueue();
+    busy.end();
+    ASSERT_TRUE(waitUntil([&scopes] { return !scopes.isEmpty(); }));
+    EXPECT_THAT(scopes.first(), testing::UnorderedElementsAreArray(tagged));
 }
 
 TEST_F(ContentViewStateTest, aTagThatStaysTheSameLeavesTheOpenFileOpen)
