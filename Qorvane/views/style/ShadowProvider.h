@@ -4,13 +4,12 @@
 
 namespace Qorvane {
 
-/// Draws the shadow of a rounded rectangle, as the source "image://shadow/<radius>/<layers>/<colour>", radius
-/// in logical pixels and the colour being its name without the "#". It is made of so many ever larger layers
-/// of that translucent colour, the software scene graph having no blur; drawn once, since a popup that fades
-/// would blend all of them anew with every frame.
-///
-/// The picture is the smallest that has all of the edge: a square of equal borders around a middle of a
-/// single pixel, which a border image stretches. GUI thread.
+/// Draws the shadow of a rounded rectangle, as the source
+/// "image://shadow/<radius>/<layers>/<reach>/<width>/<height>/<scale>/<colour>", the colour being its name
+/// without the "#". It is made of so many ever larger layers of that translucent colour, the software scene
+/// graph having no blur. In logical pixels: the rectangle's radius, how far the picture goes beyond the
+/// rectangle on every side, and the picture's size; it has `scale` physical pixels for each. What no shadow
+/// has gives no picture. GUI thread.
 class ShadowProvider : public QQuickImageProvider
 {
 public:

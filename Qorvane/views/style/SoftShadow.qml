@@ -1,24 +1,24 @@
 import QtQuick
+import QtQuick.Window
 
 /// The shadow of something that floats, to be laid under it.
-BorderImage {
+// A whole picture for its size: on graphics cards a border image has gaps between its pieces where the screen's scale
+// is no whole number.
+Image {
     /// Of what casts it.
     property real radius: Theme.fieldRadius
-    /// How many layers there are, and how many pixels it reaches beyond what casts it.
+    /// How many layers there are; they reach a little less far, in pixels, beyond what casts the shadow.
     property int count: 24
     /// Further below than above, as if the light came from over the window.
     property int fall: 6
-    /// What of the picture isn't stretched; it begins inside what casts the shadow, where that is rounded.
-    readonly property int edge: (sourceSize.width - 1) / 2
-    readonly property real reach: edge - radius
+    readonly property int reach: count - 1
 
     anchors.fill: parent
     anchors.margins: -reach
     anchors.topMargin: fall - reach
     anchors.bottomMargin: -fall - reach
-    border.left: edge
-    border.top: edge
-    border.right: edge
-    border.bottom: edge
-    source: "image://shadow/" + radius + "/" + count + "/" + String(Theme.shadow).substring(1)
+    source: width > 0 && height > 0
+            ? "image://shadow/" + radius + "/" + count + "/" + reach + "/" + Math.round(width) + "/" + Math.round(height)
+              + "/" + Screen.devicePixelRatio + "/" + String(Theme.shadow).substring(1)
+            : ""
 }
