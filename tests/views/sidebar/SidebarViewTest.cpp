@@ -3,7 +3,6 @@
 #include <QAccessible>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QSignalSpy>
 
 using namespace Qorvane;
 
@@ -204,11 +203,10 @@ TEST_F(SidebarViewTest, scrollsLikeThePhotographs)
     ASSERT_TRUE(waitUntil([list] { return list->property("contentHeight").toDouble() > 1'200; }));
     waitForFrame();
     const double top = position();
-    QSignalSpy steps(list, SIGNAL(contentYChanged()));
     turnWheel(list, -120);
     turnWheel(list, -120);
+    EXPECT_LT(position(), top + 240) << "in a motion";
     EXPECT_TRUE(waitUntil([&] { return position() == top + 240; }));
-    EXPECT_GT(steps.count(), 2) << "in a motion";
     dragUp(list, 150);
     EXPECT_EQ(position(), top + 240) << "a mouse draws nothing";
     swipeUp(list, 150);
