@@ -4,9 +4,6 @@ namespace Qorvane {
 
 MessageBus::MessageBus()
 {
-    // With one, Qt starts the daemon by fork(). Otherwise the child runs on this process's memory until it is
-    // the daemon, and leaves the thread sanitizer's account of this thread behind in disorder.
-    m_daemon.setChildProcessModifier([] {});
     m_daemon.start(QStringLiteral(QORVANE_DBUS_DAEMON),
                    {QStringLiteral("--session"), QStringLiteral("--nofork"),
                     QStringLiteral("--print-address"),
