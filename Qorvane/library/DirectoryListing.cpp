@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -24,6 +25,10 @@ using OpenDirectory = std::unique_ptr<DIR, CloseDirectory>;
 
 std::optional<QString> decodedName(const QByteArray &nativeName)
 {
+    // What most names are, several times faster.
+    const auto isAscii = [](char byte) { return uchar(byte) < 0x80; };
+    if (std::ranges::all_of(nativeName, isAscii))
+        return QString::fromLatin1(nativeName);
     // A name may begin with what looks like a byte order mark; it is part of the name.
     QStringDecoder decoder(QStringDecoder::Utf8,
                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);

@@ -6,8 +6,11 @@
 #include "store/EmbeddingStore.h"
 
 #include <algorithm>
+#include <future>
+#include <iterator>
 #include <numeric>
 #include <optional>
+#include <thread>
 #include <vector>
 
 namespace Qorvane::SortingRules {
@@ -23,22 +26,47 @@ Positions positionsOf(const QList<FileUrl> &urls)
     return positions;
 }
 
-/// The file names' weights, by position in the list.
+// Fewer are weighed before another thread would have begun.
+constexpr qsizetype namesPerThread = 4'000;
+
+/// The file names' weights, by position in the list. Of a long list every core weighs a part.
 class NameOrder
 {
 public:
     explicit NameOrder(const QList<FileUrl> &urls)
+        : m_orders(size_t(std::clamp(urls.size() / namesPerThread, qsizetype(1),
+                                     qsizetype(std::max(1U, std::thread::hardware_concurrency())))))
     {
+        const auto partBegin = [&](size_t part) {
+            return urls.size() * qsizetype(part) / qsizetype(m_orders.size());
+        };
+        std::vector<std::future<Keys>> others;
+        for (size_t part = 1; part < m_orders.size(); ++part)
+            others.push_back(std::async(std::launch::async, [&, part] {
+                return keysOf(m_orders[part], urls, partBegin(part), partBegin(part + 1));
+            }));
+        m_keys = keysOf(m_orders.front(), urls, 0, partBegin(1));
         m_keys.reserve(size_t(urls.size()));
-        for (const FileUrl &url : urls)
-            m_keys.push_back(m_order.sortKey(url.lastPathComponent()));
+        for (std::future<Keys> &other : others)
+            std::ranges::move(other.get(), std::back_inserter(m_keys));
     }
 
     bool isBefore(qsizetype a, qsizetype b) const { return m_keys[size_t(a)] < m_keys[size_t(b)]; }
 
 private:
-    NaturalOrder m_order;
-    std::vector<NaturalOrder::SortKey> m_keys;
+    using Keys = std::vector<NaturalOrder::SortKey>;
+
+    static Keys keysOf(const NaturalOrder &order, const QList<FileUrl> &urls, qsizetype begin, qsizetype end)
+    {
+        Keys keys;
+        keys.reserve(size_t(end - begin));
+        for (qsizetype i = begin; i < end; ++i)
+            keys.push_back(order.sortKey(urls.at(i).lastPathComponent()));
+        return keys;
+    }
+
+    std::vector<NaturalOrder> m_orders; // one for each thread
+    Keys m_keys;
 };
 
 Positions sortedByName(const QList<FileUrl> &urls)

@@ -38,7 +38,7 @@ public:
     /// Below 0 when `a` comes first, 0 only for equal texts, above 0 otherwise.
     int compare(const QString &a, const QString &b) const;
 
-    /// Valid while this order lives; compares with keys of the same order only.
+    /// Valid while this order lives; compares with keys of this order and of others for the same locale.
     SortKey sortKey(const QString &text) const { return SortKey(*this, text); }
 
 private:

@@ -2,11 +2,14 @@
 
 #include "library/LibraryHome.h"
 #include "platform/FileAttributes.h"
+#include "platform/NaturalOrder.h"
 #include "store/EmbeddingStore.h"
 
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 using namespace Qorvane;
 
@@ -48,6 +51,25 @@ TEST_F(SortingRulesTest, equalNamesKeepTheirOrderAndTurnItWhenDescending)
     EXPECT_EQ(SortingRules::sortURLs(urls, SortCriterion::filename, SortOrder::ascending), urls);
     EXPECT_EQ(SortingRules::sortURLs(urls, SortCriterion::filename, SortOrder::descending),
               (QList<FileUrl>{urls[2], urls[1], urls[0]}));
+}
+
+// Long enough for several threads, each of which weighs a part of the names.
+TEST_F(SortingRulesTest, aLongListComesOutAsIfItsNamesWereComparedOneByOne)
+{
+    constexpr int count = 20'011;
+    const QStringList kinds{QStringLiteral("IMG_%1.jpg"), QStringLiteral("img_%1.JPG"),
+                            QStringLiteral("été %1.png"), QStringLiteral("照片%1.heic"),
+                            QStringLiteral("0%1.mp4")};
+    QList<FileUrl> urls;
+    for (int i = 0; i < count; ++i)
+        urls.append(FileUrl::file(QStringLiteral("/p/") + QString::number(i % 7) + u'/' +
+                                  kinds.at(i % 5).arg(i * 7'919 % 9'001)));
+    QList<FileUrl> expected = urls;
+    const NaturalOrder order;
+    std::ranges::stable_sort(expected, [&order](const FileUrl &a, const FileUrl &b) {
+        return order.compare(a.lastPathComponent(), b.lastPathComponent()) < 0;
+    });
+    EXPECT_TRUE(SortingRules::sortURLs(urls, SortCriterion::filename, SortOrder::ascending) == expected);
 }
 
 TEST_F(SortingRulesTest, modificationDatesDecideToTheNanosecond)
