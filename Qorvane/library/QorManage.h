@@ -206,7 +206,7 @@ public:
     /// Reads the tags in the background and publishes `allTags`; a selected tag that is gone is deselected.
     void refreshAllTags();
     /// What reads the paths that carry a tag, in the store's order. It blocks until the changes asked for
-    /// before are written, on any thread but the GUI's, and may outlive the library: then it gives nothing.
+    /// before are written, on any thread but the GUI's; with the library and its work gone it gives nothing.
     std::function<QStringList(const QString &tag)> pathsOfTag() const;
 
     static const QSet<QString> &supportedImageExtensions();

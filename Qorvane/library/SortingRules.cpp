@@ -10,6 +10,7 @@
 #include <iterator>
 #include <numeric>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -42,9 +43,8 @@ public:
         };
         std::vector<std::future<Keys>> others;
         for (size_t part = 1; part < m_orders.size(); ++part)
-            others.push_back(std::async(std::launch::async, [&, part] {
-                return keysOf(m_orders[part], urls, partBegin(part), partBegin(part + 1));
-            }));
+            others.push_back(onAThread(
+                [&, part] { return keysOf(m_orders[part], urls, partBegin(part), partBegin(part + 1)); }));
         m_keys = keysOf(m_orders.front(), urls, 0, partBegin(1));
         m_keys.reserve(size_t(urls.size()));
         for (std::future<Keys> &other : others)
@@ -55,6 +55,15 @@ public:
 
 private:
     using Keys = std::vector<NaturalOrder::SortKey>;
+
+    // Where no thread can be had, whoever asks for the result does the work.
+    template <typename Work>
+    static std::future<Keys> onAThread(const Work &work)
+    try {
+        return std::async(std::launch::async, work);
+    } catch (const std::system_error &) {
+        return std::async(std::launch::deferred, work);
+    }
 
     static Keys keysOf(const NaturalOrder &order, const QList<FileUrl> &urls, qsizetype begin, qsizetype end)
     {

@@ -26,7 +26,8 @@ namespace {
 // Its start writes the place it was installed at into the environment, unless it stands there already. A
 // variable that comes to the others moves them all, and whoever reads one on another thread meanwhile ends
 // the program. So it comes while there is one thread only, before main(), in every program that has libvips.
-[[maybe_unused]] const char *const vipsPrefix = vips_guess_prefix("qorvane", "VIPSHOME");
+// By an absolute name, since it reports a relative one that it doesn't find, for which it must have started.
+[[maybe_unused]] const char *const vipsPrefix = vips_guess_prefix("/qorvane", "VIPSHOME");
 
 void prepareExiv2()
 {

@@ -23,11 +23,12 @@ Item {
 
     /// However deep a folder lies, so much is left to read its name by; the caption of a run goes first.
     readonly property int shortestName: 56
-    readonly property int marksRoom: icon.width + 4 + Theme.contentPadding // of a ring
+    readonly property double starRoom: isFavorite ? star.width + marks.spacing : 0
+    readonly property double marksRoom: icon.width + starRoom + 4 + Theme.contentPadding // of a ring and a star
     readonly property double indent: Math.max(0, Math.min(depth * Theme.contentPadding, width - 30 - icon.width
                                               - Theme.sidebarIconGap - shortestName - marksRoom))
     readonly property double nameRoom: width - icon.x - icon.width - Theme.sidebarIconGap - Theme.contentPadding
-                                       - (isFavorite ? star.width + marks.spacing : 0) - 4
+                                       - starRoom - 4
 
     DisclosureButton {
         objectName: "disclosure"

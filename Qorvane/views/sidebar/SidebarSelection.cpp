@@ -130,7 +130,7 @@ void SidebarSelection::forgetLostFolder()
     if (!wasFolder || m_isFolder)
         return;
     const std::optional<Folder> shown = m_qorManager.selectedFolder();
-    if (shown && FolderTree::findFolder(shown->url, m_qorManager.libraryFolders()))
+    if (shown && m_qorManager.folderWithAbsoluteString(shown->url.absoluteString()))
         markFolder(*shown);
     else
         setId(std::nullopt);

@@ -14,8 +14,9 @@ namespace {
 // More than anything that floats has; an address may ask for anything.
 constexpr double maximumRadius = 100;
 constexpr int maximumLayers = 100;
+constexpr double maximumReach = 100;
 constexpr double maximumScale = 8;
-constexpr int maximumSide = 16'384;
+constexpr int maximumSide = 8'192;
 
 struct Shadow
 {
@@ -36,7 +37,7 @@ std::optional<Shadow> shadowNamed(const QString &id)
                   parts.at(5).toDouble(), QColor(u'#' + parts.at(6))};
     const QSizeF size = QSizeF(parts.at(3).toInt(), parts.at(4).toInt()) * shadow.scale;
     const bool isOne = shadow.radius >= 0 && shadow.radius <= maximumRadius && shadow.layers > 0 &&
-                       shadow.layers <= maximumLayers && shadow.reach >= 0 && shadow.reach <= maximumLayers &&
+                       shadow.layers <= maximumLayers && shadow.reach >= 0 && shadow.reach <= maximumReach &&
                        shadow.scale > 0 && shadow.scale <= maximumScale && size.width() >= 1 &&
                        size.height() >= 1 && size.width() <= maximumSide && size.height() <= maximumSide &&
                        shadow.color.isValid();

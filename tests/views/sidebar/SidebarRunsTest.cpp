@@ -160,6 +160,8 @@ TEST_F(SidebarRunsTest, inADeepFolderTheNameCanStillBeRead)
     QString path = root;
     for (const QString &name : names) {
         path += u'/' + name;
+        if (name == QStringLiteral("Lunches"))
+            addFavorite(path);
         library.setProcessing(path, FolderProcessingState::vectors, 1, std::nullopt);
         QQuickItem *const folder = row(name);
         ASSERT_TRUE(folder) << qPrintable(name);

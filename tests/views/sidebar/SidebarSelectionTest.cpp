@@ -310,6 +310,20 @@ TEST_F(SidebarSelectionTest, aFolderWhoseRootGoesHasNoRowAndCanStillBeLeft)
     EXPECT_EQ(takeWrites(), QStringList()) << "nothing was left to deselect";
 }
 
+TEST_F(SidebarSelectionTest, aFolderWhoseRootGoesKeepsItsMarkAmongTheFavourites)
+{
+    QDir().mkpath(place.filePath(QStringLiteral("One/Sub")));
+    const Folder one = addFolder(QStringLiteral("One"));
+    ASSERT_TRUE(one.children && one.children->size() == 1);
+    const Folder sub = one.children->constFirst();
+    addFavorite(sub);
+    selection.select(rowOf(sub));
+    library.removeFolderFromLibrary(one);
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().isEmpty(); }));
+    EXPECT_EQ(selection.id(), rowOf(sub, "favorite"));
+    EXPECT_EQ(library.selectedFolder(), sub);
+}
+
 TEST_F(SidebarSelectionTest, deletingTheSelectedTagSelectsNothing)
 {
     giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
