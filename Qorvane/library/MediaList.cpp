@@ -22,16 +22,6 @@ namespace Qorvane {
 
 namespace {
 
-QList<FileUrl> existingFiles(const QStringList &paths)
-{
-    QList<FileUrl> urls;
-    for (const QString &path : paths) {
-        if (fileExists(path))
-            urls.append(FileUrl::file(path));
-    }
-    return urls;
-}
-
 PendingLoads::List sorted(const QList<FileUrl> &urls, const SortSettings &settings)
 {
     return {SortingRules::sortURLs(urls, settings.criterion, settings.order), settings};
@@ -131,7 +121,8 @@ void MediaList::loadRating(int rating)
     load(
         Needs::edits,
         [rating](const LibrarySnapshot &snapshot) {
-            const QList<FileUrl> files = existingFiles(EmbeddingStore::shared().fetchPathsByRating(rating));
+            const QList<FileUrl> files =
+                MediaListing::existingFiles(EmbeddingStore::shared().fetchPathsByRating(rating));
             return sorted(files, snapshot.sortSettings());
         },
         [this, rating] { return m_state.selectedRating() == rating; },

@@ -2,6 +2,7 @@
 
 #include "library/DirectoryListing.h"
 #include "media/SupportedExtensions.h"
+#include "platform/FileAttributes.h"
 #include "platform/Log.h"
 
 #include <QSet>
@@ -65,6 +66,16 @@ QList<FileUrl> collectMediaFiles(const FileUrl &url)
     QList<FileUrl> files;
     collect(url.path(), files);
     return files;
+}
+
+QList<FileUrl> existingFiles(const QStringList &paths)
+{
+    QList<FileUrl> urls;
+    for (const QString &path : paths) {
+        if (fileExists(path))
+            urls.append(FileUrl::file(path));
+    }
+    return urls;
 }
 
 } // namespace Qorvane::MediaListing

@@ -3,6 +3,7 @@
 #include "platform/FileUrl.h"
 
 #include <QList>
+#include <QStringList>
 
 namespace Qorvane::MediaListing {
 
@@ -12,5 +13,8 @@ namespace Qorvane::MediaListing {
 /// are not entered. Empty when the folder can't be read. An entry that the library can't name, because its
 /// name isn't UTF-8, leaves a line on the log. Any thread; blocks on the disk.
 QList<FileUrl> collectMediaFiles(const FileUrl &url);
+
+/// Those of `paths` that are files on disk, in their order. Any thread; blocks on the disk.
+QList<FileUrl> existingFiles(const QStringList &paths);
 
 } // namespace Qorvane::MediaListing

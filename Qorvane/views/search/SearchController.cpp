@@ -1,7 +1,7 @@
 #include "views/search/SearchController.h"
 
+#include "library/MediaListing.h"
 #include "media/ImageMessages.h"
-#include "platform/FileAttributes.h"
 #include "platform/Log.h"
 #include "platform/MainQueue.h"
 
@@ -18,16 +18,6 @@ namespace {
 // Each search reads the files of its tag on a thread of its own: one whose files lie on a drive that doesn't
 // answer holds up no other.
 constexpr int readerCount = std::numeric_limits<int>::max();
-
-QList<FileUrl> existingFiles(const QStringList &paths)
-{
-    QList<FileUrl> urls;
-    for (const QString &path : paths) {
-        if (fileExists(path))
-            urls.append(FileUrl::file(path));
-    }
-    return urls;
-}
 
 } // namespace
 
@@ -109,7 +99,7 @@ void SearchController::begin(const QString &text)
 void SearchController::beginInTag(const QString &text, const QString &tag)
 {
     m_readers.start([self = QPointer(this), pathsOfTag = m_sources.pathsOfTag, text, tag] {
-        MainQueue::async([self, text, tag, files = existingFiles(pathsOfTag(tag))] {
+        MainQueue::async([self, text, tag, files = MediaListing::existingFiles(pathsOfTag(tag))] {
             if (!self)
                 return;
             Log::line(
