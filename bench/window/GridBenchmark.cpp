@@ -56,7 +56,7 @@ public:
     {
         m_library.setSelectedFolder(folder(fileCount));
         m_frames->runUntil(
-            [&] { return state().photos()->count() == fileCount && areThumbnailsShown(allOf); });
+            [&] { return state().pages()->photos()->count() == fileCount && areThumbnailsShown(allOf); });
         // Its run looks at every file again.
         m_frames->runUntil([&] { return isRunOver(fileCount); });
     }
@@ -166,7 +166,7 @@ void folderShowsThumbnails(benchmark::State &state)
         timer.start();
         stage.library().setSelectedFolder(stage.folder(count));
         const auto shows = [&](Stage::Share share) {
-            return stage.state().photos()->count() == count && stage.areThumbnailsShown(share);
+            return stage.state().pages()->photos()->count() == count && stage.areThumbnailsShown(share);
         };
         stage.frames().runUntil([&] { return shows(Stage::anyOf); });
         first.push_back(double(timer.elapsed()));
@@ -228,7 +228,7 @@ void heldArrowHoldsFramesUp(benchmark::State &state)
         stage.frames().run(1, press);
         state.counters["first_arrow_ms"] = stage.frames().longest();
         state.counters["first_arrow_ms_cpu"] = stage.frames().longestOnProcessor();
-        stage.state().photos()->selectAlone(farRow);
+        stage.state().pages()->photos()->selectAlone(farRow);
         stage.frames().run(1, press);
         stage.frames().runUntil([&] { return stage.areThumbnailsShown(Stage::allOf); });
         stage.frames().clear();

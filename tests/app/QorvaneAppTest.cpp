@@ -275,8 +275,8 @@ TEST_F(QorvaneAppTest, reopenedWhileARunIsInWorkTheWindowShowsWhatItShowed)
     app.obey(InstanceMessage::show());
     ASSERT_NE(app.contentView(), nullptr);
     EXPECT_TRUE(app.contentView()->isShown());
-    EXPECT_EQ(app.contentView()->state().title(), QStringLiteral("Photos"));
-    EXPECT_EQ(app.contentView()->state().photos()->count(), 8);
+    EXPECT_EQ(app.contentView()->state().pages()->title(), QStringLiteral("Photos"));
+    EXPECT_EQ(app.contentView()->state().pages()->photos()->count(), 8);
     EXPECT_FALSE(app.contentView()->state().sidebar()->isLibraryEmpty());
     // Its closing begins the wait anew: the end came from this one, not from the first.
     EXPECT_EQ(ends.count(), 0);

@@ -144,7 +144,7 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
     const auto look = QObject::connect(state().sidebar()->rows(), &QAbstractItemModel::dataChanged,
                                        [&] { drawn += shownRings(item("sidebarList")); });
     dropFolder(drawings);
-    ASSERT_TRUE(waitUntil([&] { return shownNames(state().photos()).size() == 3; }));
+    ASSERT_TRUE(waitUntil([&] { return shownNames(state().pages()->photos()).size() == 3; }));
     ASSERT_TRUE(waitUntil([&] { return states.contains(FolderProcessingState::completed); }));
     QObject::disconnect(note);
     EXPECT_TRUE(states.contains(FolderProcessingState::thumbnails));
@@ -164,7 +164,8 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
     type(QStringLiteral("clock"));
     ASSERT_TRUE(waitUntil([&] {
         return item("resultsGrid")->isVisible() &&
-               shownNames(state().results()).value(0) == QStringLiteral("b.png") && cell("resultsGrid", 0);
+               shownNames(state().pages()->results()).value(0) == QStringLiteral("b.png") &&
+               cell("resultsGrid", 0);
     }));
 
     // A double click opens it, in the place of the grid; Escape leads back to the hits.
@@ -180,8 +181,8 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
     // Another folder ends the search.
     dropFolder(puzzles);
     click(sidebarRow(QStringLiteral("Puzzles")));
-    EXPECT_TRUE(
-        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("puzzle.png")}; }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return shownNames(state().pages()->photos()) == QStringList{QStringLiteral("puzzle.png")}; }));
     EXPECT_EQ(state().search()->text(), QString());
     EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
 
@@ -194,12 +195,12 @@ TEST_F(RoadOfAPhotograph, leadsFromItsFolderOverASearchToTagsAndStars)
     library().addTag(QStringLiteral("时间"), picture("b.png"));
     library().setRating(4, picture("c.png"));
     click(sidebarRow(QStringLiteral("时间")));
-    EXPECT_TRUE(
-        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("b.png")}; }));
-    EXPECT_EQ(state().title(), QStringLiteral("时间"));
+    EXPECT_TRUE(waitUntil(
+        [&] { return shownNames(state().pages()->photos()) == QStringList{QStringLiteral("b.png")}; }));
+    EXPECT_EQ(state().pages()->title(), QStringLiteral("时间"));
     click(sidebarRow(QStringLiteral("★★★★")));
-    EXPECT_TRUE(
-        waitUntil([&] { return shownNames(state().photos()) == QStringList{QStringLiteral("c.png")}; }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return shownNames(state().pages()->photos()) == QStringList{QStringLiteral("c.png")}; }));
     click(sidebarRow(QStringLiteral("Drawings")));
-    EXPECT_TRUE(waitUntil([&] { return shownNames(state().photos()).size() == 3; }));
+    EXPECT_TRUE(waitUntil([&] { return shownNames(state().pages()->photos()).size() == 3; }));
 }

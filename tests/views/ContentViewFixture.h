@@ -81,7 +81,7 @@ protected:
     {
         const QString path = makeFolder(name, pictureCount);
         state.folderAdding()->add({QUrl::fromLocalFile(path)});
-        EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount; }));
+        EXPECT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == pictureCount; }));
         EXPECT_TRUE(waitUntil([&] { return item("photoGrid")->isVisible(); }));
         return path;
     }

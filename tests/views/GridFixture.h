@@ -64,7 +64,7 @@ protected:
     // The first cell of the photographs, as far as cells exist, in which this shows; -1 for none.
     int rowWith(const char *name)
     {
-        for (int row = 0; row < state.photos()->count(); ++row) {
+        for (int row = 0; row < state.pages()->photos()->count(); ++row) {
             if (cell("photoGrid", row) && itemBelow(cell("photoGrid", row), name))
                 return row;
         }

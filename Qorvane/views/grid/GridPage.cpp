@@ -19,12 +19,18 @@ Page pageFor(const GridPageInput &input)
         return searchPage(input);
     if (input.isLoading)
         return Loading;
-    if (input.hasTag)
-        return input.hasImages ? Photos : EmptyTag;
-    if (input.hasRating)
-        return input.hasImages ? Photos : EmptyRating;
-    if (input.hasFolder)
-        return input.hasImages ? Photos : EmptyFolder;
+    if (input.scope != ShownScope::Kind::nothing && input.hasImages)
+        return Photos;
+    switch (input.scope) {
+    case ShownScope::Kind::tag:
+        return EmptyTag;
+    case ShownScope::Kind::rating:
+        return EmptyRating;
+    case ShownScope::Kind::folder:
+        return EmptyFolder;
+    case ShownScope::Kind::nothing:
+        break;
+    }
     return NothingSelected;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/grid/ShownScope.h"
+
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
@@ -12,9 +14,7 @@ struct GridPageInput
     bool isSearching = false;
     bool hasResults = false;
     bool isLoading = false;
-    bool hasTag = false;
-    bool hasRating = false;
-    bool hasFolder = false;
+    ShownScope::Kind scope = ShownScope::Kind::nothing;
     bool hasImages = false;
 };
 

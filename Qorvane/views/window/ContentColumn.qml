@@ -16,7 +16,14 @@ FocusScope {
         sideMargin: column.sideMargin
         focus: !column.isDetailViewActive
         visible: !column.isDetailViewActive
-        viewState: column.viewState
+        pages: column.viewState.pages
+        sorting: column.viewState.sorting
+        search: column.viewState.search
+        actions: column.viewState.actions
+        keys: column.viewState.keyboardFocus
+        isLibraryEmpty: column.viewState.sidebar.isLibraryEmpty
+        onOpened: column.viewState.isDetailViewActive = true
+        onAddFolderRequested: column.viewState.folderAdding.choose()
     }
 
     InlineDetailView {

@@ -7,10 +7,18 @@ import QorvaneViews
 Item {
     id: toolbar
 
-    required property ContentViewState viewState
-    readonly property bool isDetailViewActive: viewState.isDetailViewActive
-    readonly property string inspectorHelp: viewState.isInspectorCollapsed ? qsTranslate("Qorvane", "Show Info Panel")
-                                                                           : qsTranslate("Qorvane", "Hide Info Panel")
+    required property Sorting sorting
+    required property SearchController search
+    required property ColumnFocus columns
+    /// What the window shows, or the name of the open file.
+    required property string title
+    required property bool isDetailViewActive
+    required property bool isInspectorCollapsed
+    readonly property string inspectorHelp: isInspectorCollapsed ? qsTranslate("Qorvane", "Show Info Panel")
+                                                                 : qsTranslate("Qorvane", "Hide Info Panel")
+
+    signal backRequested
+    signal inspectorToggled
 
     function focusSearch() {
         field.forceActiveFocus(Qt.ShortcutFocusReason);
@@ -34,7 +42,7 @@ Item {
             text: qsTranslate("Qorvane", "Back")
             iconName: "chevron.left"
             visible: toolbar.isDetailViewActive
-            onClicked: toolbar.viewState.isDetailViewActive = false
+            onClicked: toolbar.backRequested()
         }
 
         ToolButton {
@@ -52,7 +60,7 @@ Item {
                 id: sortMenu
 
                 objectName: "sortMenu"
-                sorting: toolbar.viewState.sorting
+                sorting: toolbar.sorting
             }
         }
     }
@@ -64,7 +72,7 @@ Item {
         anchors.right: inspectorButton.left
         anchors.rightMargin: Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
-        text: toolbar.isDetailViewActive ? toolbar.viewState.selected.name : toolbar.viewState.title
+        text: toolbar.title
         elide: toolbar.isDetailViewActive ? Text.ElideMiddle : Text.ElideRight
         font.pixelSize: Theme.title3Size
         font.weight: Font.DemiBold
@@ -80,8 +88,8 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         text: toolbar.inspectorHelp
         iconName: "sidebar.right"
-        isOn: !toolbar.viewState.isInspectorCollapsed
-        onClicked: toolbar.viewState.isInspectorCollapsed = !toolbar.viewState.isInspectorCollapsed
+        isOn: !toolbar.isInspectorCollapsed
+        onClicked: toolbar.inspectorToggled()
     }
 
     SearchField {
@@ -92,17 +100,17 @@ Item {
         anchors.rightMargin: Theme.contentPadding
         anchors.verticalCenter: parent.verticalCenter
         placeholderText: qsTranslate("Qorvane", "Search Photos")
-        onTextChanged: toolbar.viewState.search.text = text
-        onActiveFocusChanged: toolbar.viewState.focus.isLentToSearch = activeFocus
-        onAccepted: toolbar.viewState.focus.focusDetail()
-        onAbandoned: toolbar.viewState.focus.giveBack()
-        Keys.onDownPressed: toolbar.viewState.focus.focusDetail()
+        onTextChanged: toolbar.search.text = text
+        onActiveFocusChanged: toolbar.columns.isLentToSearch = activeFocus
+        onAccepted: toolbar.columns.focusDetail()
+        onAbandoned: toolbar.columns.giveBack()
+        Keys.onDownPressed: toolbar.columns.focusDetail()
 
         Connections {
-            target: toolbar.viewState.search
+            target: toolbar.search
 
             function onTextChanged() {
-                field.text = toolbar.viewState.search.text;
+                field.text = toolbar.search.text;
             }
         }
     }

@@ -12,11 +12,15 @@ T.ApplicationWindow {
     // Every modal popup takes the keys, and a tooltip doesn't.
     readonly property bool isUnderPopup: viewState.keyboardFocus.isWithin(activeFocusItem, popups)
 
+    function toggleInspector() {
+        viewState.isInspectorCollapsed = !viewState.isInspectorCollapsed;
+    }
+
     width: 1280
     height: 800
     minimumWidth: 1200
     minimumHeight: 800
-    title: viewState.title === "" ? "Qorvane" : viewState.title
+    title: viewState.pages.title === "" ? "Qorvane" : viewState.pages.title
     color: Theme.window
     // The controls would ask the desktop, past the application.
     font.family: Application.font.family
@@ -57,7 +61,14 @@ T.ApplicationWindow {
 
         anchors.left: sidebarColumn.right
         width: widths.middle
-        viewState: window.viewState
+        sorting: window.viewState.sorting
+        search: window.viewState.search
+        columns: window.viewState.focus
+        title: isDetailViewActive ? window.viewState.selected.name : window.viewState.pages.title
+        isDetailViewActive: window.viewState.isDetailViewActive
+        isInspectorCollapsed: window.viewState.isInspectorCollapsed
+        onBackRequested: window.viewState.isDetailViewActive = false
+        onInspectorToggled: window.toggleInspector()
     }
 
     ContentColumn {
@@ -150,6 +161,6 @@ T.ApplicationWindow {
     Shortcut {
         sequence: "Ctrl+I"
         enabled: !window.isUnderPopup
-        onActivated: window.viewState.isInspectorCollapsed = !window.viewState.isInspectorCollapsed
+        onActivated: window.toggleInspector()
     }
 }

@@ -1,9 +1,6 @@
 #include "views/window/ContentViewState.h"
 
 #include "library/QorManage.h"
-#include "media/SupportedExtensions.h"
-#include "platform/Localization.h"
-#include "views/pictures/ThumbnailQueue.h"
 
 #include <QTimer>
 
@@ -42,41 +39,17 @@ auto onChange(const QorManage &library, Read read, Act act)
 } // namespace
 
 ContentViewState::ContentViewState(QorManage &qorManager, Search search,
-                                   std::shared_ptr<ThumbnailQueue> thumbnails, QObject *parent)
+                                   const std::shared_ptr<ThumbnailQueue> &thumbnails, QObject *parent)
     : QObject(parent)
     , m_qorManager(qorManager)
     , m_folderAdding(qorManager)
     , m_sidebar(qorManager)
-    , m_photos(m_selection, m_revisions, isVideoFile)
-    , m_results(m_selection, m_revisions, isVideoFile)
     , m_search(searchSources(qorManager, std::move(search)))
+    , m_pages(qorManager, m_search, m_selection, thumbnails)
     , m_selected(m_selection)
     , m_sorting(qorManager)
 {
-    for (MediaListModel *const model : {&m_photos, &m_results}) {
-        connect(model, &MediaListModel::visiblePathsChanged, this,
-                [thumbnails](const QSet<QString> &paths) { thumbnails->setVisiblePaths(paths); });
-    }
-    followLibrary();
-    followSearch();
-}
-
-void ContentViewState::followLibrary()
-{
-    const auto takeImages = [this] {
-        m_photos.setUrls(m_qorManager.imageURLs());
-        updatePage();
-    };
-    connect(&m_qorManager, &QorManage::imageURLsChanged, this, takeImages);
-    connect(&m_qorManager, &QorManage::isLoadingChanged, this, &ContentViewState::updatePage);
-    const auto showAnother = [this] {
-        updatePage();
-        Q_EMIT titleChanged();
-    };
-    const auto startOver = [this, showAnother] {
-        reset();
-        showAnother();
-    };
+    const auto startOver = [this] { reset(); };
     connect(&m_qorManager, &QorManage::selectedFolderChanged, this,
             onChange(m_qorManager, &QorManage::selectedFolder, startOver));
     connect(&m_qorManager, &QorManage::selectedRatingChanged, this,
@@ -84,11 +57,8 @@ void ContentViewState::followLibrary()
     // A tag leaves the query and its results standing, on purpose: they stay those of the scope before until
     // the text changes. Where a folder was selected the query goes nonetheless, with the folder.
     connect(&m_qorManager, &QorManage::selectedTagChanged, this,
-            onChange(m_qorManager, &QorManage::selectedTag, [this, showAnother] {
-                setDetailViewActive(false);
-                showAnother();
-            }));
-    takeImages();
+            onChange(m_qorManager, &QorManage::selectedTag, [this] { setDetailViewActive(false); }));
+    connect(&m_search, &SearchController::searchBegan, this, [this] { setDetailViewActive(false); });
 }
 
 // Files stay selected while the grid shows another folder: only leaving an open file deselects.
@@ -96,42 +66,6 @@ void ContentViewState::reset()
 {
     setDetailViewActive(false);
     m_search.reset();
-}
-
-void ContentViewState::followSearch()
-{
-    connect(&m_search, &SearchController::searchBegan, this, [this] { setDetailViewActive(false); });
-    connect(&m_search, &SearchController::resultsChanged, this, [this] {
-        QList<FileUrl> urls;
-        for (const SearchResult &result : m_search.results())
-            urls.append(result.url);
-        m_results.setUrls(urls);
-        updatePage();
-    });
-    connect(&m_search, &SearchController::textChanged, this, &ContentViewState::updatePage);
-    connect(&m_search, &SearchController::isSearchingChanged, this, &ContentViewState::updatePage);
-}
-
-QString ContentViewState::title() const
-{
-    if (const std::optional<QString> tag = m_qorManager.selectedTag())
-        return *tag;
-    if (const std::optional<int> rating = m_qorManager.selectedRating())
-        return QStringLiteral("★").repeated(*rating);
-    if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
-        return folder->url.lastPathComponent();
-    return {};
-}
-
-QString ContentViewState::scope() const
-{
-    if (const std::optional<QString> tag = m_qorManager.selectedTag())
-        return QStringLiteral("tag-") + *tag;
-    if (const std::optional<int> rating = m_qorManager.selectedRating())
-        return QStringLiteral("rating-%1").arg(*rating);
-    if (const std::optional<Folder> folder = m_qorManager.selectedFolder())
-        return QStringLiteral("folder-") + folder->url.path();
-    return {};
 }
 
 void ContentViewState::setDetailViewActive(bool isActive)
@@ -159,24 +93,6 @@ void ContentViewState::setInspectorCollapsed(bool isCollapsed)
         return;
     m_isInspectorCollapsed = isCollapsed;
     Q_EMIT isInspectorCollapsedChanged();
-}
-
-void ContentViewState::updatePage()
-{
-    const GridPage::Page page = GridPage::pageFor({
-        .showNormalPhotos = m_search.text().isEmpty(),
-        .isSearching = m_search.isSearching(),
-        .hasResults = !m_search.results().isEmpty(),
-        .isLoading = m_qorManager.isLoading(),
-        .hasTag = m_qorManager.selectedTag().has_value(),
-        .hasRating = m_qorManager.selectedRating().has_value(),
-        .hasFolder = m_qorManager.selectedFolder().has_value(),
-        .hasImages = !m_qorManager.imageURLs().isEmpty(),
-    });
-    if (page == m_page)
-        return;
-    m_page = page;
-    Q_EMIT pageChanged();
 }
 
 } // namespace Qorvane

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "views/folders/FolderAdding.h"
-#include "views/grid/GridPage.h"
 #include "views/grid/MediaActions.h"
-#include "views/grid/MediaListModel.h"
 #include "views/grid/MediaSelection.h"
 #include "views/inspector/SelectedMedia.h"
-#include "views/pictures/ThumbnailRevisions.h"
 #include "views/search/SearchController.h"
 #include "views/sidebar/Sidebar.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/window/ColumnFocus.h"
+#include "views/window/ContentPages.h"
 #include "views/window/Sorting.h"
 
 #include <QObject>
@@ -32,8 +30,7 @@ class ContentViewState : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("The window's owner makes it.")
     Q_PROPERTY(Qorvane::Sidebar *sidebar READ sidebar CONSTANT)
-    Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
-    Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
+    Q_PROPERTY(Qorvane::ContentPages *pages READ pages CONSTANT)
     Q_PROPERTY(Qorvane::SearchController *search READ search CONSTANT)
     Q_PROPERTY(Qorvane::ColumnFocus *focus READ focus CONSTANT)
     Q_PROPERTY(Qorvane::KeyboardFocus *keyboardFocus READ keyboardFocus CONSTANT)
@@ -41,10 +38,6 @@ class ContentViewState : public QObject
     Q_PROPERTY(Qorvane::Sorting *sorting READ sorting CONSTANT)
     Q_PROPERTY(Qorvane::MediaActions *actions READ actions CONSTANT)
     Q_PROPERTY(Qorvane::FolderAdding *folderAdding READ folderAdding CONSTANT)
-    Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
-    /// What the window shows: the selected tag, rating or folder; empty with none of them.
-    Q_PROPERTY(QString title READ title NOTIFY titleChanged)
-    Q_PROPERTY(QString scope READ scope NOTIFY titleChanged)
     /// The middle column shows one file instead of the grid.
     Q_PROPERTY(bool isDetailViewActive READ isDetailViewActive WRITE setDetailViewActive NOTIFY
                    isDetailViewActiveChanged)
@@ -57,12 +50,11 @@ public:
 
     /// `qorManager` outlives this object. `search` finds photographs by text; `thumbnails` learns which cells
     /// are in view.
-    ContentViewState(QorManage &qorManager, Search search, std::shared_ptr<ThumbnailQueue> thumbnails,
+    ContentViewState(QorManage &qorManager, Search search, const std::shared_ptr<ThumbnailQueue> &thumbnails,
                      QObject *parent = nullptr);
 
     Sidebar *sidebar() { return &m_sidebar; }
-    MediaListModel *photos() { return &m_photos; }
-    MediaListModel *results() { return &m_results; }
+    ContentPages *pages() { return &m_pages; }
     SearchController *search() { return &m_search; }
     MediaActions *actions() { return &m_actions; }
     FolderAdding *folderAdding() { return &m_folderAdding; }
@@ -71,10 +63,6 @@ public:
     KeyboardFocus *keyboardFocus() { return &m_keyboardFocus; }
     SelectedMedia *selected() { return &m_selected; }
     Sorting *sorting() { return &m_sorting; }
-    GridPage::Page page() const { return m_page; }
-    QString title() const;
-    /// Another text for each tag, rating and folder.
-    QString scope() const;
     bool isDetailViewActive() const { return m_isDetailViewActive; }
     /// Opening takes the keys to the middle column; closing gives them to the sidebar, and deselects
     /// everything.
@@ -86,33 +74,25 @@ public:
     void appear();
 
 Q_SIGNALS:
-    void pageChanged();
-    void titleChanged();
     void isDetailViewActiveChanged();
     void isInspectorCollapsedChanged();
 
 private:
-    void followLibrary();
-    void followSearch();
     void reset();
-    void updatePage();
 
     QorManage &m_qorManager;
     FolderAdding m_folderAdding;
     MediaSelection m_selection;
     Sidebar m_sidebar;
-    ThumbnailRevisions m_revisions;
     MediaActions m_actions;
-    MediaListModel m_photos;
-    MediaListModel m_results;
     SearchController m_search;
+    ContentPages m_pages;
     ColumnFocus m_focus;
     KeyboardFocus m_keyboardFocus;
     SelectedMedia m_selected;
     Sorting m_sorting;
     bool m_isDetailViewActive = false;
     bool m_isInspectorCollapsed = false;
-    GridPage::Page m_page = GridPage::NothingSelected;
 };
 
 } // namespace Qorvane

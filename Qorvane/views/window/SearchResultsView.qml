@@ -8,12 +8,21 @@ import QorvaneViews
 FocusScope {
     id: view
 
-    required property ContentViewState viewState
+    required property ContentPages pages
+    required property Sorting sorting
+    required property SearchController search
+    required property MediaActions actions
+    required property KeyboardFocus keys
+    required property bool isLibraryEmpty
     /// Left free on either side of the grids, where the column is wider than they may be.
     property int sideMargin: 0
-    readonly property int page: viewState.page
+    readonly property int page: pages.page
     readonly property bool isEmpty: page === GridPage.EmptyTag || page === GridPage.EmptyRating
                                     || page === GridPage.EmptyFolder
+
+    /// A file was opened: the one that is selected.
+    signal opened
+    signal addFolderRequested
 
     MediaGrid {
         id: photos
@@ -23,13 +32,13 @@ FocusScope {
         sideMargin: view.sideMargin
         focus: visible
         visible: view.page === GridPage.Photos
-        media: view.viewState.photos
-        keys: view.viewState.keyboardFocus
-        identity: "grid-" + view.viewState.sorting.criterion + view.viewState.sorting.order + view.viewState.scope
+        media: view.pages.photos
+        keys: view.keys
+        identity: "grid-" + view.sorting.criterion + view.sorting.order + view.pages.scope
         rowPitch: Theme.photoSize + Theme.photoGap
         pictureWidth: Theme.photoSize
         pictureHeight: Theme.photoSize
-        onOpened: view.viewState.isDetailViewActive = true
+        onOpened: view.opened()
         onMenuRequested: (path, ground, position) => menu.openAt(path, ground, position)
 
         delegate: PhotoGridItemView {
@@ -45,13 +54,13 @@ FocusScope {
         sideMargin: view.sideMargin
         focus: visible
         visible: view.page === GridPage.Results
-        media: view.viewState.results
-        keys: view.viewState.keyboardFocus
-        identity: view.viewState.search.isSearching ? "searching" : "found"
+        media: view.pages.results
+        keys: view.keys
+        identity: view.search.isSearching ? "searching" : "found"
         rowPitch: Theme.hitHeight + Theme.hitGap
         pictureWidth: Theme.hitWidth
         pictureHeight: Theme.hitPictureHeight
-        onOpened: view.viewState.isDetailViewActive = true
+        onOpened: view.opened()
         onMenuRequested: (path, ground, position) => menu.openAt(path, ground, position)
 
         delegate: SearchResultItemView {
@@ -62,7 +71,7 @@ FocusScope {
     MediaCellMenu {
         id: menu
 
-        actions: view.viewState.actions
+        actions: view.actions
     }
 
     BusyIndicator {
@@ -102,7 +111,7 @@ FocusScope {
         objectName: "nothingSelectedPage"
         anchors.fill: parent
         visible: view.page === GridPage.NothingSelected
-        isLibraryEmpty: view.viewState.sidebar.isLibraryEmpty
-        onAddFolderRequested: view.viewState.folderAdding.choose()
+        isLibraryEmpty: view.isLibraryEmpty
+        onAddFolderRequested: view.addFolderRequested()
     }
 }

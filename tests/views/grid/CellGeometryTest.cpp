@@ -40,7 +40,7 @@ protected:
         video.write("not a video");
         video.close();
         state.folderAdding()->add({QUrl::fromLocalFile(folder)});
-        ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == pictureCount + 1; }));
+        ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == pictureCount + 1; }));
         ASSERT_TRUE(waitUntil([this] { return cell("photoGrid", 0) != nullptr; }));
         waitForFrame();
     }

@@ -29,7 +29,7 @@ protected:
     // The photograph drawn there; -1 for none.
     int rowUnder(const QPoint &place)
     {
-        for (int row = 0; row < state.photos()->count(); ++row) {
+        for (int row = 0; row < state.pages()->photos()->count(); ++row) {
             if (cell("photoGrid", row) &&
                 thumbnail(row)->contains(thumbnail(row)->mapFromScene(QPointF(place))))
                 return row;
@@ -114,7 +114,7 @@ TEST_F(CellPointerTest, aFileThatTakesAnothersPlaceUnderThePressIsNotMeant)
     const QPoint place = middleOf(cell("photoGrid", 1));
     QTest::mousePress(window.get(), Qt::LeftButton, {}, place);
     library.setSortOrder(SortOrder::descending);
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->path(1) == picture(6).path(); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->path(1) == picture(6).path(); }));
     QTest::mouseRelease(window.get(), Qt::LeftButton, {}, place);
     EXPECT_EQ(selected(), QSet<FileUrl>());
 }
@@ -167,7 +167,7 @@ TEST_F(CellPointerTest, afterFilesAboveHaveGoneTheLastOnesAnswer)
         ASSERT_TRUE(QFile::remove(picture(i).path()));
     library.loadImages();
     const int last = 60 - gone - 1;
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == last + 1; }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == last + 1; }));
     waitForFrame();
     turnWheel(item("photoGrid"), -120 * 500);
     ASSERT_TRUE(waitUntil([&] { return isInView("photoGrid", last); }));
@@ -190,7 +190,7 @@ TEST_F(CellPointerTest, theMarkIsUnderThePointerAfterFilesHaveGoneAndColumnsHave
     for (const int gone : {0, 5})
         ASSERT_TRUE(QFile::remove(picture(gone).path()));
     library.loadImages();
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 58; }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 58; }));
     EXPECT_TRUE(waitUntil([&] { return hovered() >= 0 && isRight(); }));
     const int before = columns();
     window->resize(window->width() + 230, window->height());

@@ -44,7 +44,8 @@ TEST_F(GridKeysTest, downFromTheLineBeforeAShorterOneLandsOnTheLastCell)
     for (int i = last + 1; i < 12; ++i)
         ASSERT_TRUE(QFile::remove(picture(i).path()));
     library.loadImages();
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == last + 1 && cell("photoGrid", last); }));
+    ASSERT_TRUE(
+        waitUntil([&] { return state.pages()->photos()->count() == last + 1 && cell("photoGrid", last); }));
     waitForFrame();
     clickPicture("photoGrid", last - 1);
     QTest::keyClick(window.get(), Qt::Key_Down);
@@ -85,7 +86,7 @@ TEST_F(GridKeysTest, anArrowBringsItsCellIntoViewInAMotion)
         QKeyEvent press(QEvent::KeyPress, Qt::Key_Down, {});
         QCoreApplication::sendEvent(window.get(), &press);
     }
-    const int row = state.photos()->firstSelectedRow();
+    const int row = state.pages()->photos()->firstSelectedRow();
     ASSERT_EQ(row, 5 * columns());
     EXPECT_FALSE(isInView("photoGrid", row));
     EXPECT_TRUE(waitUntil([&] { return isInView("photoGrid", row); }));
@@ -102,7 +103,7 @@ TEST_F(GridKeysTest, withoutMotionAnArrowBringsItsCellIntoViewAtOnce)
     EXPECT_GT(place, 100);
     waitForFrame();
     EXPECT_EQ(position("photoGrid"), place);
-    EXPECT_TRUE(isInView("photoGrid", state.photos()->firstSelectedRow()));
+    EXPECT_TRUE(isInView("photoGrid", state.pages()->photos()->firstSelectedRow()));
 }
 
 TEST_F(GridKeysTest, theCellThatArrowsStartFromShowsToWhoeverCameByKeyboard)
@@ -234,14 +235,14 @@ TEST_F(GridKeysTest, theCurrentCellStaysTheFirstSelectedWhenOthersGo)
     for (const int gone : {1, 3})
         ASSERT_TRUE(QFile::remove(picture(gone).path()));
     library.loadImages();
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 6; }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 6; }));
     EXPECT_EQ(current(), 3);
     EXPECT_TRUE(cell("photoGrid", 3)->hasActiveFocus());
     library.setSortOrder(SortOrder::descending);
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->urls().constFirst() == picture(7); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->urls().constFirst() == picture(7); }));
     EXPECT_EQ(current(), 2);
     ASSERT_TRUE(QFile::remove(picture(5).path()));
     library.loadImages();
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 5; }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 5; }));
     EXPECT_EQ(current(), 0);
 }

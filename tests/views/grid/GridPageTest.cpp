@@ -6,23 +6,23 @@ using namespace Qorvane;
 
 TEST(GridPage, showsProgressWhileAListLoadsWhateverIsSelected)
 {
-    EXPECT_EQ(GridPage::pageFor({.isLoading = true, .hasFolder = true, .hasImages = true}),
+    EXPECT_EQ(GridPage::pageFor({.isLoading = true, .scope = ShownScope::Kind::folder, .hasImages = true}),
               GridPage::Loading);
 }
 
-TEST(GridPage, asksForTheTagBeforeTheRatingBeforeTheFolder)
+TEST(GridPage, saysOfWhatThereIsNothing)
 {
-    EXPECT_EQ(GridPage::pageFor({.hasTag = true, .hasRating = true, .hasFolder = true}), GridPage::EmptyTag);
-    EXPECT_EQ(GridPage::pageFor({.hasRating = true, .hasFolder = true}), GridPage::EmptyRating);
-    EXPECT_EQ(GridPage::pageFor({.hasFolder = true}), GridPage::EmptyFolder);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::tag}), GridPage::EmptyTag);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::rating}), GridPage::EmptyRating);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::folder}), GridPage::EmptyFolder);
     EXPECT_EQ(GridPage::pageFor({}), GridPage::NothingSelected);
 }
 
 TEST(GridPage, showsTheGridOfAnythingSelectedThatHasMedia)
 {
-    EXPECT_EQ(GridPage::pageFor({.hasTag = true, .hasImages = true}), GridPage::Photos);
-    EXPECT_EQ(GridPage::pageFor({.hasRating = true, .hasImages = true}), GridPage::Photos);
-    EXPECT_EQ(GridPage::pageFor({.hasFolder = true, .hasImages = true}), GridPage::Photos);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::tag, .hasImages = true}), GridPage::Photos);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::rating, .hasImages = true}), GridPage::Photos);
+    EXPECT_EQ(GridPage::pageFor({.scope = ShownScope::Kind::folder, .hasImages = true}), GridPage::Photos);
 }
 
 TEST(GridPage, hidesMediaThatNothingIsSelectedFor)
@@ -39,13 +39,15 @@ TEST(GridPage, aRunningSearchHidesTheResultsBefore)
 TEST(GridPage, aFinishedSearchShowsItsResultsOrSaysThatThereAreNone)
 {
     EXPECT_EQ(GridPage::pageFor({.showNormalPhotos = false, .hasResults = true}), GridPage::Results);
-    EXPECT_EQ(GridPage::pageFor({.showNormalPhotos = false, .hasFolder = true, .hasImages = true}),
-              GridPage::NoResults);
+    EXPECT_EQ(
+        GridPage::pageFor({.showNormalPhotos = false, .scope = ShownScope::Kind::folder, .hasImages = true}),
+        GridPage::NoResults);
 }
 
 TEST(GridPage, anEmptyFieldBringsTheGridBackEvenWhileASearchRuns)
 {
     EXPECT_EQ(
-        GridPage::pageFor({.isSearching = true, .hasResults = true, .hasFolder = true, .hasImages = true}),
+        GridPage::pageFor(
+            {.isSearching = true, .hasResults = true, .scope = ShownScope::Kind::folder, .hasImages = true}),
         GridPage::Photos);
 }

@@ -81,8 +81,8 @@ TEST_F(PhotoGridTest, anotherSortOrderBeginsAtTheTop)
     const double top = position("photoGrid");
     setPosition("photoGrid", 900);
     library.setSortOrder(SortOrder::descending);
-    EXPECT_TRUE(
-        waitUntil([&] { return cell("photoGrid", 0) && state.photos()->urls().at(0) == picture(59); }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return cell("photoGrid", 0) && state.pages()->photos()->urls().at(0) == picture(59); }));
     EXPECT_EQ(position("photoGrid"), top);
 
     setPosition("photoGrid", 900);
@@ -104,8 +104,8 @@ TEST_F(PhotoGridTest, anotherFolderBeginsAtTheTop)
         ASSERT_NE(chosen, folders.end());
         library.setSelectedFolder(*chosen);
         ASSERT_TRUE(waitUntil([&] {
-            return state.photos()->count() == 60 &&
-                   state.photos()->path(0).startsWith(path + QLatin1Char('/'));
+            return state.pages()->photos()->count() == 60 &&
+                   state.pages()->photos()->path(0).startsWith(path + QLatin1Char('/'));
         }));
     };
     choose(second);
@@ -120,7 +120,7 @@ TEST_F(PhotoGridTest, tellsWhatIsInViewAfterAnotherOrderToo)
 {
     showFolder(60);
     QSet<QString> visible;
-    QObject::connect(state.photos(), &MediaListModel::visiblePathsChanged, &state,
+    QObject::connect(state.pages()->photos(), &MediaListModel::visiblePathsChanged, &state,
                      [&visible](const QSet<QString> &paths) { visible = paths; });
     library.setSortOrder(SortOrder::descending);
     EXPECT_TRUE(waitUntil([&] { return visible.contains(picture(59).path()); }));
@@ -131,11 +131,11 @@ TEST_F(PhotoGridTest, aHiddenGridTellsNothingUntilItIsBack)
 {
     showFolder(60);
     showResults({1, 2});
-    QSignalSpy told(state.photos(), &MediaListModel::visiblePathsChanged);
+    QSignalSpy told(state.pages()->photos(), &MediaListModel::visiblePathsChanged);
     window->resize(window->width(), window->height() - 250);
     waitForFrame();
     library.setSortOrder(SortOrder::descending);
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->path(0) == picture(59).path(); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->path(0) == picture(59).path(); }));
     waitForFrame();
     EXPECT_EQ(told.count(), 0);
     QTest::keyClick(window.get(), Qt::Key_Escape);
@@ -205,7 +205,7 @@ TEST_F(PhotoGridTest, videosAreMarked)
     video.write("not a video");
     video.close();
     state.folderAdding()->add({QUrl::fromLocalFile(path)});
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 2 && cell("photoGrid", 1); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 2 && cell("photoGrid", 1); }));
     waitForFrame();
     // Sorted by name, the video is first.
     EXPECT_TRUE(itemBelow(cell("photoGrid", 0), "videoWord"));
@@ -312,7 +312,7 @@ TEST_F(PhotoGridTest, aFileWithoutAPictureKeepsItsMarkWhichStandsStill)
     broken.write("no picture");
     broken.close();
     state.folderAdding()->add({QUrl::fromLocalFile(path)});
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->count() == 1 && cell("photoGrid", 0); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 1 && cell("photoGrid", 0); }));
     ASSERT_TRUE(waitUntil([&] { return itemBelow(cell("photoGrid", 0), "progress") != nullptr; }));
     EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());
     ASSERT_TRUE(waitUntil(

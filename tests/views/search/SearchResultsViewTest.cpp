@@ -60,7 +60,7 @@ TEST_F(SearchResultsViewTest, showsTheHitsInTheirRankWhateverTheSortOrder)
                              QStringLiteral("img2.jpg")};
     EXPECT_EQ(shownHits(), ranked);
     library.setSortOrder(SortOrder::ascending);
-    ASSERT_TRUE(waitUntil([&] { return state.photos()->path(0) == picture(0).path(); }));
+    ASSERT_TRUE(waitUntil([&] { return state.pages()->photos()->path(0) == picture(0).path(); }));
     waitForFrame();
     EXPECT_EQ(shownHits(), ranked);
 }
@@ -85,9 +85,9 @@ TEST_F(SearchResultsViewTest, aRunningSearchHidesTheHitsOfTheOneBefore)
     showResults({1});
     bool wasHidden = false;
     const QObject meanwhile;
-    QObject::connect(&state, &ContentViewState::pageChanged, &meanwhile, [&] {
+    QObject::connect(state.pages(), &ContentPages::pageChanged, &meanwhile, [&] {
         wasHidden = wasHidden || (item("searchingPage")->isVisible() && !item("resultsGrid")->isVisible() &&
-                                  state.results()->count() == 1);
+                                  state.pages()->results()->count() == 1);
     });
     QTest::keyClick(window.get(), Qt::Key_Y);
     EXPECT_TRUE(waitUntil([&] { return wasHidden && item("resultsGrid")->isVisible(); }));
@@ -121,7 +121,7 @@ TEST_F(SearchResultsViewTest, aDoubleClickOpensAHitFromOutsideTheFolder)
     const QString elsewhere = makeFolder(QStringLiteral("Elsewhere"), 1);
     found.append({FileUrl::file(fileUrl(elsewhere, 0)), 0.5f, 0.2f});
     showResults({1});
-    ASSERT_FALSE(state.photos()->urls().contains(FileUrl::file(fileUrl(elsewhere, 0))));
+    ASSERT_FALSE(state.pages()->photos()->urls().contains(FileUrl::file(fileUrl(elsewhere, 0))));
     doubleClickPicture("resultsGrid", 0);
     EXPECT_EQ(selected(), QSet<FileUrl>{FileUrl::file(fileUrl(elsewhere, 0))});
     EXPECT_TRUE(state.isDetailViewActive());
@@ -191,14 +191,14 @@ TEST_F(SearchResultsViewTest, anotherTagLeavesTheHitsOfTheOneBeforeOnTheScreen)
     showFolder(3);
     giveTags({QStringLiteral("Beach"), QStringLiteral("Food")});
     clickSidebar(QStringLiteral("Beach"));
-    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return state.pages()->photos()->count() == 1; }));
     showResults({2, 1});
     const QStringList hits = shownHits();
     ASSERT_EQ(hits.size(), 2);
-    QSignalSpy pages(&state, &ContentViewState::pageChanged);
+    QSignalSpy pages(state.pages(), &ContentPages::pageChanged);
     clickSidebar(QStringLiteral("Food"));
     ASSERT_EQ(library.selectedTag(), QStringLiteral("Food"));
-    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1 && !library.isLoading(); }));
+    ASSERT_TRUE(waitUntil([this] { return state.pages()->photos()->count() == 1 && !library.isLoading(); }));
     waitForFrame();
     EXPECT_TRUE(item("resultsGrid")->isVisible());
     EXPECT_EQ(shownHits(), hits);
@@ -215,7 +215,8 @@ TEST_F(SearchResultsViewTest, aTagChosenInPlaceOfAFolderEndsTheSearch)
     showResults({2, 1});
     clickSidebar(QStringLiteral("Beach"));
     EXPECT_EQ(item("searchField")->property("text").toString(), QString());
-    EXPECT_TRUE(waitUntil([this] { return state.photos()->count() == 1 && item("photoGrid")->isVisible(); }));
+    EXPECT_TRUE(waitUntil(
+        [this] { return state.pages()->photos()->count() == 1 && item("photoGrid")->isVisible(); }));
     EXPECT_FALSE(item("resultsGrid")->isVisible());
 }
 

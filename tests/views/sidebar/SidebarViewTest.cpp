@@ -40,7 +40,7 @@ TEST_F(SidebarViewTest, theFirstFolderIsSelectedOverARatingToo)
     QCoreApplication::sendEvent(window.get(), &enter);
     QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &drop);
-    ASSERT_TRUE(waitUntil([this] { return state.photos()->count() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return state.pages()->photos()->count() == 1; }));
     EXPECT_EQ(library.selectedFolder()->url.lastPathComponent(), QStringLiteral("Photos"));
     EXPECT_EQ(selected(), QStringLiteral("Photos"));
 }

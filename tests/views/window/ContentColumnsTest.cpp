@@ -186,7 +186,7 @@ TEST_F(ContentColumnsTest, theSortMenuSetsCriterionAndOrderAndMarksThem)
     choose("sortDescending");
     EXPECT_EQ(library.sortOrder(), SortOrder::descending);
     EXPECT_TRUE(waitUntil([this] {
-        return state.photos()->urls().constFirst().lastPathComponent() == QStringLiteral("img2.jpg");
+        return state.pages()->photos()->urls().constFirst().lastPathComponent() == QStringLiteral("img2.jpg");
     }));
     choose("sortByModificationDate");
     EXPECT_EQ(library.sortCriterion(), SortCriterion::modificationDate);

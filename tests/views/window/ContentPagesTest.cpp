@@ -132,7 +132,7 @@ TEST_F(ContentPagesTest, aFolderThatIsStillReadShowsOnlyThatItIs)
     QStringList seen;
     bool isRunning = false;
     const QObject meanwhile; // the page changes once more when the window has gone
-    QObject::connect(&state, &ContentViewState::pageChanged, &meanwhile, [&] {
+    QObject::connect(state.pages(), &ContentPages::pageChanged, &meanwhile, [&] {
         seen.append(shownPage());
         isRunning = isRunning ||
                     (item("loadingPage")->isVisible() && item("loadingPage")->property("running").toBool());
@@ -151,7 +151,7 @@ TEST_F(ContentPagesTest, aRunningSearchTurnsOverItsWords)
     QSizeF markSize;
     bool isCentred = false;
     const QObject meanwhile; // the page changes once more when the window has gone
-    QObject::connect(&state, &ContentViewState::pageChanged, &meanwhile, [&] {
+    QObject::connect(state.pages(), &ContentPages::pageChanged, &meanwhile, [&] {
         if (shownPage() != QStringLiteral("searchingPage"))
             return;
         words = wordsOn(page);

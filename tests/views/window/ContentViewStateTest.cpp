@@ -148,8 +148,8 @@ TEST_F(ContentViewStateTest, aNewQueryNeverShowsThatNothingWasFound)
 {
     QList<GridPage::Page> pages;
     const QObject listener;
-    QObject::connect(&m_state, &ContentViewState::pageChanged, &listener,
-                     [&] { pages.append(m_state.page()); });
+    QObject::connect(m_state.pages(), &ContentPages::pageChanged, &listener,
+                     [&] { pages.append(m_state.pages()->page()); });
     m_state.search()->setText(QStringLiteral("c"));
     EXPECT_EQ(pages, QList<GridPage::Page>{GridPage::Searching});
     drainMainQueue();

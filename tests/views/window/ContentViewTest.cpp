@@ -52,7 +52,7 @@ TEST_F(ContentViewTest, anAddedFolderGetsARowAndShowsItsPhotographs)
     addFolder(QStringLiteral("Photos"), 6);
     EXPECT_EQ(state.sidebar()->rows()->selectedRow(), 2);
     EXPECT_EQ(item("photoGrid")->property("count").toInt(), 6);
-    EXPECT_EQ(state.title(), QStringLiteral("Photos"));
+    EXPECT_EQ(state.pages()->title(), QStringLiteral("Photos"));
     EXPECT_FALSE(item("nothingSelectedPage")->isVisible());
 }
 
@@ -85,7 +85,7 @@ TEST_F(ContentViewTest, aFolderDroppedOnTheWindowIsAddedAndAFileIsNot)
     EXPECT_TRUE(waitUntil([this] { return item("dropVeil")->opacity() == 1; }));
     QDropEvent drop(position, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.get(), &drop);
-    EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == 2; }));
+    EXPECT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 2; }));
     EXPECT_EQ(library.libraryFolders().size(), 1);
     EXPECT_TRUE(waitUntil([this] { return !item("dropVeil")->isVisible(); }));
 }
@@ -104,7 +104,7 @@ TEST_F(ContentViewTest, aDropIsNeverAMove)
     QCoreApplication::sendEvent(window.get(), &drop);
     EXPECT_TRUE(drop.isAccepted());
     EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
-    EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 1; }));
 }
 
 TEST_F(ContentViewTest, addressesOfOtherMachinesAreNotTakenFromADrag)
@@ -188,8 +188,8 @@ TEST_F(ContentViewTest, choosingAnotherFolderEndsTheSearch)
     waitForFrame();
     click(cell("sidebarList", 3));
     EXPECT_EQ(item("searchField")->property("text").toString(), QString());
-    EXPECT_TRUE(waitUntil([&] { return state.photos()->count() == 3; }));
-    EXPECT_EQ(state.title(), QStringLiteral("Two"));
+    EXPECT_TRUE(waitUntil([&] { return state.pages()->photos()->count() == 3; }));
+    EXPECT_EQ(state.pages()->title(), QStringLiteral("Two"));
 }
 
 TEST_F(ContentViewTest, anEmptyFolderSaysSo)
