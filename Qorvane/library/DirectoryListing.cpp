@@ -2,6 +2,8 @@
 
 #include "platform/NativePath.h"
 
+#include <QByteArrayView>
+#include <QStringBuilder>
 #include <QStringDecoder>
 
 #include <dirent.h>
@@ -12,6 +14,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace Qorvane {
 
@@ -23,7 +26,7 @@ struct CloseDirectory
 };
 using OpenDirectory = std::unique_ptr<DIR, CloseDirectory>;
 
-std::optional<QString> decodedName(const QByteArray &nativeName)
+std::optional<QString> decodedName(QByteArrayView nativeName)
 {
     // What most names are, several times faster.
     const auto isAscii = [](char byte) { return uchar(byte) < 0x80; };
@@ -86,9 +89,11 @@ std::optional<DirectoryListing> listDirectory(const QString &path, QString *erro
     while (const dirent *entry = ::readdir(directory.get())) {
         if (entry->d_name[0] == '.')
             continue;
-        const QByteArray nativeName(entry->d_name);
+        const QByteArrayView nativeName(entry->d_name);
+        std::optional<QString> name = decodedName(nativeName);
+        QByteArray undecoded = name ? QByteArray() : nativeName.toByteArray();
         listing.entries.push_back(
-            {nativeName, decodedName(nativeName), kindOf(*entry, ::dirfd(directory.get()))});
+            {std::move(name), std::move(undecoded), kindOf(*entry, ::dirfd(directory.get()))});
         errno = 0;
     }
     if (errno != 0) {
@@ -100,7 +105,8 @@ std::optional<DirectoryListing> listDirectory(const QString &path, QString *erro
 
 QString childPath(const QString &directory, const QString &name)
 {
-    return directory.endsWith(u'/') ? directory + name : directory + u'/' + name;
+    // Built in one piece: long lists are made of it.
+    return directory.endsWith(u'/') ? directory + name : QString(directory % u'/' % name);
 }
 
 } // namespace Qorvane

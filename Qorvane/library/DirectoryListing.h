@@ -28,9 +28,10 @@ enum class EntryKind { directory, symbolicLink, other };
 
 struct DirectoryEntry
 {
-    QByteArray nativeName;
     /// Nothing when the bytes are no UTF-8: such a name can't be a key of the library.
     std::optional<QString> name;
+    /// The bytes of a name that is no UTF-8; empty for all others.
+    QByteArray undecodedName;
     EntryKind kind = EntryKind::other;
 };
 

@@ -36,7 +36,7 @@ bool isPackage(const QString &name)
 // line shows what can be shown of it.
 void reportUnnameable(const QString &folder, const DirectoryEntry &entry)
 {
-    const QString path = childPath(folder, QString::fromUtf8(entry.nativeName));
+    const QString path = childPath(folder, QString::fromUtf8(entry.undecodedName));
     if (entry.kind == EntryKind::directory || isMediaFile(FileUrl::file(path)))
         Log::line(QStringLiteral("⚠️ 文件名不是有效的 UTF-8，已跳过: ") + path);
 }

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <future>
-#include <iterator>
 #include <numeric>
 #include <optional>
 #include <system_error>
@@ -27,63 +26,83 @@ Positions positionsOf(const QList<FileUrl> &urls)
     return positions;
 }
 
-// Fewer are weighed before another thread would have begun.
-constexpr qsizetype namesPerThread = 4'000;
+// Fewer are dealt with before another thread would have begun.
+constexpr qsizetype urlsPerThread = 4'000;
 
-/// The file names' weights, by position in the list. Of a long list every core weighs a part.
+/// Where the parts of a list begin that a core each deals with, and the list's end.
+std::vector<qsizetype> partsOf(const QList<FileUrl> &urls)
+{
+    const auto cores = qsizetype(std::max(1U, std::thread::hardware_concurrency()));
+    const qsizetype count = std::clamp(urls.size() / urlsPerThread, qsizetype(1), cores);
+    std::vector<qsizetype> bounds;
+    for (qsizetype part = 0; part <= count; ++part)
+        bounds.push_back(urls.size() * part / count);
+    return bounds;
+}
+
+/// Calls `work` with the begin and end of each part, each on a thread of its own, and waits for all.
+template <typename Work>
+void onEachPart(const std::vector<qsizetype> &bounds, const Work &work)
+{
+    std::vector<std::future<void>> others;
+    for (size_t part = 1; part + 1 < bounds.size(); ++part) {
+        const auto onThisPart = [&work, begin = bounds[part], end = bounds[part + 1]] { work(begin, end); };
+        try {
+            others.push_back(std::async(std::launch::async, onThisPart));
+        } catch (const std::system_error &) { // no thread to be had
+            onThisPart();
+        }
+    }
+    work(bounds[0], bounds[1]);
+    for (std::future<void> &other : others)
+        other.get();
+}
+
+/// The file names' weights, by position in the list, which has to stay.
 class NameOrder
 {
 public:
     explicit NameOrder(const QList<FileUrl> &urls)
-        : m_orders(size_t(std::clamp(urls.size() / namesPerThread, qsizetype(1),
-                                     qsizetype(std::max(1U, std::thread::hardware_concurrency())))))
+        : m_urls(urls)
+        , m_keys(size_t(urls.size()))
     {
-        const auto partBegin = [&](size_t part) {
-            return urls.size() * qsizetype(part) / qsizetype(m_orders.size());
-        };
-        std::vector<std::future<Keys>> others;
-        for (size_t part = 1; part < m_orders.size(); ++part)
-            others.push_back(onAThread(
-                [&, part] { return keysOf(m_orders[part], urls, partBegin(part), partBegin(part + 1)); }));
-        m_keys = keysOf(m_orders.front(), urls, 0, partBegin(1));
-        m_keys.reserve(size_t(urls.size()));
-        for (std::future<Keys> &other : others)
-            std::ranges::move(other.get(), std::back_inserter(m_keys));
+        onEachPart(partsOf(urls), [this](qsizetype begin, qsizetype end) {
+            const NaturalOrder order;
+            for (qsizetype i = begin; i < end; ++i)
+                m_keys[size_t(i)].emplace(order.sortKey(m_urls[i].lastPathComponent()));
+        });
     }
 
-    bool isBefore(qsizetype a, qsizetype b) const { return m_keys[size_t(a)] < m_keys[size_t(b)]; }
+    bool isBefore(qsizetype a, qsizetype b) const
+    {
+        const int result = m_keys[size_t(a)]->compare(*m_keys[size_t(b)]);
+        return result < 0 || (result == 0 && localizedStandardCompare(m_urls[a].lastPathComponent(),
+                                                                      m_urls[b].lastPathComponent()) < 0);
+    }
 
 private:
-    using Keys = std::vector<NaturalOrder::SortKey>;
-
-    // Where no thread can be had, whoever asks for the result does the work.
-    template <typename Work>
-    static std::future<Keys> onAThread(const Work &work)
-    try {
-        return std::async(std::launch::async, work);
-    } catch (const std::system_error &) {
-        return std::async(std::launch::deferred, work);
-    }
-
-    static Keys keysOf(const NaturalOrder &order, const QList<FileUrl> &urls, qsizetype begin, qsizetype end)
-    {
-        Keys keys;
-        keys.reserve(size_t(end - begin));
-        for (qsizetype i = begin; i < end; ++i)
-            keys.push_back(order.sortKey(urls.at(i).lastPathComponent()));
-        return keys;
-    }
-
-    std::vector<NaturalOrder> m_orders; // one for each thread
-    Keys m_keys;
+    const QList<FileUrl> &m_urls;
+    std::vector<std::optional<NaturalOrder::SortKey>> m_keys;
 };
+
+/// Stable. `isBefore` compares positions, on several threads at once.
+template <typename IsBefore>
+Positions sorted(const QList<FileUrl> &urls, const IsBefore &isBefore)
+{
+    Positions positions = positionsOf(urls);
+    const std::vector<qsizetype> bounds = partsOf(urls);
+    const auto at = [&positions](qsizetype position) { return positions.begin() + position; };
+    onEachPart(bounds,
+               [&](qsizetype begin, qsizetype end) { std::stable_sort(at(begin), at(end), isBefore); });
+    for (size_t part = 1; part + 1 < bounds.size(); ++part)
+        std::inplace_merge(at(0), at(bounds[part]), at(bounds[part + 1]), isBefore);
+    return positions;
+}
 
 Positions sortedByName(const QList<FileUrl> &urls)
 {
     const NameOrder names(urls);
-    Positions positions = positionsOf(urls);
-    std::ranges::stable_sort(positions, [&](qsizetype a, qsizetype b) { return names.isBefore(a, b); });
-    return positions;
+    return sorted(urls, [&](qsizetype a, qsizetype b) { return names.isBefore(a, b); });
 }
 
 template <typename DateOf>
@@ -112,13 +131,11 @@ Positions sortedByRating(const QList<FileUrl> &urls)
     for (const FileUrl &url : urls)
         ratings.push_back(EmbeddingStore::shared().getRating(url.path()).value_or(0));
     const NameOrder names(urls);
-    Positions positions = positionsOf(urls);
-    std::ranges::stable_sort(positions, [&](qsizetype a, qsizetype b) {
+    return sorted(urls, [&](qsizetype a, qsizetype b) {
         const int first = ratings[size_t(a)];
         const int second = ratings[size_t(b)];
         return first == second ? names.isBefore(a, b) : first < second;
     });
-    return positions;
 }
 
 Positions sortedAscending(const QList<FileUrl> &urls, SortCriterion criterion)

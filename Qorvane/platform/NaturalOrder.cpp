@@ -6,19 +6,6 @@
 
 namespace Qorvane {
 
-NaturalOrder::SortKey::SortKey(const NaturalOrder &order, const QString &text)
-    : m_order(&order)
-    , m_key(order.m_collator.sortKey(text))
-    , m_text(text)
-{
-}
-
-int NaturalOrder::SortKey::compare(const SortKey &other) const
-{
-    const int result = m_key.compare(other.m_key);
-    return result != 0 ? result : m_order->breakTie(m_text, other.m_text);
-}
-
 NaturalOrder::NaturalOrder()
     : NaturalOrder(Languages::localeName(Languages::Aspect::collation))
 {

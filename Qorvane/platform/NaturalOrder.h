@@ -12,21 +12,9 @@ namespace Qorvane {
 class NaturalOrder
 {
 public:
-    /// What a name weighs; made once a name, it makes a long list sort several times faster.
-    class SortKey
-    {
-    public:
-        friend bool operator<(const SortKey &a, const SortKey &b) { return a.compare(b) < 0; }
-        int compare(const SortKey &other) const;
-
-    private:
-        friend class NaturalOrder;
-        SortKey(const NaturalOrder &order, const QString &text);
-
-        const NaturalOrder *m_order;
-        QCollatorSortKey m_key;
-        QString m_text;
-    };
+    /// What a name weighs; made once a name, it makes a long list sort several times faster. Keys are equal
+    /// too where only case, digits or code units tell the names apart: those are then to be compared.
+    using SortKey = QCollatorSortKey;
 
     /// Follows the collation locale of the user's environment.
     NaturalOrder();
@@ -38,8 +26,8 @@ public:
     /// Below 0 when `a` comes first, 0 only for equal texts, above 0 otherwise.
     int compare(const QString &a, const QString &b) const;
 
-    /// Valid while this order lives; compares with keys of this order and of others for the same locale.
-    SortKey sortKey(const QString &text) const { return SortKey(*this, text); }
+    /// Compares with keys of this order and of others for the same locale.
+    SortKey sortKey(const QString &text) const { return m_collator.sortKey(text); }
 
 private:
     int breakTie(const QString &a, const QString &b) const;
