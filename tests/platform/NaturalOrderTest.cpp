@@ -101,16 +101,29 @@ TEST(NaturalOrder, isATotalOrder)
     }
 }
 
-TEST(NaturalOrder, sortKeysAgreeWithTheComparison)
+TEST(NaturalOrder, sortKeysAgreeWithTheComparisonWhereTheyDiffer)
 {
     const NaturalOrder order(QStringLiteral("zh_CN"));
     const QStringList names = awkwardNames();
+    int decided = 0;
     for (qsizetype i = 0; i + 1 < names.size(); ++i) {
-        const int direct = order.compare(names[i], names[i + 1]);
         const int byKey = order.sortKey(names[i]).compare(order.sortKey(names[i + 1]));
-        EXPECT_EQ(direct < 0, byKey < 0) << names[i].toStdString() << " / " << names[i + 1].toStdString();
-        EXPECT_EQ(direct == 0, byKey == 0);
+        if (byKey == 0)
+            continue;
+        ++decided;
+        EXPECT_EQ(order.compare(names[i], names[i + 1]) < 0, byKey < 0)
+            << names[i].toStdString() << " / " << names[i + 1].toStdString();
     }
+    EXPECT_GT(decided, names.size() / 2);
+}
+
+TEST(NaturalOrder, sortKeysLeaveCaseAndLeadingZerosToTheComparison)
+{
+    const NaturalOrder order(QStringLiteral("en_US"));
+    const auto key = [&order](const char *name) { return order.sortKey(QString::fromUtf8(name)); };
+    EXPECT_EQ(key("IMG1").compare(key("img1")), 0);
+    EXPECT_EQ(key("img2").compare(key("img02")), 0);
+    EXPECT_NE(key("img2").compare(key("img10")), 0);
 }
 
 } // namespace
