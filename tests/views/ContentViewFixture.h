@@ -4,8 +4,8 @@
 #include "support/ConsoleWatch.h"
 #include "support/Waiting.h"
 #include "views/WindowDriver.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
 #include "views/window/ContentViewState.h"
 #include "views/window/ContentWindow.h"
 
@@ -172,7 +172,7 @@ protected:
     QStringList queries;
     QList<QList<FileUrl>> scopes; ///< of each of the queries
     QList<SearchResult> found;
-    std::shared_ptr<ThumbnailQueue> thumbnails = std::make_shared<ThumbnailQueue>(2);
+    std::shared_ptr<PictureQueue> thumbnails = std::make_shared<PictureQueue>(2);
     ContentViewState state{
         library,
         [this](const QString &text, const QList<FileUrl> &scope, int) { return search(text, scope); },

@@ -1,7 +1,7 @@
 #include "views/grid/MediaListModel.h"
 
-#include "views/grid/MediaSelection.h"
 #include "views/pictures/ThumbnailRevisions.h"
+#include "views/selection/MediaSelection.h"
 
 #include <algorithm>
 

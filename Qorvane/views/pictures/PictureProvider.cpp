@@ -5,9 +5,8 @@
 #include "media/SupportedExtensions.h"
 #include "media/ThumbnailCache.h"
 #include "platform/Log.h"
-#include "views/pictures/NoPicture.h"
-#include "views/pictures/ThumbnailQueue.h"
-#include "views/pictures/ThumbnailResponse.h"
+#include "views/pictures/PictureQueue.h"
+#include "views/pictures/PictureResponse.h"
 
 #include <algorithm>
 
@@ -35,8 +34,8 @@ QImage boundedPicture(const QString &path, int maxPixelSize)
 } // namespace
 
 PictureProvider::PictureProvider(Load load)
-    : m_thumbnails(std::make_shared<ThumbnailQueue>(1))
-    , m_fullPictures(std::make_shared<ThumbnailQueue>(1))
+    : m_thumbnails(std::make_shared<PictureQueue>(1))
+    , m_fullPictures(std::make_shared<PictureQueue>(1))
     , m_load(std::move(load))
 {
 }
@@ -54,21 +53,14 @@ QImage PictureProvider::loadPicture(Kind kind, const QString &path, int maxPixel
 QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
 {
     const std::optional<PictureRequest> request = PictureRequest::fromId(id);
-    const Kind kind = request ? request->kind : Kind::full;
-    const std::shared_ptr<ThumbnailQueue> &queue = kind == Kind::thumbnail ? m_thumbnails : m_fullPictures;
-    auto response = std::make_unique<ThumbnailResponse>(queue);
-    if (!request) {
-        response->slot()->deliver(clearPixel());
-        return response.release(); // the engine owns it from here
-    }
+    if (!request)
+        return PictureResponse::withoutPicture();
     const int maxPixelSize =
         std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
-    response->setTicket(
-        queue->add(request->path, [load = m_load, slot = response->slot(), request = *request, maxPixelSize] {
-            const QImage picture = load(request.kind, request.path, maxPixelSize);
-            return [slot, picture = picture.isNull() ? clearPixel() : picture] { slot->deliver(picture); };
-        }));
-    return response.release();
+    return PictureResponse::make(request->kind == Kind::thumbnail ? m_thumbnails : m_fullPictures,
+                                 request->path, [load = m_load, request = *request, maxPixelSize] {
+                                     return load(request.kind, request.path, maxPixelSize);
+                                 });
 }
 
 } // namespace Qorvane

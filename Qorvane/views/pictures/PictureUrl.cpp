@@ -1,7 +1,5 @@
 #include "views/pictures/PictureUrl.h"
 
-#include "views/pictures/PictureProvider.h"
-
 #include <QUrl>
 
 namespace Qorvane {
@@ -16,7 +14,7 @@ QString source(PictureRequest::Kind kind, const QString &path)
     if (path.isEmpty())
         return {};
     return QStringLiteral("image://%1/%2")
-        .arg(QString::fromLatin1(PictureProvider::providerId), PictureRequest{kind, path}.toId());
+        .arg(QString::fromLatin1(PictureRequest::providerId), PictureRequest{kind, path}.toId());
 }
 
 } // namespace

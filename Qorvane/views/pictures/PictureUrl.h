@@ -11,6 +11,9 @@ namespace Qorvane {
 /// What the viewer asks the picture provider for.
 struct PictureRequest
 {
+    /// Of the provider that takes these requests.
+    static constexpr auto providerId = "pictures";
+
     enum class Kind { thumbnail, full };
 
     Kind kind = Kind::full;

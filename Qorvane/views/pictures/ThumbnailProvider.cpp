@@ -1,9 +1,8 @@
 #include "views/pictures/ThumbnailProvider.h"
 
 #include "media/ThumbnailCache.h"
-#include "views/pictures/NoPicture.h"
-#include "views/pictures/ThumbnailQueue.h"
-#include "views/pictures/ThumbnailResponse.h"
+#include "views/pictures/PictureQueue.h"
+#include "views/pictures/PictureResponse.h"
 #include "views/pictures/ThumbnailUrl.h"
 
 #include <QPainter>
@@ -34,7 +33,7 @@ QImage fittedThumbnail(const QImage &picture, QSize size, double radius)
     return cell;
 }
 
-ThumbnailProvider::ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load load)
+ThumbnailProvider::ThumbnailProvider(std::shared_ptr<PictureQueue> queue, Load load)
     : m_queue(std::move(queue))
     , m_load(std::move(load))
 {
@@ -48,22 +47,17 @@ QImage ThumbnailProvider::loadThumbnail(const QString &path)
 
 QQuickImageResponse *ThumbnailProvider::requestImageResponse(const QString &id, const QSize &requestedSize)
 {
-    auto response = std::make_unique<ThumbnailResponse>(m_queue);
     const std::optional<ThumbnailRequest> request = ThumbnailRequest::fromId(id);
-    if (!request) {
-        response->slot()->deliver(clearPixel());
-        return response.release(); // the engine owns it from here
-    }
+    if (!request)
+        return PictureResponse::withoutPicture();
     const QSize size = requestedSize.isEmpty() ? request->size : requestedSize;
     // The engine asks in physical pixels; the corners grow with them.
     const double scale = double(size.width()) / std::max(1, request->size.width());
-    response->setTicket(
-        m_queue->add(request->path, [load = m_load, slot = response->slot(), path = request->path, size,
-                                     radius = request->radius * scale] {
-            const QImage cell = fittedThumbnail(load(path), size, radius);
-            return [slot, cell = cell.isNull() ? clearPixel() : cell] { slot->deliver(cell); };
-        }));
-    return response.release();
+    return PictureResponse::make(
+        m_queue, request->path,
+        [load = m_load, path = request->path, size, radius = request->radius * scale] {
+            return fittedThumbnail(load(path), size, radius);
+        });
 }
 
 } // namespace Qorvane

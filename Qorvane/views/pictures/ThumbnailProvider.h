@@ -10,7 +10,7 @@
 
 namespace Qorvane {
 
-class ThumbnailQueue;
+class PictureQueue;
 
 /// Cuts `picture` to fill `size` (physical pixels) around its middle and rounds the corners by `radius`
 /// (physical pixels). Null stays null. Any thread.
@@ -20,25 +20,23 @@ QImage fittedThumbnail(const QImage &picture, QSize size, double radius);
 class ThumbnailProvider : public QQuickAsyncImageProvider
 {
 public:
-    static constexpr auto providerId = "thumbnails";
-
     /// The thumbnail's pixels for the file at `path`; null when there is none. Blocks; runs on the queue's
     /// threads, several at once.
     using Load = std::function<QImage(const QString &path)>;
 
-    explicit ThumbnailProvider(std::shared_ptr<ThumbnailQueue> queue, Load load = loadThumbnail);
+    explicit ThumbnailProvider(std::shared_ptr<PictureQueue> queue, Load load = loadThumbnail);
 
     /// A file without a thumbnail gets a picture of one clear pixel: an error would be a line on the console
     /// for every broken file of the user's.
     QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
 
-    const std::shared_ptr<ThumbnailQueue> &queue() const { return m_queue; }
+    const std::shared_ptr<PictureQueue> &queue() const { return m_queue; }
 
     /// Reads the cache of thumbnails, or makes the thumbnail. Blocks; any thread but the GUI's.
     static QImage loadThumbnail(const QString &path);
 
 private:
-    std::shared_ptr<ThumbnailQueue> m_queue;
+    std::shared_ptr<PictureQueue> m_queue;
     Load m_load;
 };
 

@@ -1,7 +1,5 @@
 #include "views/pictures/ThumbnailUrl.h"
 
-#include "views/pictures/ThumbnailProvider.h"
-
 #include <QRegularExpression>
 #include <QUrl>
 
@@ -32,7 +30,7 @@ std::optional<ThumbnailRequest> ThumbnailRequest::fromId(const QString &id)
 QString ThumbnailUrl::source(const QString &path, int width, int height, int radius, int revision) const
 {
     const QString id = ThumbnailRequest{path, QSize(width, height), radius, revision}.toId();
-    return QStringLiteral("image://%1/%2").arg(QString::fromLatin1(ThumbnailProvider::providerId), id);
+    return QStringLiteral("image://%1/%2").arg(QString::fromLatin1(ThumbnailRequest::providerId), id);
 }
 
 } // namespace Qorvane

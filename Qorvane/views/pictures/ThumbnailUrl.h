@@ -14,6 +14,9 @@ namespace Qorvane {
 /// masks.
 struct ThumbnailRequest
 {
+    /// Of the provider that takes these requests.
+    static constexpr auto providerId = "thumbnails";
+
     QString path;
     QSize size;       ///< logical pixels
     int radius = 0;   ///< of the corners, logical pixels

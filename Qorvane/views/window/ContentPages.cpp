@@ -2,7 +2,7 @@
 
 #include "library/QorManage.h"
 #include "media/SupportedExtensions.h"
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/search/SearchController.h"
 
 #include <utility>
@@ -10,7 +10,7 @@
 namespace Qorvane {
 
 ContentPages::ContentPages(QorManage &qorManager, SearchController &search, MediaSelection &selection,
-                           const std::shared_ptr<ThumbnailQueue> &thumbnails, QObject *parent)
+                           const std::shared_ptr<PictureQueue> &thumbnails, QObject *parent)
     : QObject(parent)
     , m_qorManager(qorManager)
     , m_search(search)

@@ -16,7 +16,7 @@ namespace Qorvane {
 class MediaSelection;
 class QorManage;
 class SearchController;
-class ThumbnailQueue;
+class PictureQueue;
 
 /// What the middle column shows: the photographs of what is selected in the library, the hits of a search, or
 /// a page that says why there are none. GUI thread.
@@ -37,7 +37,7 @@ public:
     /// The library, the search and the selection outlive this object; `thumbnails` learns which cells are in
     /// view.
     ContentPages(QorManage &qorManager, SearchController &search, MediaSelection &selection,
-                 const std::shared_ptr<ThumbnailQueue> &thumbnails, QObject *parent = nullptr);
+                 const std::shared_ptr<PictureQueue> &thumbnails, QObject *parent = nullptr);
 
     MediaListModel *photos() { return &m_photos; }
     MediaListModel *results() { return &m_results; }

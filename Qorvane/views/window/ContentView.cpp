@@ -1,7 +1,7 @@
 #include "views/window/ContentView.h"
 
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
 #include "views/window/ContentWindow.h"
 
 #include <QCoreApplication>
@@ -25,7 +25,7 @@ int thumbnailThreads()
 ContentView::ContentView(QorManage &qorManager, QObject *parent)
     : QObject(parent)
     , m_responder(m_clipService)
-    , m_thumbnails(std::make_shared<ThumbnailQueue>(thumbnailThreads()))
+    , m_thumbnails(std::make_shared<PictureQueue>(thumbnailThreads()))
     , m_state(
           qorManager,
           [this](const QString &text, const QList<FileUrl> &scope, int limit) {

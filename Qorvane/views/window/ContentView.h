@@ -14,7 +14,7 @@ class QQuickWindow;
 namespace Qorvane {
 
 class QorManage;
-class ThumbnailQueue;
+class PictureQueue;
 
 /// The main window with what lives and dies with it: the semantic service and its answers to the pipeline,
 /// the shared state of the columns, the engine that draws them. GUI thread.
@@ -49,7 +49,7 @@ private:
 
     ChineseClipService m_clipService;
     EmbeddingResponder m_responder;
-    std::shared_ptr<ThumbnailQueue> m_thumbnails;
+    std::shared_ptr<PictureQueue> m_thumbnails;
     ContentViewState m_state;
     QQmlEngine m_engine;
     std::unique_ptr<QQuickWindow> m_window; // last: it is drawn from all of the above

@@ -39,7 +39,7 @@ auto onChange(const QorManage &library, Read read, Act act)
 } // namespace
 
 ContentViewState::ContentViewState(QorManage &qorManager, Search search,
-                                   const std::shared_ptr<ThumbnailQueue> &thumbnails, QObject *parent)
+                                   const std::shared_ptr<PictureQueue> &thumbnails, QObject *parent)
     : QObject(parent)
     , m_qorManager(qorManager)
     , m_folderAdding(qorManager)

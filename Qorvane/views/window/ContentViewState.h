@@ -2,9 +2,9 @@
 
 #include "views/folders/FolderAdding.h"
 #include "views/grid/MediaActions.h"
-#include "views/grid/MediaSelection.h"
-#include "views/inspector/SelectedMedia.h"
 #include "views/search/SearchController.h"
+#include "views/selection/MediaSelection.h"
+#include "views/selection/SelectedMedia.h"
 #include "views/sidebar/Sidebar.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/window/ColumnFocus.h"
@@ -20,7 +20,7 @@
 namespace Qorvane {
 
 class QorManage;
-class ThumbnailQueue;
+class PictureQueue;
 
 /// What the columns of the main window share: the selection, the search, the models over the library, and the
 /// steps from a gesture to the library. Lives as long as its window. GUI thread.
@@ -50,7 +50,7 @@ public:
 
     /// `qorManager` outlives this object. `search` finds photographs by text; `thumbnails` learns which cells
     /// are in view.
-    ContentViewState(QorManage &qorManager, Search search, const std::shared_ptr<ThumbnailQueue> &thumbnails,
+    ContentViewState(QorManage &qorManager, Search search, const std::shared_ptr<PictureQueue> &thumbnails,
                      QObject *parent = nullptr);
 
     Sidebar *sidebar() { return &m_sidebar; }

@@ -1,8 +1,9 @@
 #include "views/window/ContentWindow.h"
 
 #include "views/pictures/PictureProvider.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/ThumbnailUrl.h"
 #include "views/style/IconProvider.h"
 #include "views/style/ShadowProvider.h"
 #include "views/window/ContentViewState.h"
@@ -33,11 +34,11 @@ void setUpEngine(QQmlEngine &engine, std::unique_ptr<ThumbnailProvider> thumbnai
     QObject::connect(&engine, &QObject::destroyed,
                      [thumbnailQueue = thumbnails->queue(), pictureQueues = pictures->queues()] {
                          thumbnailQueue->close();
-                         for (const std::shared_ptr<ThumbnailQueue> &queue : pictureQueues)
+                         for (const std::shared_ptr<PictureQueue> &queue : pictureQueues)
                              queue->close();
                      });
-    engine.addImageProvider(QString::fromLatin1(ThumbnailProvider::providerId), thumbnails.release());
-    engine.addImageProvider(QString::fromLatin1(PictureProvider::providerId), pictures.release());
+    engine.addImageProvider(QString::fromLatin1(ThumbnailRequest::providerId), thumbnails.release());
+    engine.addImageProvider(QString::fromLatin1(PictureRequest::providerId), pictures.release());
 }
 
 std::unique_ptr<QQuickWindow> makeContentWindow(QQmlEngine &engine, ContentViewState &state)

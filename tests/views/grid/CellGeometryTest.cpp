@@ -27,7 +27,7 @@ protected:
         for (int thread = 0; thread < 2; ++thread)
             thumbnails->add(QStringLiteral("gate"), [isOpen] {
                 isOpen.wait();
-                return ThumbnailQueue::Delivery();
+                return PictureQueue::Delivery();
             });
     }
 

@@ -2,8 +2,8 @@
 
 #include "platform/NotificationCenter.h"
 #include "support/Waiting.h"
-#include "views/grid/MediaSelection.h"
 #include "views/pictures/ThumbnailRevisions.h"
+#include "views/selection/MediaSelection.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

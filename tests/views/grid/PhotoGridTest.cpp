@@ -327,7 +327,7 @@ TEST_F(PhotoGridTest, marksTurnInViewOnly)
     for (int thread = 0; thread < 2; ++thread)
         thumbnails->add(QStringLiteral("gate"), [isOpen] {
             isOpen.wait();
-            return ThumbnailQueue::Delivery();
+            return PictureQueue::Delivery();
         });
     showFolder(60);
     int below = 0;

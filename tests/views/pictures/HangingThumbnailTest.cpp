@@ -1,5 +1,6 @@
 #include "support/DeadDrive.h"
 #include "views/ContentViewFixture.h"
+#include "views/pictures/ThumbnailUrl.h"
 
 using namespace Qorvane;
 
@@ -32,7 +33,7 @@ protected:
     HangingThumbnail()
     {
         engine.addImageProvider(
-            QString::fromLatin1(ThumbnailProvider::providerId),
+            QString::fromLatin1(ThumbnailRequest::providerId),
             std::make_unique<ThumbnailProvider>(thumbnails, [read = drive.reading()](const QString &) {
                 read();
                 return QImage(8, 8, QImage::Format_RGB32);

@@ -2,7 +2,7 @@
 
 #include "platform/LeavablePool.h"
 #include "support/Waiting.h"
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailUrl.h"
 
 #include <QQuickImageResponse>
@@ -95,7 +95,7 @@ TEST(ThumbnailProvider, loadsOffTheCallersThreadAndFinishes)
     std::atomic<QThread *> thread = nullptr;
     QString loadedPath;
     const EndOfWork end;
-    ThumbnailProvider provider(std::make_shared<ThumbnailQueue>(1), [&](const QString &path) {
+    ThumbnailProvider provider(std::make_shared<PictureQueue>(1), [&](const QString &path) {
         thread = QThread::currentThread();
         loadedPath = path;
         return halves(QSize(800, 600), Qt::red, Qt::blue);
@@ -113,7 +113,7 @@ TEST(ThumbnailProvider, loadsOffTheCallersThreadAndFinishes)
 
 TEST(ThumbnailProvider, answersAFileWithoutAThumbnailWithAClearPixel)
 {
-    ThumbnailProvider provider(std::make_shared<ThumbnailQueue>(1), [](const QString &) { return QImage(); });
+    ThumbnailProvider provider(std::make_shared<PictureQueue>(1), [](const QString &) { return QImage(); });
     const std::unique_ptr<QQuickImageResponse> response(
         provider.requestImageResponse(request.toId(), QSize(200, 200)));
     QSignalSpy finished(response.get(), &QQuickImageResponse::finished);
@@ -131,7 +131,7 @@ TEST(ThumbnailProvider, aCancelledRequestIsNotLoadedButFinishes)
     std::promise<void> held;
     std::atomic_int loads = 0;
     const EndOfWork end;
-    auto queue = std::make_shared<ThumbnailQueue>(1);
+    auto queue = std::make_shared<PictureQueue>(1);
     ThumbnailProvider provider(queue, [&loads](const QString &) {
         ++loads;
         return QImage();
@@ -139,7 +139,7 @@ TEST(ThumbnailProvider, aCancelledRequestIsNotLoadedButFinishes)
     queue->add(QStringLiteral("gate"), [&] {
         held.set_value();
         gate.get_future().wait();
-        return ThumbnailQueue::Delivery();
+        return PictureQueue::Delivery();
     });
     held.get_future().wait();
     const std::unique_ptr<QQuickImageResponse> response(
@@ -157,7 +157,7 @@ TEST(ThumbnailProvider, aResponseMayGoBeforeItsPicture)
     std::promise<void> held;
     std::atomic_bool isDelivered = false;
     const EndOfWork end;
-    auto queue = std::make_shared<ThumbnailQueue>(1);
+    auto queue = std::make_shared<PictureQueue>(1);
     ThumbnailProvider provider(queue, [&](const QString &) {
         held.set_value();
         gate.get_future().wait();
@@ -169,7 +169,7 @@ TEST(ThumbnailProvider, aResponseMayGoBeforeItsPicture)
     response.reset();
     queue->add(QStringLiteral("after"), [&isDelivered] {
         isDelivered = true;
-        return ThumbnailQueue::Delivery();
+        return PictureQueue::Delivery();
     });
     gate.set_value();
     EXPECT_TRUE(waitUntil([&] { return isDelivered.load(); }));

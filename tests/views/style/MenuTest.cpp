@@ -1,7 +1,7 @@
 #include "support/ConsoleWatch.h"
 #include "support/Waiting.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
 #include "views/window/ContentWindow.h"
 
 #include <QAccessible>
@@ -69,7 +69,7 @@ class MenuTest : public testing::Test
 protected:
     MenuTest()
     {
-        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<ThumbnailQueue>(1),
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<PictureQueue>(1),
                                                                 [](const QString &) { return QImage(); }));
         QQmlComponent component(&engine);
         component.setData(menuWindow, QUrl());

@@ -1,5 +1,5 @@
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
 #include "views/window/ContentWindow.h"
 
 #include <QQmlComponent>
@@ -22,7 +22,7 @@ class SoftShadowTest : public testing::Test
 protected:
     SoftShadowTest()
     {
-        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<ThumbnailQueue>(1)));
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<PictureQueue>(1)));
         QQmlComponent component(&engine);
         component.setData("import QtQuick\nimport QtQuick.Window\nimport QorvaneStyle\n"
                           "Window { width: 240; height: 200; color: \"white\"; visible: true\n"

@@ -1,7 +1,7 @@
 #include "platform/desktop/DesktopAppearance.h"
 #include "support/ConsoleWatch.h"
+#include "views/pictures/PictureQueue.h"
 #include "views/pictures/ThumbnailProvider.h"
-#include "views/pictures/ThumbnailQueue.h"
 #include "views/style/Contrast.h"
 #include "views/window/ContentWindow.h"
 
@@ -50,7 +50,7 @@ protected:
     ThemeTest()
     {
         DesktopAppearance::shared().setColorSchemeOverride(GetParam());
-        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<ThumbnailQueue>(1),
+        setUpEngine(engine, std::make_unique<ThumbnailProvider>(std::make_shared<PictureQueue>(1),
                                                                 [](const QString &) { return QImage(); }));
         QQmlComponent component(&engine);
         component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",

@@ -6,7 +6,7 @@
 #include "store/EmbeddingStore.h"
 #include "support/LogCapture.h"
 #include "support/Waiting.h"
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/PictureQueue.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -60,7 +60,7 @@ protected:
     const LogCapture m_log;
     QorManage m_library;
     ContentViewState m_state{m_library, [](auto &&...) { return findNothing(); },
-                             std::make_shared<ThumbnailQueue>(1)};
+                             std::make_shared<PictureQueue>(1)};
 };
 
 // 60 times a second is as often as anybody can see it.
@@ -223,7 +223,7 @@ TEST_F(ContentViewStateTest, aSearchInATagCoversWhatWasTaggedRightBefore)
             scopes.append(scope);
             return findNothing();
         },
-        std::make_shared<ThumbnailQueue>(1));
+        std::make_shared<PictureQueue>(1));
     QList<FileUrl> tagged;
     BusyStore busy;
     for (int i = 0; i < 8; ++i) {

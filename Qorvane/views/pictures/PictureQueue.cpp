@@ -1,4 +1,4 @@
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/PictureQueue.h"
 
 #include <algorithm>
 #include <mutex>
@@ -7,7 +7,7 @@
 
 namespace Qorvane {
 
-class ThumbnailQueue::Desk
+class PictureQueue::Desk
 {
 public:
     Ticket add(const QString &path, Work work)
@@ -79,19 +79,19 @@ private:
     bool m_isClosed = false;
 };
 
-ThumbnailQueue::ThumbnailQueue(int threadCount)
+PictureQueue::PictureQueue(int threadCount)
     : m_desk(std::make_shared<Desk>())
     // Behind the window, which draws the scroll that asks for them, and before the runs.
     , m_threads(QualityOfService::utility, threadCount)
 {
 }
 
-ThumbnailQueue::~ThumbnailQueue()
+PictureQueue::~PictureQueue()
 {
     close();
 }
 
-ThumbnailQueue::Ticket ThumbnailQueue::add(const QString &path, Work work)
+PictureQueue::Ticket PictureQueue::add(const QString &path, Work work)
 {
     const Ticket ticket = m_desk->add(path, std::move(work));
     // One turn for each piece; which piece a turn takes is decided when a thread is free for it.
@@ -99,17 +99,17 @@ ThumbnailQueue::Ticket ThumbnailQueue::add(const QString &path, Work work)
     return ticket;
 }
 
-bool ThumbnailQueue::drop(Ticket ticket)
+bool PictureQueue::drop(Ticket ticket)
 {
     return m_desk->drop(ticket);
 }
 
-void ThumbnailQueue::setVisiblePaths(const QSet<QString> &paths)
+void PictureQueue::setVisiblePaths(const QSet<QString> &paths)
 {
     m_desk->setVisiblePaths(paths);
 }
 
-void ThumbnailQueue::close()
+void PictureQueue::close()
 {
     m_desk->close();
 }

@@ -1,4 +1,4 @@
-#include "views/grid/MediaSelection.h"
+#include "views/selection/MediaSelection.h"
 
 namespace Qorvane {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/grid/MediaSelection.h"
+#include "views/selection/MediaSelection.h"
 
 #include <QObject>
 #include <QString>

@@ -10,10 +10,10 @@
 
 namespace Qorvane {
 
-/// Work for cells of a grid, done by a few threads at a time. What a cell in view waits for goes first, in
+/// Pictures for a window, made by a few threads at a time. What a cell in view waits for goes first, in
 /// the order it was asked for; then the rest, newest first, since that is nearest to where the user is. Work
 /// whose cell is gone is dropped before its turn. Any thread.
-class ThumbnailQueue
+class PictureQueue
 {
 public:
     /// Makes what is to be delivered, on a thread of the queue's, and owns all that it uses: it may outlive
@@ -23,11 +23,11 @@ public:
     using Ticket = quint64;
 
     /// `threadCount` pieces of work run at the same time.
-    explicit ThumbnailQueue(int threadCount);
+    explicit PictureQueue(int threadCount);
     /// Closes it.
-    ~ThumbnailQueue();
-    ThumbnailQueue(const ThumbnailQueue &) = delete;
-    ThumbnailQueue &operator=(const ThumbnailQueue &) = delete;
+    ~PictureQueue();
+    PictureQueue(const PictureQueue &) = delete;
+    PictureQueue &operator=(const PictureQueue &) = delete;
 
     /// Queues `work` for the file at `path`. Dropped when the queue is closed.
     Ticket add(const QString &path, Work work);

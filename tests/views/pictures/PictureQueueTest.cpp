@@ -1,4 +1,4 @@
-#include "views/pictures/ThumbnailQueue.h"
+#include "views/pictures/PictureQueue.h"
 
 #include "platform/LeavablePool.h"
 
@@ -14,10 +14,10 @@ using namespace Qorvane;
 namespace {
 
 // One thread, held at its first piece of work, so that the order of the rest can be arranged.
-class ThumbnailQueueTest : public testing::Test
+class PictureQueueTest : public testing::Test
 {
 protected:
-    ThumbnailQueueTest()
+    PictureQueueTest()
     {
         queue->add(QStringLiteral("gate"), [this] {
             held.set_value();
@@ -27,20 +27,20 @@ protected:
         held.get_future().wait();
     }
 
-    ~ThumbnailQueueTest() override
+    ~PictureQueueTest() override
     {
         open();
         // The queue doesn't wait for its work, which uses this.
         LeavablePool::waitUntilIdle();
     }
 
-    ThumbnailQueue::Ticket add(const QString &path)
+    PictureQueue::Ticket add(const QString &path)
     {
         return queue->add(path, [this, path] {
             const std::scoped_lock lock(mutex);
             done.append(path);
             changed.notify_all();
-            return ThumbnailQueue::Delivery();
+            return PictureQueue::Delivery();
         });
     }
 
@@ -68,12 +68,12 @@ protected:
     QStringList done;
     qsizetype expected = 0;
     QSet<QString> visible;
-    std::unique_ptr<ThumbnailQueue> queue = std::make_unique<ThumbnailQueue>(1);
+    std::unique_ptr<PictureQueue> queue = std::make_unique<PictureQueue>(1);
 };
 
 } // namespace
 
-TEST_F(ThumbnailQueueTest, servesTheNewestFirst)
+TEST_F(PictureQueueTest, servesTheNewestFirst)
 {
     for (const char *path : {"1", "2", "3"})
         add(QString::fromLatin1(path));
@@ -81,7 +81,7 @@ TEST_F(ThumbnailQueueTest, servesTheNewestFirst)
     EXPECT_EQ(runToTheEnd(), (QStringList{QStringLiteral("3"), QStringLiteral("2"), QStringLiteral("1")}));
 }
 
-TEST_F(ThumbnailQueueTest, servesWhatIsInViewFirstAndInOrder)
+TEST_F(PictureQueueTest, servesWhatIsInViewFirstAndInOrder)
 {
     for (const char *path : {"1", "2", "3", "4"})
         add(QString::fromLatin1(path));
@@ -91,9 +91,9 @@ TEST_F(ThumbnailQueueTest, servesWhatIsInViewFirstAndInOrder)
                                           QStringLiteral("3")}));
 }
 
-TEST_F(ThumbnailQueueTest, dropsWorkBeforeItsTurn)
+TEST_F(PictureQueueTest, dropsWorkBeforeItsTurn)
 {
-    const ThumbnailQueue::Ticket dead = add(QStringLiteral("dead"));
+    const PictureQueue::Ticket dead = add(QStringLiteral("dead"));
     add(QStringLiteral("alive"));
     EXPECT_TRUE(queue->drop(dead));
     EXPECT_FALSE(queue->drop(dead));
@@ -101,14 +101,14 @@ TEST_F(ThumbnailQueueTest, dropsWorkBeforeItsTurn)
     EXPECT_EQ(runToTheEnd(), QStringList{QStringLiteral("alive")});
 }
 
-TEST_F(ThumbnailQueueTest, deliversWhatWasMade)
+TEST_F(PictureQueueTest, deliversWhatWasMade)
 {
     open();
     LeavablePool::waitUntilIdle();
     EXPECT_TRUE(isDelivered);
 }
 
-TEST_F(ThumbnailQueueTest, goesWithoutWaitingForWorkThatHangs)
+TEST_F(PictureQueueTest, goesWithoutWaitingForWorkThatHangs)
 {
     add(QStringLiteral("never"));
     queue.reset();
@@ -118,7 +118,7 @@ TEST_F(ThumbnailQueueTest, goesWithoutWaitingForWorkThatHangs)
     EXPECT_FALSE(isDelivered);
 }
 
-TEST_F(ThumbnailQueueTest, onceClosedDeliversNothingAndTakesNothing)
+TEST_F(PictureQueueTest, onceClosedDeliversNothingAndTakesNothing)
 {
     add(QStringLiteral("never"));
     queue->close();

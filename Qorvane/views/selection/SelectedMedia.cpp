@@ -1,4 +1,4 @@
-#include "views/inspector/SelectedMedia.h"
+#include "views/selection/SelectedMedia.h"
 
 #include "media/SupportedExtensions.h"
 
