@@ -89,7 +89,8 @@ std::optional<DirectoryListing> listDirectory(const QString &path, QString *erro
     while (const dirent *entry = ::readdir(directory.get())) {
         if (entry->d_name[0] == '.')
             continue;
-        const QByteArrayView nativeName(entry->d_name);
+        const char *const bytes = entry->d_name; // may be longer than the array it is declared as
+        const QByteArrayView nativeName(bytes);
         std::optional<QString> name = decodedName(nativeName);
         QByteArray undecoded = name ? QByteArray() : nativeName.toByteArray();
         listing.entries.push_back(

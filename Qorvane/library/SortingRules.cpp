@@ -1,15 +1,14 @@
 #include "library/SortingRules.h"
 
+#include "library/ParallelSort.h"
 #include "library/TolerantSort.h"
 #include "platform/FileAttributes.h"
 #include "platform/NaturalOrder.h"
 #include "store/EmbeddingStore.h"
 
 #include <algorithm>
-#include <future>
 #include <numeric>
 #include <optional>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -29,33 +28,10 @@ Positions positionsOf(const QList<FileUrl> &urls)
 // Fewer are dealt with before another thread would have begun.
 constexpr qsizetype urlsPerThread = 4'000;
 
-/// Where the parts of a list begin that a core each deals with, and the list's end.
-std::vector<qsizetype> partsOf(const QList<FileUrl> &urls)
+qsizetype partCount(const QList<FileUrl> &urls)
 {
     const auto cores = qsizetype(std::max(1U, std::thread::hardware_concurrency()));
-    const qsizetype count = std::clamp(urls.size() / urlsPerThread, qsizetype(1), cores);
-    std::vector<qsizetype> bounds;
-    for (qsizetype part = 0; part <= count; ++part)
-        bounds.push_back(urls.size() * part / count);
-    return bounds;
-}
-
-/// Calls `work` with the begin and end of each part, each on a thread of its own, and waits for all.
-template <typename Work>
-void onEachPart(const std::vector<qsizetype> &bounds, const Work &work)
-{
-    std::vector<std::future<void>> others;
-    for (size_t part = 1; part + 1 < bounds.size(); ++part) {
-        const auto onThisPart = [&work, begin = bounds[part], end = bounds[part + 1]] { work(begin, end); };
-        try {
-            others.push_back(std::async(std::launch::async, onThisPart));
-        } catch (const std::system_error &) { // no thread to be had
-            onThisPart();
-        }
-    }
-    work(bounds[0], bounds[1]);
-    for (std::future<void> &other : others)
-        other.get();
+    return std::clamp(urls.size() / urlsPerThread, qsizetype(1), cores);
 }
 
 /// The file names' weights, by position in the list, which has to stay.
@@ -66,7 +42,7 @@ public:
         : m_urls(urls)
         , m_keys(size_t(urls.size()))
     {
-        onEachPart(partsOf(urls), [this](qsizetype begin, qsizetype end) {
+        onEachPart(partBounds(urls.size(), partCount(urls)), [this](qsizetype begin, qsizetype end) {
             const NaturalOrder order;
             for (qsizetype i = begin; i < end; ++i)
                 m_keys[size_t(i)].emplace(order.sortKey(m_urls[i].lastPathComponent()));
@@ -75,9 +51,12 @@ public:
 
     bool isBefore(qsizetype a, qsizetype b) const
     {
-        const int result = m_keys[size_t(a)]->compare(*m_keys[size_t(b)]);
-        return result < 0 || (result == 0 && localizedStandardCompare(m_urls[a].lastPathComponent(),
-                                                                      m_urls[b].lastPathComponent()) < 0);
+        if (const int result = m_keys[size_t(a)]->compare(*m_keys[size_t(b)]))
+            return result < 0;
+        const QString first = m_urls[a].lastPathComponent();
+        const QString second = m_urls[b].lastPathComponent();
+        // Cameras give the same names in many folders.
+        return first != second && localizedStandardCompare(first, second) < 0;
     }
 
 private:
@@ -90,12 +69,7 @@ template <typename IsBefore>
 Positions sorted(const QList<FileUrl> &urls, const IsBefore &isBefore)
 {
     Positions positions = positionsOf(urls);
-    const std::vector<qsizetype> bounds = partsOf(urls);
-    const auto at = [&positions](qsizetype position) { return positions.begin() + position; };
-    onEachPart(bounds,
-               [&](qsizetype begin, qsizetype end) { std::stable_sort(at(begin), at(end), isBefore); });
-    for (size_t part = 1; part + 1 < bounds.size(); ++part)
-        std::inplace_merge(at(0), at(bounds[part]), at(bounds[part + 1]), isBefore);
+    parallelSort(positions, partCount(urls), isBefore);
     return positions;
 }
 

@@ -23,14 +23,11 @@ NaturalOrder::NaturalOrder(const QString &localeName)
 
 int NaturalOrder::compare(const QString &a, const QString &b) const
 {
-    const int result = m_collator.compare(a, b);
-    return result != 0 ? result : breakTie(a, b);
-}
-
-int NaturalOrder::breakTie(const QString &a, const QString &b) const
-{
-    const int result = m_tieBreaker.compare(a, b);
-    return result != 0 ? result : a.compare(b);
+    if (const int result = m_collator.compare(a, b))
+        return result;
+    if (const int result = m_tieBreaker.compare(a, b))
+        return result;
+    return a.compare(b);
 }
 
 int localizedStandardCompare(const QString &a, const QString &b)

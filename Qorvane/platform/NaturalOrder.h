@@ -30,8 +30,6 @@ public:
     SortKey sortKey(const QString &text) const { return m_collator.sortKey(text); }
 
 private:
-    int breakTie(const QString &a, const QString &b) const;
-
     QCollator m_collator;
     QCollator m_tieBreaker;
 };

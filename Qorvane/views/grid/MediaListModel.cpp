@@ -1,5 +1,6 @@
 #include "views/grid/MediaListModel.h"
 
+#include "views/grid/GridMovement.h"
 #include "views/pictures/ThumbnailRevisions.h"
 #include "views/selection/MediaSelection.h"
 
@@ -161,9 +162,11 @@ const QMultiHash<FileUrl, int> &MediaListModel::rows() const
 int MediaListModel::handleKey(int key, int columnCount)
 {
     const std::optional<GridDirection> direction = directionOf(key);
-    if (!direction)
+    if (!direction || m_urls.isEmpty())
         return -1;
-    return m_selection.move(*direction, currentRow(), m_urls, columnCount).value_or(-1);
+    const int row = movedPosition(*direction, currentRow(), count(), columnCount);
+    selectAlone(row);
+    return row;
 }
 
 void MediaListModel::setViewport(double contentY, double viewHeight, double rowPitch, int columnCount)

@@ -54,13 +54,15 @@ QQuickImageResponse *PictureProvider::requestImageResponse(const QString &id, co
 {
     const std::optional<PictureRequest> request = PictureRequest::fromId(id);
     if (!request)
-        return PictureResponse::withoutPicture();
+        return PictureResponse::withoutPicture().release(); // the engine owns it from here
     const int maxPixelSize =
         std::max({requestedSize.width(), requestedSize.height(), ThumbnailCache::thumbnailSize});
-    return PictureResponse::make(request->kind == Kind::thumbnail ? m_thumbnails : m_fullPictures,
-                                 request->path, [load = m_load, request = *request, maxPixelSize] {
-                                     return load(request.kind, request.path, maxPixelSize);
-                                 });
+    return PictureResponse::to(request->kind == Kind::thumbnail ? m_thumbnails : m_fullPictures,
+                               request->path,
+                               [load = m_load, request = *request, maxPixelSize] {
+                                   return load(request.kind, request.path, maxPixelSize);
+                               })
+        .release();
 }
 
 } // namespace Qorvane

@@ -32,20 +32,20 @@ void PictureResponse::Slot::forgetResponse()
     m_response = nullptr;
 }
 
-PictureResponse *PictureResponse::make(const std::shared_ptr<PictureQueue> &queue, const QString &path,
-                                       Make make)
+std::unique_ptr<PictureResponse> PictureResponse::to(const std::shared_ptr<PictureQueue> &queue,
+                                                     const QString &path, Load load)
 {
-    auto *const response = new PictureResponse(queue);
-    response->m_ticket = queue->add(path, [slot = response->m_slot, make = std::move(make)] {
-        const QImage picture = make();
+    auto response = std::make_unique<PictureResponse>(queue);
+    response->m_ticket = queue->add(path, [slot = response->m_slot, load = std::move(load)] {
+        const QImage picture = load();
         return [slot, picture = picture.isNull() ? clearPixel() : picture] { slot->deliver(picture); };
     });
     return response;
 }
 
-PictureResponse *PictureResponse::withoutPicture()
+std::unique_ptr<PictureResponse> PictureResponse::withoutPicture()
 {
-    auto *const response = new PictureResponse(nullptr);
+    auto response = std::make_unique<PictureResponse>(nullptr);
     response->m_slot->deliver(clearPixel());
     return response;
 }

@@ -17,16 +17,17 @@ class PictureResponse : public QQuickImageResponse
     Q_OBJECT
 
 public:
-    /// For the file at `path`: what `make` makes on a thread of the queue's, where it may outlive queue and
-    /// response, and so owns all that it uses. A null picture is answered as by `withoutPicture`. The engine
-    /// owns the response from here.
-    using Make = std::function<QImage()>;
-    static PictureResponse *make(const std::shared_ptr<PictureQueue> &queue, const QString &path, Make make);
+    /// For the file at `path`: what `load` gives on a thread of the queue's, where it may outlive queue and
+    /// response, and so owns all that it uses. A null picture is answered as by `withoutPicture`.
+    using Load = std::function<QImage()>;
+    static std::unique_ptr<PictureResponse> to(const std::shared_ptr<PictureQueue> &queue,
+                                               const QString &path, Load load);
 
     /// A picture of one clear pixel, which `ProviderImage` knows by its size: an error would be a line on the
     /// console for every broken file of the user's.
-    static PictureResponse *withoutPicture();
+    static std::unique_ptr<PictureResponse> withoutPicture();
 
+    explicit PictureResponse(const std::shared_ptr<PictureQueue> &queue);
     ~PictureResponse() override;
 
     QQuickTextureFactory *textureFactory() const override;
@@ -52,8 +53,6 @@ private:
         std::mutex m_mutex;
         PictureResponse *m_response;
     };
-
-    explicit PictureResponse(const std::shared_ptr<PictureQueue> &queue);
 
     void finishLater();
     bool dropWork();

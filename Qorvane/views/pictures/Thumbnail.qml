@@ -11,8 +11,7 @@ Rectangle {
     property int revision: 0
     property color emptyColor: Theme.emptyCell
     property color progressColor: Theme.secondaryText
-    /// A file without a thumbnail arrives as a single clear pixel.
-    readonly property bool isLoaded: image.status === Image.Ready && image.implicitWidth > 1
+    readonly property bool isLoaded: image.isLoaded
     /// It has been loading for so long that the empty cell shows it.
     readonly property bool isWaiting: hasWaited && image.status === Image.Loading
     /// Out of view nothing turns.
@@ -57,7 +56,7 @@ Rectangle {
         onTriggered: thumbnail.hasWaited = true
     }
 
-    Image {
+    ProviderImage {
         id: image
 
         anchors.fill: parent

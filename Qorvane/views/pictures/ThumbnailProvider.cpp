@@ -49,15 +49,15 @@ QQuickImageResponse *ThumbnailProvider::requestImageResponse(const QString &id, 
 {
     const std::optional<ThumbnailRequest> request = ThumbnailRequest::fromId(id);
     if (!request)
-        return PictureResponse::withoutPicture();
+        return PictureResponse::withoutPicture().release(); // the engine owns it from here
     const QSize size = requestedSize.isEmpty() ? request->size : requestedSize;
     // The engine asks in physical pixels; the corners grow with them.
     const double scale = double(size.width()) / std::max(1, request->size.width());
-    return PictureResponse::make(
-        m_queue, request->path,
-        [load = m_load, path = request->path, size, radius = request->radius * scale] {
-            return fittedThumbnail(load(path), size, radius);
-        });
+    return PictureResponse::to(m_queue, request->path,
+                               [load = m_load, path = request->path, size, radius = request->radius * scale] {
+                                   return fittedThumbnail(load(path), size, radius);
+                               })
+        .release();
 }
 
 } // namespace Qorvane

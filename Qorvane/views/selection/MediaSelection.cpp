@@ -23,14 +23,4 @@ void MediaSelection::click(const FileUrl &url, bool isCommandHeld)
     setUrls(urls);
 }
 
-std::optional<int> MediaSelection::move(GridDirection direction, int position, const QList<FileUrl> &urls,
-                                        int columnCount)
-{
-    if (urls.isEmpty())
-        return std::nullopt;
-    const int target = movedPosition(direction, position, int(urls.size()), columnCount);
-    setUrls({urls.at(target)});
-    return target;
-}
-
 } // namespace Qorvane

@@ -1,14 +1,9 @@
 #pragma once
 
 #include "platform/FileUrl.h"
-#include "views/grid/GridMovement.h"
 
-#include <QList>
 #include <QObject>
 #include <QSet>
-#include <QtQml/qqmlregistration.h>
-
-#include <optional>
 
 namespace Qorvane {
 
@@ -17,8 +12,6 @@ namespace Qorvane {
 class MediaSelection : public QObject
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("There is one selection, and the window owns it.")
 
 public:
     using QObject::QObject;
@@ -31,14 +24,8 @@ public:
     /// nothing: there is no range selection.
     void click(const FileUrl &url, bool isCommandHeld);
 
-    /// A double click: `url` alone, also where it was one of several.
+    /// A double click, or an arrow key that came to `url`: it alone, also where it was one of several.
     void selectAlone(const FileUrl &url) { setUrls({url}); }
-
-    /// An arrow key over the cells `urls`, in display order: starts from `position`, which is that of the
-    /// first selected one (the first cell when none is), and selects the cell arrived at alone. Gives its
-    /// position; nothing, and no change, when there are no cells.
-    std::optional<int> move(GridDirection direction, int position, const QList<FileUrl> &urls,
-                            int columnCount);
 
 Q_SIGNALS:
     /// `before` is what was selected until now.

@@ -68,12 +68,12 @@ ShownScope ContentPages::selectedScope() const
 
 void ContentPages::updatePage()
 {
-    const GridPage::Page page = GridPage::pageFor({
+    const ContentPage::Page page = ContentPage::pageFor({
         .showNormalPhotos = m_search.text().isEmpty(),
         .isSearching = m_search.isSearching(),
         .hasResults = !m_search.results().isEmpty(),
         .isLoading = m_qorManager.isLoading(),
-        .scope = selectedScope().kind,
+        .scope = m_scope.kind,
         .hasImages = !m_qorManager.imageURLs().isEmpty(),
     });
     if (page == m_page)

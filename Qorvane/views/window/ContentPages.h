@@ -1,9 +1,9 @@
 #pragma once
 
-#include "views/grid/GridPage.h"
 #include "views/grid/MediaListModel.h"
-#include "views/grid/ShownScope.h"
 #include "views/pictures/ThumbnailRevisions.h"
+#include "views/window/ContentPage.h"
+#include "views/window/ShownScope.h"
 
 #include <QObject>
 #include <QString>
@@ -27,7 +27,7 @@ class ContentPages : public QObject
     QML_UNCREATABLE("Made by the window's state.")
     Q_PROPERTY(Qorvane::MediaListModel *photos READ photos CONSTANT)
     Q_PROPERTY(Qorvane::MediaListModel *results READ results CONSTANT)
-    Q_PROPERTY(Qorvane::GridPage::Page page READ page NOTIFY pageChanged)
+    Q_PROPERTY(Qorvane::ContentPage::Page page READ page NOTIFY pageChanged)
     /// The selected tag, rating or folder; empty with none of them.
     Q_PROPERTY(QString title READ title NOTIFY scopeChanged)
     /// Another text for each tag, rating and folder.
@@ -41,7 +41,7 @@ public:
 
     MediaListModel *photos() { return &m_photos; }
     MediaListModel *results() { return &m_results; }
-    GridPage::Page page() const { return m_page; }
+    ContentPage::Page page() const { return m_page; }
     const QString &title() const { return m_scope.title; }
     const QString &scope() const { return m_scope.key; }
 
@@ -62,7 +62,7 @@ private:
     MediaListModel m_photos;
     MediaListModel m_results;
     ShownScope m_scope;
-    GridPage::Page m_page = GridPage::NothingSelected;
+    ContentPage::Page m_page = ContentPage::NothingSelected;
 };
 
 } // namespace Qorvane

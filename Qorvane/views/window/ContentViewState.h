@@ -15,7 +15,6 @@
 #include <QtQml/qqmlregistration.h>
 
 #include <memory>
-#include <optional>
 
 namespace Qorvane {
 

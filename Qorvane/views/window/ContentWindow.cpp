@@ -2,6 +2,7 @@
 
 #include "views/pictures/PictureProvider.h"
 #include "views/pictures/PictureQueue.h"
+#include "views/pictures/PictureUrl.h"
 #include "views/pictures/ThumbnailProvider.h"
 #include "views/pictures/ThumbnailUrl.h"
 #include "views/style/IconProvider.h"

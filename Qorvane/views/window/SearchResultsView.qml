@@ -17,8 +17,8 @@ FocusScope {
     /// Left free on either side of the grids, where the column is wider than they may be.
     property int sideMargin: 0
     readonly property int page: pages.page
-    readonly property bool isEmpty: page === GridPage.EmptyTag || page === GridPage.EmptyRating
-                                    || page === GridPage.EmptyFolder
+    readonly property bool isEmpty: page === ContentPage.EmptyTag || page === ContentPage.EmptyRating
+                                    || page === ContentPage.EmptyFolder
 
     /// A file was opened: the one that is selected.
     signal opened
@@ -31,7 +31,7 @@ FocusScope {
         anchors.fill: parent
         sideMargin: view.sideMargin
         focus: visible
-        visible: view.page === GridPage.Photos
+        visible: view.page === ContentPage.Photos
         media: view.pages.photos
         keys: view.keys
         identity: "grid-" + view.sorting.criterion + view.sorting.order + view.pages.scope
@@ -53,7 +53,7 @@ FocusScope {
         anchors.fill: parent
         sideMargin: view.sideMargin
         focus: visible
-        visible: view.page === GridPage.Results
+        visible: view.page === ContentPage.Results
         media: view.pages.results
         keys: view.keys
         identity: view.search.isSearching ? "searching" : "found"
@@ -77,20 +77,20 @@ FocusScope {
     BusyIndicator {
         objectName: "loadingPage"
         anchors.centerIn: parent
-        visible: view.page === GridPage.Loading
+        visible: view.page === ContentPage.Loading
         running: visible
     }
 
     SearchingPage {
         objectName: "searchingPage"
         anchors.fill: parent
-        visible: view.page === GridPage.Searching
+        visible: view.page === ContentPage.Searching
     }
 
     MessagePage {
         objectName: "noResultsPage"
         anchors.fill: parent
-        visible: view.page === GridPage.NoResults
+        visible: view.page === ContentPage.NoResults
         iconName: "magnifyingglass"
         message: qsTranslate("Qorvane", "没有找到匹配的图片")
         messageSize: Theme.headlineSize
@@ -102,15 +102,15 @@ FocusScope {
         objectName: "emptyPage"
         anchors.fill: parent
         visible: view.isEmpty
-        message: view.page === GridPage.EmptyTag ? qsTranslate("Qorvane", "该标签下没有媒体文件")
-               : view.page === GridPage.EmptyRating ? qsTranslate("Qorvane", "No media files with this rating")
+        message: view.page === ContentPage.EmptyTag ? qsTranslate("Qorvane", "该标签下没有媒体文件")
+               : view.page === ContentPage.EmptyRating ? qsTranslate("Qorvane", "No media files with this rating")
                : qsTranslate("Qorvane", "No media files in this folder")
     }
 
     NothingSelectedPage {
         objectName: "nothingSelectedPage"
         anchors.fill: parent
-        visible: view.page === GridPage.NothingSelected
+        visible: view.page === ContentPage.NothingSelected
         isLibraryEmpty: view.isLibraryEmpty
         onAddFolderRequested: view.addFolderRequested()
     }

@@ -111,6 +111,20 @@ TEST_F(MediaListModelTest, arrowKeysMoveAndOthersAreLeftAlone)
     EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("b.jpg")});
 }
 
+TEST_F(MediaListModelTest, anArrowAtTheEdgeStaysAndSelects)
+{
+    model.setUrls({file("a.jpg"), file("b.jpg")});
+    EXPECT_EQ(model.handleKey(Qt::Key_Left, 2), 0);
+    EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("a.jpg")});
+}
+
+TEST_F(MediaListModelTest, anArrowOverNoCellsIsNotHandled)
+{
+    selection.setUrls({file("a.jpg")});
+    EXPECT_EQ(model.handleKey(Qt::Key_Right, 2), -1);
+    EXPECT_EQ(selection.urls(), QSet<FileUrl>{file("a.jpg")});
+}
+
 TEST_F(MediaListModelTest, anArrowStartsFromTheFirstSelectedOfTheListThatIsShown)
 {
     model.setUrls({file("a.jpg"), file("b.jpg"), file("c.jpg")});

@@ -11,7 +11,6 @@ namespace {
 const FileUrl a = FileUrl::file(QStringLiteral("/photos/a.jpg"));
 const FileUrl b = FileUrl::file(QStringLiteral("/photos/b.jpg"));
 const FileUrl c = FileUrl::file(QStringLiteral("/photos/c.jpg"));
-const QList<FileUrl> all{a, b, c};
 
 } // namespace
 
@@ -39,29 +38,6 @@ TEST(MediaSelection, commandClickOnTheOnlySelectedCellLeavesNothing)
     selection.click(a, false);
     selection.click(a, true);
     EXPECT_TRUE(selection.urls().isEmpty());
-}
-
-TEST(MediaSelection, arrowSelectsTheCellArrivedAtAlone)
-{
-    MediaSelection selection;
-    selection.setUrls({c, b});
-    EXPECT_EQ(selection.move(GridDirection::left, 1, all, 1), 0);
-    EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
-}
-
-TEST(MediaSelection, arrowAtTheEdgeStaysButSelects)
-{
-    MediaSelection selection;
-    EXPECT_EQ(selection.move(GridDirection::left, 0, all, 4), 0);
-    EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
-}
-
-TEST(MediaSelection, arrowOverNoCellsIsNotHandled)
-{
-    MediaSelection selection;
-    selection.setUrls({a});
-    EXPECT_EQ(selection.move(GridDirection::right, 0, {}, 4), std::nullopt);
-    EXPECT_EQ(selection.urls(), QSet<FileUrl>{a});
 }
 
 TEST(MediaSelection, tellsWhatWasSelectedBefore)

@@ -118,6 +118,25 @@ TEST_F(ContentViewStateTest, theRowsFollowWhileAFloodOfReportsGoesOn)
     drainMainQueue();
 }
 
+TEST_F(ContentViewStateTest, aTagChosenOverAFolderIsAnnouncedOnce)
+{
+    giveTag();
+    m_state.folderAdding()->add({url(QStringLiteral("one"))});
+    folderRow();
+    m_library.setSelectedFolder(m_library.libraryFolders().constFirst());
+    ASSERT_EQ(m_state.pages()->title(), QStringLiteral("one"));
+    const QString folderScope = m_state.pages()->scope();
+    const QSignalSpy announced(m_state.pages(), &ContentPages::scopeChanged);
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    EXPECT_EQ(announced.count(), 1);
+    EXPECT_EQ(m_state.pages()->title(), QStringLiteral("Beach"));
+    EXPECT_NE(m_state.pages()->scope(), folderScope);
+    // Equal, and announced by the library all the same.
+    m_library.setSelectedTag(QStringLiteral("Beach"));
+    EXPECT_EQ(announced.count(), 1);
+    EXPECT_TRUE(waitUntil([this] { return !m_library.isLoading(); }));
+}
+
 TEST_F(ContentViewStateTest, openingAFileTakesTheKeysToItAndLeavingItDeselectsEverything)
 {
     const QSet<FileUrl> one{FileUrl::file(m_place.filePath(QStringLiteral("one.jpg")))};
@@ -146,12 +165,12 @@ TEST_F(ContentViewStateTest, aQueryTypedOverAnOpenFileLeavesItAndTheSelection)
 
 TEST_F(ContentViewStateTest, aNewQueryNeverShowsThatNothingWasFound)
 {
-    QList<GridPage::Page> pages;
+    QList<ContentPage::Page> pages;
     const QObject listener;
     QObject::connect(m_state.pages(), &ContentPages::pageChanged, &listener,
                      [&] { pages.append(m_state.pages()->page()); });
     m_state.search()->setText(QStringLiteral("c"));
-    EXPECT_EQ(pages, QList<GridPage::Page>{GridPage::Searching});
+    EXPECT_EQ(pages, QList<ContentPage::Page>{ContentPage::Searching});
     drainMainQueue();
 }
 

@@ -1,10 +1,10 @@
-#include "views/grid/GridPage.h"
+#include "views/window/ContentPage.h"
 
-namespace Qorvane::GridPage {
+namespace Qorvane::ContentPage {
 
 namespace {
 
-Page searchPage(const GridPageInput &input)
+Page searchPage(const ContentPageInput &input)
 {
     if (input.isSearching)
         return Searching;
@@ -13,7 +13,7 @@ Page searchPage(const GridPageInput &input)
 
 } // namespace
 
-Page pageFor(const GridPageInput &input)
+Page pageFor(const ContentPageInput &input)
 {
     if (!input.showNormalPhotos)
         return searchPage(input);
@@ -34,4 +34,4 @@ Page pageFor(const GridPageInput &input)
     return NothingSelected;
 }
 
-} // namespace Qorvane::GridPage
+} // namespace Qorvane::ContentPage

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/grid/ShownScope.h"
+#include "views/window/ShownScope.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -8,7 +8,7 @@
 namespace Qorvane {
 
 /// What the middle column reads to know what to show.
-struct GridPageInput
+struct ContentPageInput
 {
     bool showNormalPhotos = true; ///< the search field is empty
     bool isSearching = false;
@@ -19,7 +19,7 @@ struct GridPageInput
 };
 
 /// The pages of the middle column.
-namespace GridPage {
+namespace ContentPage {
 Q_NAMESPACE
 QML_ELEMENT
 
@@ -37,8 +37,8 @@ enum Page {
 Q_ENUM_NS(Page)
 
 /// The page for `input`. While a search runs it hides the results of the one before.
-Page pageFor(const GridPageInput &input);
+Page pageFor(const ContentPageInput &input);
 
-} // namespace GridPage
+} // namespace ContentPage
 
 } // namespace Qorvane

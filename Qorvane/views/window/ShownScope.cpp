@@ -1,4 +1,4 @@
-#include "views/grid/ShownScope.h"
+#include "views/window/ShownScope.h"
 
 namespace Qorvane {
 

@@ -1,7 +1,8 @@
-#include "views/grid/ShownScope.h"
+#include "views/window/ShownScope.h"
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 
 using namespace Qorvane;
@@ -10,7 +11,7 @@ namespace {
 
 const std::optional<QString> tag = QStringLiteral("海滩");
 const std::optional<int> rating = 3;
-const std::optional<Folder> folder = Folder{FileUrl::file(QStringLiteral("/photos/海滩")), {}};
+const std::optional<Folder> folder = Folder{FileUrl::directory(QStringLiteral("/photos/海滩")), {}};
 
 } // namespace
 
@@ -37,8 +38,8 @@ TEST(ShownScope, tellsATagARatingAndAFolderOfOneNameApart)
         ShownScope::of(name, {}, {}).key,
         ShownScope::of({}, 1, {}).key,
         ShownScope::of({}, 2, {}).key,
-        ShownScope::of({}, {}, Folder{FileUrl::file(QStringLiteral("/a/★")), {}}).key,
-        ShownScope::of({}, {}, Folder{FileUrl::file(QStringLiteral("/b/★")), {}}).key,
+        ShownScope::of({}, {}, Folder{FileUrl::directory(QStringLiteral("/a/★")), {}}).key,
+        ShownScope::of({}, {}, Folder{FileUrl::directory(QStringLiteral("/b/★")), {}}).key,
         ShownScope::of({}, {}, {}).key,
     };
     EXPECT_EQ(keys.size(), 6);
