@@ -64,6 +64,7 @@ Rectangle {
         sourceSize.width: thumbnail.width
         sourceSize.height: thumbnail.height
         visible: thumbnail.isLoaded
+        onStatusChanged: if (status === Image.Ready && !isLoaded) ThumbnailUrl.noteEmpty(thumbnail.path)
     }
 
     // Fetches the changed picture; as soon as it is there, it is in the engine's cache for the other.

@@ -18,14 +18,16 @@ public:
     explicit ThumbnailRevisions(QObject *parent = nullptr);
     ~ThumbnailRevisions() override;
 
-    /// 0 for a file that wasn't changed.
-    int revisionOf(const FileUrl &url) const { return m_revisions.value(url); }
+    /// The same for all files that weren't changed, and no number that an earlier object gave: the toolkit
+    /// keeps pictures when a window goes.
+    int revisionOf(const FileUrl &url) const { return m_revisions.value(url, m_first); }
 
 Q_SIGNALS:
     void revisionChanged(const Qorvane::FileUrl &url);
 
 private:
     NotificationCenter::Token m_token;
+    int m_first;
     QHash<FileUrl, int> m_revisions;
 };
 

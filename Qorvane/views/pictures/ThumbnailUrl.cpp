@@ -1,9 +1,21 @@
 #include "views/pictures/ThumbnailUrl.h"
 
+#include <QHash>
 #include <QRegularExpression>
 #include <QUrl>
 
 namespace Qorvane {
+
+namespace {
+
+/// How often each file was answered without a picture.
+QHash<QString, int> &emptyAnswers()
+{
+    static QHash<QString, int> counts;
+    return counts;
+}
+
+} // namespace
 
 QString ThumbnailRequest::toId() const
 {
@@ -29,8 +41,15 @@ std::optional<ThumbnailRequest> ThumbnailRequest::fromId(const QString &id)
 
 QString ThumbnailUrl::source(const QString &path, int width, int height, int radius, int revision) const
 {
-    const QString id = ThumbnailRequest{path, QSize(width, height), radius, revision}.toId();
+    // Both only grow, so their sum is another one after each change.
+    const int number = revision + emptyAnswers().value(path);
+    const QString id = ThumbnailRequest{path, QSize(width, height), radius, number}.toId();
     return QStringLiteral("image://%1/%2").arg(QString::fromLatin1(ThumbnailRequest::providerId), id);
+}
+
+void ThumbnailUrl::noteEmpty(const QString &path)
+{
+    ++emptyAnswers()[path];
 }
 
 } // namespace Qorvane

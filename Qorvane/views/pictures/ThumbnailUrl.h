@@ -20,7 +20,7 @@ struct ThumbnailRequest
     QString path;
     QSize size;       ///< logical pixels
     int radius = 0;   ///< of the corners, logical pixels
-    int revision = 0; ///< see ThumbnailRevisions; only keeps the answers apart
+    int revision = 0; ///< only keeps the answers apart
 
     /// The provider's id for this request, fit to stand in a URL.
     QString toId() const;
@@ -30,7 +30,7 @@ struct ThumbnailRequest
     friend bool operator==(const ThumbnailRequest &, const ThumbnailRequest &) = default;
 };
 
-/// The same for QML. Any thread.
+/// The same for QML. GUI thread.
 class ThumbnailUrl : public QObject
 {
     Q_OBJECT
@@ -40,8 +40,12 @@ class ThumbnailUrl : public QObject
 public:
     using QObject::QObject;
 
-    /// The image source for the thumbnail of the file at `path`.
+    /// The image source for the thumbnail of the file at `path`; for `revision` see ThumbnailRevisions.
     Q_INVOKABLE QString source(const QString &path, int width, int height, int radius, int revision) const;
+
+    /// A source of the file at `path` was answered without a picture. The toolkit keeps that answer, for all
+    /// windows: from now on the file's sources are others, so that the next cell asks again.
+    Q_INVOKABLE void noteEmpty(const QString &path);
 };
 
 } // namespace Qorvane

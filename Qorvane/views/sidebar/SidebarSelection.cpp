@@ -45,13 +45,19 @@ void SidebarSelection::setId(const std::optional<QString> &id)
 
 void SidebarSelection::select(const std::optional<QString> &id)
 {
-    // No row is marked where the library shows what has none: a folder below a root that left it. To choose
-    // none leaves that too.
-    const bool isNews = m_id != id || (!id && hasLibrarySelection());
-    if (!isNews)
+    if (m_id == id && isInStep())
         return;
     setId(id);
     tellLibrary();
+}
+
+// The library may show what has no row: a folder below a root that left it. And it may have let go of a
+// folder whose row stays: a sub-folder that was taken out by itself, a favourite whose root left.
+bool SidebarSelection::isInStep() const
+{
+    if (!m_id)
+        return !hasLibrarySelection();
+    return hasLibrarySelection() || !isFolderOfLibrary() || !m_qorManager.folderForSidebarSelection(m_id);
 }
 
 bool SidebarSelection::hasLibrarySelection() const

@@ -24,7 +24,7 @@ public:
 
     const std::optional<QString> &id() const { return m_id; }
     /// The user's choice; none deselects whatever the library has selected. One that is chosen already
-    /// changes nothing.
+    /// changes nothing, unless the library has let go of it.
     void select(const std::optional<QString> &id);
 
 Q_SIGNALS:
@@ -42,6 +42,7 @@ private:
     void followTag();
     void followRating();
     void forgetLostFolder();
+    bool isInStep() const;
     bool hasLibrarySelection() const;
     bool isFolderOfLibrary() const;
 

@@ -198,8 +198,18 @@ TEST_F(MediaListModelTest, aChangedPictureConcernsItsRowAlone)
     ASSERT_TRUE(waitUntil([&changes] { return changes.count() == 1; }));
     EXPECT_EQ(changes.at(0).at(0).toModelIndex().row(), 1);
     EXPECT_EQ(changes.at(0).at(2).value<QList<int>>(), QList<int>{MediaListModel::RevisionRole});
-    EXPECT_EQ(model.index(0).data(MediaListModel::RevisionRole).toInt(), 0);
-    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(), 1);
+    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(),
+              model.index(0).data(MediaListModel::RevisionRole).toInt() + 1);
+}
+
+// The toolkit keeps pictures by their number when a window goes.
+TEST_F(MediaListModelTest, anotherWindowCountsOnFromWhereThisOneIs)
+{
+    NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"),
+                                             {{QStringLiteral("url"), QVariant::fromValue(file("b.jpg"))}});
+    drainMainQueue();
+    const ThumbnailRevisions later;
+    EXPECT_GT(later.revisionOf(file("b.jpg")), revisions.revisionOf(file("b.jpg")));
 }
 
 TEST_F(MediaListModelTest, aChangeBeforeTheFileIsListedCounts)
@@ -209,7 +219,8 @@ TEST_F(MediaListModelTest, aChangeBeforeTheFileIsListedCounts)
     NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"));
     drainMainQueue();
     model.setUrls({file("a.jpg"), file("b.jpg")});
-    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(), 1);
+    EXPECT_EQ(model.index(1).data(MediaListModel::RevisionRole).toInt(),
+              model.index(0).data(MediaListModel::RevisionRole).toInt() + 1);
 }
 
 TEST_F(MediaListModelTest, namesTheFirstSelectedRowInDisplayOrder)

@@ -1,5 +1,6 @@
 #include "platform/NotificationCenter.h"
 #include "views/GridFixture.h"
+#include "views/pictures/ThumbnailUrl.h"
 
 #include <QAccessible>
 #include <QFile>
@@ -167,12 +168,13 @@ TEST_F(PhotoGridTest, aChangedPictureIsLoadedAgainAndTheOldOneStaysUntilThen)
     green.fill(QColor(0, 200, 0));
     ASSERT_TRUE(green.save(cached));
     bool wasEmpty = false;
+    const int before = thumbnail(0)->property("shownRevision").toInt();
     QSignalSpy emptied(thumbnail(0), SIGNAL(isLoadedChanged()));
     NotificationCenter::defaultCenter().post(QStringLiteral("ImageTransformed"),
                                              {{QStringLiteral("url"), QVariant::fromValue(picture(0))}});
     EXPECT_TRUE(waitUntil([&] {
         wasEmpty = wasEmpty || !thumbnail(0)->property("isLoaded").toBool();
-        return thumbnail(0)->property("shownRevision").toInt() == 1;
+        return thumbnail(0)->property("shownRevision").toInt() == before + 1;
     }));
     waitForFrame();
     EXPECT_TRUE(waitUntil([&] {
@@ -182,6 +184,32 @@ TEST_F(PhotoGridTest, aChangedPictureIsLoadedAgainAndTheOldOneStaysUntilThen)
     EXPECT_FALSE(wasEmpty);
     EXPECT_EQ(emptied.count(), 0);
     EXPECT_GT(shownColour(1).red(), 150); // the other cell keeps its own
+}
+
+TEST_F(PhotoGridTest, aPictureThatCouldNotBeReadIsAskedForAnew)
+{
+    folder = makeFolder(QStringLiteral("Photos"), 2);
+    const FileUrl mended = picture(0);
+    const QString good = home.filePath(QStringLiteral("good.jpg"));
+    ASSERT_TRUE(QFile::rename(mended.path(), good));
+    QFile broken(mended.path());
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("not a picture");
+    broken.close();
+    const ThumbnailUrl sources;
+    const auto sourceOf = [&] { return sources.source(mended.path(), 200, 200, 8, 0); };
+    const QString before = sourceOf();
+    state.folderAdding()->add({QUrl::fromLocalFile(folder)});
+    ASSERT_TRUE(waitUntil([&] { return sourceOf() != before; }));
+    EXPECT_FALSE(thumbnail(0)->property("isLoaded").toBool());
+
+    ASSERT_TRUE(QFile::remove(mended.path()));
+    ASSERT_TRUE(QFile::rename(good, mended.path()));
+    clickSidebar(QStringLiteral("★"));
+    ASSERT_TRUE(waitUntil([this] { return state.pages()->photos()->count() == 0; }));
+    clickSidebar(QStringLiteral("Photos"));
+    EXPECT_TRUE(
+        waitUntil([this] { return cell("photoGrid", 0) && thumbnail(0)->property("isLoaded").toBool(); }));
 }
 
 TEST_F(PhotoGridTest, theSelectedOneIsRinged)

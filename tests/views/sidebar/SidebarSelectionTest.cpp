@@ -310,6 +310,35 @@ TEST_F(SidebarSelectionTest, aFolderWhoseRootGoesHasNoRowAndCanStillBeLeft)
     EXPECT_EQ(takeWrites(), QStringList()) << "nothing was left to deselect";
 }
 
+TEST_F(SidebarSelectionTest, aSubFolderTakenOutByItselfKeepsItsRowAndCanBeChosenAgain)
+{
+    QDir().mkpath(place.filePath(QStringLiteral("One/Sub")));
+    const Folder one = addFolder(QStringLiteral("One"));
+    ASSERT_TRUE(one.children && one.children->size() == 1);
+    const Folder sub = one.children->constFirst();
+    selection.select(rowOf(sub));
+    library.removeFolderFromLibrary(sub);
+    ASSERT_TRUE(waitUntil([this] { return !library.selectedFolder(); }));
+    EXPECT_EQ(selection.id(), rowOf(sub));
+    selection.select(rowOf(sub));
+    EXPECT_EQ(library.selectedFolder(), sub);
+}
+
+TEST_F(SidebarSelectionTest, aFavouriteWhoseRootGoesKeepsItsRowAndCanBeChosenAgain)
+{
+    const Folder one = addFolder(QStringLiteral("One"));
+    addFolder(QStringLiteral("Two"));
+    addFavorite(one);
+    selection.select(rowOf(one, "favorite"));
+    library.removeFolderFromLibrary(one);
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().size() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return !library.selectedFolder(); }));
+    EXPECT_EQ(selection.id(), rowOf(one, "favorite"));
+    takeWrites();
+    selection.select(rowOf(one, "favorite"));
+    EXPECT_EQ(library.selectedFolder(), one);
+}
+
 TEST_F(SidebarSelectionTest, aFolderWhoseRootGoesKeepsItsMarkAmongTheFavourites)
 {
     QDir().mkpath(place.filePath(QStringLiteral("One/Sub")));
