@@ -230,3 +230,21 @@ TEST_F(SearchResultsViewTest, aRatingDoesNotNarrowTheSearch)
     EXPECT_EQ(scopes, QList<QList<FileUrl>>{{}});
     EXPECT_TRUE(log.contains(QStringLiteral("🔍 搜索全部照片")));
 }
+
+TEST_F(SearchResultsViewTest, aSearchKeepsToTheSelectedFolder)
+{
+    showFolder(3);
+    const QString others = makeFolder(QStringLiteral("Others"), 2);
+    state.folderAdding()->add({QUrl::fromLocalFile(others)});
+    ASSERT_TRUE(waitUntil([this] { return library.libraryFolders().size() == 2; }));
+    clickSidebar(QStringLiteral("Others"));
+    const QList<FileUrl> itsFiles{FileUrl::file(fileUrl(others, 0)), FileUrl::file(fileUrl(others, 1))};
+    ASSERT_TRUE(waitUntil([&] { return library.imageURLs() == itsFiles; }));
+    const LogCapture log;
+    click(item("searchField"));
+    type(QStringLiteral("x"));
+    ASSERT_TRUE(waitUntil([this] { return item("noResultsPage")->isVisible(); }));
+    EXPECT_EQ(scopes, QList<QList<FileUrl>>{itsFiles});
+    EXPECT_EQ(log.linesStartingWith(QStringLiteral("🔍 在文件夹")),
+              QStringList{QStringLiteral("🔍 在文件夹 'Others' 下的 2 张照片中搜索")});
+}
