@@ -41,6 +41,20 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return item("fullPicture")->isVisible(); }));
     }
 
+    // So wide that the middle column is wider than its content may be.
+    void widenWindow()
+    {
+        window->resize(2600, 900);
+        ASSERT_TRUE(waitUntil([this] { return width("contentColumn") == 2600 - 530; }));
+    }
+    void expectInTheMiddle(const char *name) const
+    {
+        QQuickItem *const content = item(name);
+        EXPECT_TRUE(content->isVisible());
+        EXPECT_EQ(content->width(), 1200);
+        EXPECT_EQ(content->mapToScene(QPointF(600, 0)).x(), 230 + (2600 - 530) / 2);
+    }
+
     QString text(const char *name) const { return item(name)->property("text").toString(); }
 
     QObject *sortMenu() const { return window->findChild<QObject *>(QStringLiteral("sortMenu")); }
@@ -133,14 +147,30 @@ TEST_F(ContentColumnsTest, theShortcutsRestWhileAMenuIsOpen)
     EXPECT_TRUE(hasKeys("searchField"));
 }
 
-TEST_F(ContentColumnsTest, theContentOfAVeryWideWindowStaysInTheMiddle)
+TEST_F(ContentColumnsTest, thePhotographsOfAVeryWideWindowStayInTheMiddle)
 {
-    window->resize(2600, 900);
-    ASSERT_TRUE(waitUntil([this] { return width("contentColumn") == 2600 - 530; }));
+    widenWindow();
     addFolder(QStringLiteral("Photos"), 2);
-    QQuickItem *const grid = item("photoGrid");
-    EXPECT_EQ(grid->width(), 1200);
-    EXPECT_EQ(grid->mapToScene(QPointF(600, 0)).x(), 230 + (2600 - 530) / 2);
+    expectInTheMiddle("photoGrid");
+}
+
+TEST_F(ContentColumnsTest, theHitsOfAVeryWideWindowStayInTheMiddle)
+{
+    widenWindow();
+    const QString folder = addFolder(QStringLiteral("Photos"), 2);
+    found = {{FileUrl::file(fileUrl(folder, 1)), 0.4f, 0.1f}};
+    click(item("searchField"));
+    type(QStringLiteral("x"));
+    ASSERT_TRUE(waitUntil([this] { return item("resultsGrid")->isVisible(); }));
+    expectInTheMiddle("resultsGrid");
+}
+
+TEST_F(ContentColumnsTest, anOpenPictureOfAVeryWideWindowStaysInTheMiddle)
+{
+    widenWindow();
+    open(addFolder(QStringLiteral("Photos"), 2), 1);
+    expectInTheMiddle("inlineDetailView");
+    EXPECT_LT(width("fullPicture"), 1200);
 }
 
 TEST_F(ContentColumnsTest, controlICollapsesTheInspectorAndBringsItBack)
