@@ -2,12 +2,57 @@
 
 #include "views/ContentViewFixture.h"
 
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <semaphore>
+
 namespace Qorvane {
 
 /// The real window with a folder of photographs in its grid.
 class GridFixture : public ContentViewFixture
 {
 protected:
+    ~GridFixture() override { releaseThumbnails(); }
+
+    // From now on no thumbnail arrives.
+    void holdThumbnails()
+    {
+        const auto held = std::make_shared<std::atomic_int>(0);
+        for (int thread = 0; thread < thumbnailThreads; ++thread)
+            thumbnails->add(QStringLiteral("gate"), [held, gate = thumbnailGate] {
+                ++*held;
+                gate->acquire();
+                return PictureQueue::Delivery();
+            });
+        ASSERT_TRUE(waitUntil([&held] { return *held == thumbnailThreads; }));
+    }
+    void releaseThumbnails(int threads = thumbnailThreads) { thumbnailGate->release(threads); }
+
+    // Work for these files, asked for in this order while thumbnails are held: the order it is done in.
+    QStringList orderOfWork(const QStringList &paths)
+    {
+        struct Done
+        {
+            std::mutex mutex;
+            QStringList paths;
+        };
+        const auto done = std::make_shared<Done>();
+        for (const QString &path : paths)
+            thumbnails->add(path, [done, path] {
+                const std::scoped_lock lock(done->mutex);
+                done->paths.append(path);
+                return PictureQueue::Delivery();
+            });
+        releaseThumbnails(1); // two threads would overtake each other
+        const auto soFar = [&done] {
+            const std::scoped_lock lock(done->mutex);
+            return done->paths;
+        };
+        EXPECT_TRUE(waitUntil([&] { return soFar().size() == paths.size(); }));
+        return soFar();
+    }
+
     // Adds a folder of so many pictures and waits until its first cell can be clicked.
     void showFolder(int pictureCount)
     {
@@ -89,8 +134,24 @@ protected:
         const double top = target->mapToItem(item(grid), QPointF()).y();
         return top >= 0 && top + target->height() <= item(grid)->height();
     }
+    // -1 for none.
+    int firstInView(const char *grid) const
+    {
+        const int count = item(grid)->property("count").toInt();
+        for (int index = 0; index < count; ++index) {
+            if (isInView(grid, index))
+                return index;
+        }
+        return -1;
+    }
 
     QString folder;
+
+private:
+    static constexpr int thumbnailThreads = 2;
+    // Shared with the threads, for which nobody waits.
+    const std::shared_ptr<std::counting_semaphore<>> thumbnailGate =
+        std::make_shared<std::counting_semaphore<>>(0);
 };
 
 } // namespace Qorvane

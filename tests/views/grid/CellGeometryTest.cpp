@@ -1,8 +1,6 @@
 #include "platform/Localization.h"
 #include "views/GridFixture.h"
 
-#include <future>
-
 using namespace Qorvane;
 
 namespace {
@@ -13,24 +11,6 @@ const QColor white(Qt::white);
 class CellGeometryTest : public GridFixture
 {
 protected:
-    ~CellGeometryTest() override
-    {
-        if (isHeld)
-            gate.set_value();
-    }
-
-    // From now on no thumbnail arrives.
-    void holdThumbnails()
-    {
-        isHeld = true;
-        const std::shared_future<void> isOpen = gate.get_future().share();
-        for (int thread = 0; thread < 2; ++thread)
-            thumbnails->add(QStringLiteral("gate"), [isOpen] {
-                isOpen.wait();
-                return PictureQueue::Delivery();
-            });
-    }
-
     // A folder with a video, whose cell is the first, before so many pictures.
     void showFolderWithVideo(int pictureCount)
     {
@@ -107,9 +87,6 @@ protected:
         EXPECT_EQ(symbol->property("color").value<QColor>(), white);
         EXPECT_EQ(within(disc, symbol), QRectF(9, 9, 22, 22)); // in the size of a title, in the middle
     }
-
-    std::promise<void> gate;
-    bool isHeld = false;
 };
 
 } // namespace
@@ -174,6 +151,21 @@ TEST_F(CellGeometryTest, anEmptyCellIsAGroundOfItsOwn)
     const auto mixed = [](int channel) { return int(255 * 0.7 + channel * 0.3); };
     EXPECT_TRUE(isNear(shownAt(frame("resultsGrid", 0).center() + QPointF(40, 0)),
                        QColor(mixed(gray.red()), mixed(gray.green()), mixed(gray.blue()))));
+}
+
+TEST_F(CellGeometryTest, theMarkOfAnEmptyHitIsWhite)
+{
+    holdThumbnails();
+    showFolder(1);
+    const auto markColour = [this](const char *grid) {
+        QQuickItem *mark = nullptr;
+        EXPECT_TRUE(waitUntil([&] { return (mark = itemBelow(cell(grid, 0), "progress")) != nullptr; }))
+            << grid;
+        return mark ? mark->property("color").value<QColor>() : QColor();
+    };
+    EXPECT_EQ(markColour("photoGrid"), QColor(0x62, 0x62, 0x67));
+    showResults({0});
+    EXPECT_EQ(markColour("resultsGrid"), white);
 }
 
 TEST_F(CellGeometryTest, aVideoHasItsTwoBadgesInBothGrids)
