@@ -7,8 +7,6 @@
 #include <QSignalSpy>
 
 #include <algorithm>
-#include <chrono>
-#include <future>
 
 using namespace Qorvane;
 
@@ -350,13 +348,7 @@ TEST_F(PhotoGridTest, aFileWithoutAPictureKeepsItsMarkWhichStandsStill)
 
 TEST_F(PhotoGridTest, marksTurnInViewOnly)
 {
-    std::promise<void> gate;
-    const std::shared_future<void> isOpen = gate.get_future().share();
-    for (int thread = 0; thread < 2; ++thread)
-        thumbnails->add(QStringLiteral("gate"), [isOpen] {
-            isOpen.wait();
-            return PictureQueue::Delivery();
-        });
+    holdThumbnails();
     showFolder(60);
     int below = 0;
     while (isInView("photoGrid", below))
@@ -373,6 +365,17 @@ TEST_F(PhotoGridTest, marksTurnInViewOnly)
     EXPECT_FALSE(turns(far));
     setPosition("photoGrid", position("photoGrid") + 420);
     EXPECT_TRUE(turns(far));
-    gate.set_value();
+    releaseThumbnails();
     EXPECT_TRUE(waitUntil([&] { return thumbnail(far)->property("isLoaded").toBool(); }));
+}
+
+TEST_F(PhotoGridTest, thumbnailsInViewAreMadeFirst)
+{
+    holdThumbnails();
+    showFolder(60);
+    setPosition("photoGrid", 900);
+    const int inView = firstInView("photoGrid");
+    ASSERT_GT(inView, 0);
+    const QStringList files{picture(inView).path(), picture(0).path()};
+    EXPECT_EQ(orderOfWork(files), files) << "the last to be asked for came first";
 }

@@ -248,3 +248,18 @@ TEST_F(SearchResultsViewTest, aSearchKeepsToTheSelectedFolder)
     EXPECT_EQ(log.linesStartingWith(QStringLiteral("🔍 在文件夹")),
               QStringList{QStringLiteral("🔍 在文件夹 'Others' 下的 2 张照片中搜索")});
 }
+
+TEST_F(SearchResultsViewTest, thumbnailsOfHitsInViewAreMadeFirst)
+{
+    holdThumbnails();
+    showFolder(60);
+    QList<int> all;
+    for (int i = 0; i < 60; ++i)
+        all.append(i);
+    showResults(all);
+    setPosition("resultsGrid", 700);
+    const int inView = firstInView("resultsGrid");
+    ASSERT_GT(inView, 0);
+    const QStringList files{picture(inView).path(), picture(0).path()};
+    EXPECT_EQ(orderOfWork(files), files) << "the last to be asked for came first";
+}
