@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <future>
 #include <memory>
 
 using namespace Qorvane;
@@ -123,54 +122,4 @@ TEST(ThumbnailProvider, answersAFileWithoutAThumbnailWithAClearPixel)
     ASSERT_TRUE(texture);
     EXPECT_EQ(texture->image().size(), QSize(1, 1));
     EXPECT_EQ(texture->image().pixelColor(0, 0).alpha(), 0);
-}
-
-TEST(ThumbnailProvider, aCancelledRequestIsNotLoadedButFinishes)
-{
-    std::promise<void> gate;
-    std::promise<void> held;
-    std::atomic_int loads = 0;
-    const EndOfWork end;
-    auto queue = std::make_shared<PictureQueue>(1);
-    ThumbnailProvider provider(queue, [&loads](const QString &) {
-        ++loads;
-        return QImage();
-    });
-    queue->add(QStringLiteral("gate"), [&] {
-        held.set_value();
-        gate.get_future().wait();
-        return PictureQueue::Delivery();
-    });
-    held.get_future().wait();
-    const std::unique_ptr<QQuickImageResponse> response(
-        provider.requestImageResponse(request.toId(), QSize(200, 200)));
-    QSignalSpy finished(response.get(), &QQuickImageResponse::finished);
-    response->cancel();
-    gate.set_value();
-    ASSERT_TRUE(waitUntil([&] { return finished.count() == 1; }));
-    EXPECT_EQ(loads.load(), 0);
-}
-
-TEST(ThumbnailProvider, aResponseMayGoBeforeItsPicture)
-{
-    std::promise<void> gate;
-    std::promise<void> held;
-    std::atomic_bool isDelivered = false;
-    const EndOfWork end;
-    auto queue = std::make_shared<PictureQueue>(1);
-    ThumbnailProvider provider(queue, [&](const QString &) {
-        held.set_value();
-        gate.get_future().wait();
-        return halves(QSize(10, 10), Qt::red, Qt::blue);
-    });
-    std::unique_ptr<QQuickImageResponse> response(
-        provider.requestImageResponse(request.toId(), QSize(200, 200)));
-    held.get_future().wait();
-    response.reset();
-    queue->add(QStringLiteral("after"), [&isDelivered] {
-        isDelivered = true;
-        return PictureQueue::Delivery();
-    });
-    gate.set_value();
-    EXPECT_TRUE(waitUntil([&] { return isDelivered.load(); }));
 }
