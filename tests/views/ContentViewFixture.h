@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -62,6 +63,20 @@ protected:
         const QList<SearchResult> hits = found; // GCC 12 would move the member itself out
         co_return hits;
     }
+
+    /// A value of the theme; none for a name that it doesn't have.
+    QVariant themed(const char *name)
+    {
+        QQmlComponent component(&engine);
+        component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
+                          QUrl());
+        const std::unique_ptr<QObject> holder(component.create());
+        const auto *const theme = holder ? holder->property("theme").value<QObject *>() : nullptr;
+        const QVariant value = theme ? theme->property(name) : QVariant();
+        EXPECT_TRUE(value.isValid()) << name;
+        return value;
+    }
+    QColor themedColor(const char *name) { return themed(name).value<QColor>(); }
 
     // A folder of small pictures, each in a colour of its own.
     QString makeFolder(const QString &name, int pictureCount)

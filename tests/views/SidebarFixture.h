@@ -82,26 +82,6 @@ protected:
         QAccessibleInterface *const interface = QAccessible::queryAccessibleInterface(target);
         return interface ? interface->text(kind) : QString();
     }
-
-    static QList<QQuickItem *> allBelow(QQuickItem *top)
-    {
-        QList<QQuickItem *> items{top};
-        for (QQuickItem *const child : top->childItems())
-            items += allBelow(child);
-        return items;
-    }
-
-    /// Every text that a row shows.
-    static QStringList textsOf(QQuickItem *top)
-    {
-        QStringList texts;
-        for (QQuickItem *const item : allBelow(top)) {
-            if (item->isVisible() && item->inherits("QQuickLabel") &&
-                !item->property("text").toString().isEmpty())
-                texts.append(item->property("text").toString());
-        }
-        return texts;
-    }
 };
 
 } // namespace Qorvane

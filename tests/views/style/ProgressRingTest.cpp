@@ -2,6 +2,7 @@
 
 #include "support/Waiting.h"
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QPainter>
 #include <QQuickWindow>
@@ -136,6 +137,33 @@ TEST(ProgressRing, sweepsFromOneProgressToTheNextAgainAndAgain)
     EXPECT_GE(ring.shownProgress(), 0.4);
     EXPECT_LE(ring.shownProgress(), 0.8);
     EXPECT_TRUE(ring.isSweeping());
+}
+
+TEST(ProgressRing, sweepsEvenly)
+{
+    constexpr int duration = 60 * second; // no turn of it ends during the test
+    constexpr int enoughSteps = 15;
+    ProgressRing ring;
+    ring.setSweepDuration(duration);
+    // The ring's own time begins between these two, and each of its steps is taken between two looks.
+    QElapsedTimer fromBefore;
+    QElapsedTimer fromAfter;
+    fromBefore.start();
+    ring.setProgress(1);
+    fromAfter.start();
+    int steps = 0;
+    qint64 earliest = 0;
+    double last = ring.shownProgress();
+    EXPECT_TRUE(waitUntil([&] {
+        if (const double shown = ring.shownProgress(); shown != last) {
+            EXPECT_GE(shown, double(earliest) / duration);
+            EXPECT_LE(shown, double(fromBefore.elapsed()) / duration);
+            last = shown;
+            ++steps;
+        }
+        earliest = fromAfter.elapsed();
+        return steps == enoughSteps;
+    }));
 }
 
 TEST(ProgressRing, goesBackAtOnce)

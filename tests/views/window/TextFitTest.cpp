@@ -1,7 +1,6 @@
-#include "platform/Languages.h"
-#include "platform/Localization.h"
 #include "store/EmbeddingStore.h"
 #include "views/ContentViewFixture.h"
+#include "views/InLanguage.h"
 
 #include <algorithm>
 
@@ -9,27 +8,16 @@ using namespace Qorvane;
 
 namespace {
 
-/// The interface in one of its languages, which has to be in before the window is made.
-class InLanguage : public testing::WithParamInterface<const char *>
-{
-protected:
-    InLanguage()
-    {
-        const QString language = QLatin1String(GetParam());
-        Languages::overrideForTests({language}, language.left(2));
-        Localization::install();
-    }
-    virtual ~InLanguage()
-    {
-        Localization::remove();
-        Languages::endOverrideForTests();
-    }
-};
-
 /// Every text of the interface has the room it needs, in the smallest window too.
-class TextFitTest : public InLanguage, public ContentViewFixture
+class TextFitTest : public testing::WithParamInterface<const char *>,
+                    protected InLanguage,
+                    public ContentViewFixture
 {
 protected:
+    TextFitTest()
+        : InLanguage(QLatin1String(GetParam()))
+    {
+    }
     ~TextFitTest() override { EmbeddingStore::shared().deleteTagGlobally(QStringLiteral("Beach")); }
 
     void SetUp() override
