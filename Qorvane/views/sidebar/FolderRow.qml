@@ -80,7 +80,7 @@ Item {
             isInView: row.isInView
             standsOnAccent: row.isSelected
             hasCaption: row.nameRoom - fullWidth >= Math.min(label.implicitWidth, row.shortestName)
-            visible: width > 0
+            visible: row.runState !== SidebarListModel.Idle
         }
 
         Icon {

@@ -1,7 +1,6 @@
 #include "views/SidebarFixture.h"
 #include "views/style/ProgressRing.h"
 
-#include <QQmlComponent>
 #include <QSignalSpy>
 
 using namespace Qorvane;
@@ -39,14 +38,6 @@ TEST_F(SidebarRunsTest, eachStateOfARunHasItsColour)
 {
     const QString path = addEmptyFolder(QStringLiteral("Photos"));
     state.sidebar()->deselect();
-    QQmlComponent component(&engine);
-    component.setData("import QtQml\nimport QorvaneStyle\nQtObject { property QtObject theme: Theme }",
-                      QUrl());
-    const std::unique_ptr<QObject> holder(component.create());
-    ASSERT_TRUE(holder);
-    const auto *const theme = holder->property("theme").value<QObject *>();
-    ASSERT_TRUE(theme);
-    const auto colour = [theme](const char *name) { return theme->property(name).value<QColor>(); };
     QQuickItem *const photos = row(QStringLiteral("Photos"));
     auto *const ring = photos->findChild<ProgressRing *>();
     ASSERT_TRUE(ring);
@@ -61,22 +52,48 @@ TEST_F(SidebarRunsTest, eachStateOfARunHasItsColour)
     };
     for (const auto &[stage, name] : {std::pair(FolderProcessingState::thumbnails, "orange"),
                                       std::pair(FolderProcessingState::vectors, "blue")}) {
+        const QColor colour = themedColor(name);
         library.setProcessing(path, stage, 0.5, std::nullopt);
-        EXPECT_TRUE(waitUntil([&] { return ring->isVisible() && ring->color() == colour(name); })) << name;
-        EXPECT_EQ(captionColour(), colour(name));
+        EXPECT_TRUE(waitUntil([&] { return ring->isVisible() && ring->color() == colour; })) << name;
+        EXPECT_EQ(captionColour(), colour);
         EXPECT_FALSE(itemBelow(photos, "completedMark"));
     }
     library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
     ASSERT_TRUE(waitUntil([&] { return itemBelow(photos, "completedMark") != nullptr; }));
     EXPECT_FALSE(ring->isVisible());
     QQuickItem *const mark = itemBelow(photos, "completedMark")->childItems().constFirst();
-    EXPECT_EQ(mark->property("color").value<QColor>(), colour("green"));
+    EXPECT_EQ(mark->property("color").value<QColor>(), themedColor("green"));
     click(photos);
-    const QColor ink = colour("accentInk");
+    const QColor ink = themedColor("accentInk");
     EXPECT_EQ(mark->property("color").value<QColor>(), ink) << "selected, everything is in one ink";
     library.setProcessing(path, FolderProcessingState::idle, 0, std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return !itemBelow(photos, "completedMark"); }));
     EXPECT_FALSE(ring->isVisible());
+}
+
+TEST_F(SidebarRunsTest, belowARootThatIsThroughWithItsRunNoFolderHasACheckMark)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    const QString childPath = path + QStringLiteral("/2024");
+    click(itemBelow(row(QStringLiteral("Photos")), "disclosure"));
+    const auto isChecked = [this](const char *name) {
+        return itemBelow(row(QString::fromLatin1(name)), "completedMark") != nullptr;
+    };
+    auto *const childRing = row(QStringLiteral("2024"))->findChild<ProgressRing *>();
+    ASSERT_TRUE(childRing);
+    library.setProcessing(childPath, FolderProcessingState::vectors, 0.5, std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return childRing->isVisible(); }));
+    library.setProcessing(childPath, FolderProcessingState::completed, 1, std::nullopt);
+    ASSERT_TRUE(waitUntil([&] { return !childRing->isVisible(); }));
+    EXPECT_TRUE(isChecked("Photos"));
+    EXPECT_FALSE(isChecked("2024")) << "the root's says it";
+
+    library.setProcessing(path, FolderProcessingState::vectors, 0.5, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return isChecked("2024"); }));
+    EXPECT_FALSE(isChecked("Photos"));
+    library.setProcessing(path, FolderProcessingState::completed, 1, std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return isChecked("Photos"); }));
+    EXPECT_FALSE(isChecked("2024"));
 }
 
 TEST_F(SidebarRunsTest, aRunThatIsScrolledAwayDrawsNothing)
