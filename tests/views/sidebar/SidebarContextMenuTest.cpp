@@ -1,3 +1,6 @@
+#include "platform/GlobalQueue.h"
+#include "support/RecordingApplication.h"
+#include "views/InLanguage.h"
 #include "views/SidebarFixture.h"
 
 using namespace Qorvane;
@@ -42,9 +45,119 @@ protected:
         click(popupItem(entry));
         ASSERT_TRUE(waitUntil([this] { return !isOpen(); }));
     }
+
+    QObject *menu() const { return window->findChild<QObject *>(QStringLiteral("sidebarMenu")); }
+
+    /// What the menu of a row shows.
+    QStringList shownFor(QQuickItem *target)
+    {
+        openMenuOf(target);
+        const QStringList shown = shownBy(menu());
+        press(Qt::Key_Escape);
+        EXPECT_TRUE(waitUntil([this] { return !isOpen(); }));
+        return shown;
+    }
+};
+
+/// The same for an English reader.
+class EnglishSidebarContextMenuTest : private InLanguage, public SidebarContextMenuTest
+{
+protected:
+    EnglishSidebarContextMenuTest()
+        : InLanguage(QStringLiteral("en-US"))
+    {
+    }
+};
+
+/// The same on a desktop whose file manager is the test's.
+class SidebarFolderOpeningTest : public SidebarContextMenuTest
+{
+protected:
+    // Once for all: the library that reads the desktop entries notices new ones only after a while.
+    static void SetUpTestSuite()
+    {
+        s_folder = std::make_unique<QTemporaryDir>();
+        s_fileManager = std::make_unique<RecordingApplication>(s_folder->path());
+        writeFile(applications() + QStringLiteral("/org.example.Files.desktop"),
+                  s_fileManager->entry("inode/directory;"));
+        writeFile(applications() + QStringLiteral("/mimeapps.list"),
+                  "[Default Applications]\ninode/directory=org.example.Files.desktop\n");
+    }
+    static void TearDownTestSuite()
+    {
+        s_fileManager.reset();
+        s_folder.reset();
+    }
+
+    ~SidebarFolderOpeningTest() override
+    {
+        GlobalQueue::waitUntilIdle();
+        s_fileManager->forget();
+    }
+
+    /// What the file manager was asked to open.
+    QStringList openedFrom(QQuickItem *target)
+    {
+        s_fileManager->forget();
+        openMenuOf(target);
+        choose("openInFinder");
+        EXPECT_TRUE(s_fileManager->waitUntilStarted());
+        QStringList paths;
+        for (const QString &argument : s_fileManager->arguments())
+            paths.append(localPath(argument));
+        return paths;
+    }
+
+    static inline std::unique_ptr<QTemporaryDir> s_folder;
+    static inline std::unique_ptr<RecordingApplication> s_fileManager;
 };
 
 } // namespace
+
+// First in this program, so that no desktop entry has been looked for yet.
+TEST_F(SidebarFolderOpeningTest, theFileManagerIsAskedForTheRowsOwnFolder)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Été #1 100%"), {QStringLiteral("2024")});
+    click(itemBelow(row(QStringLiteral("Été #1 100%")), "disclosure"));
+    EXPECT_EQ(openedFrom(row(QStringLiteral("Été #1 100%"))), QStringList{path});
+    const QString child = path + QStringLiteral("/2024");
+    EXPECT_EQ(openedFrom(row(QStringLiteral("2024"))), QStringList{child});
+    addFavorite(child);
+    EXPECT_EQ(openedFrom(row(QStringLiteral("2024"), SidebarRow::Kind::favorite)), QStringList{child});
+}
+
+TEST_F(EnglishSidebarContextMenuTest, eachKindOfRowHasItsEntries)
+{
+    const QString path = addEmptyFolder(QStringLiteral("Photos"), {QStringLiteral("2024")});
+    giveTags({QStringLiteral("Beach")});
+    click(itemBelow(row(QStringLiteral("Photos")), "disclosure"));
+    const QStringList ofAFolder{"Add to Favorites", "-", "Open in File Manager", "-", "Delete"};
+    EXPECT_EQ(shownFor(row(QStringLiteral("Photos"))), ofAFolder);
+    EXPECT_EQ(shownFor(row(QStringLiteral("2024"))), ofAFolder) << "a sub-folder";
+    EXPECT_EQ(shownFor(row(QStringLiteral("Beach"), SidebarRow::Kind::tag)), QStringList{"Delete"});
+
+    addFavorite(path);
+    addFavorite(path + QStringLiteral("/2024"));
+    const QStringList ofAFavouriteFolder{"Remove from Favorites", "-", "Open in File Manager", "-", "Delete"};
+    const QStringList ofAFavourite{"Remove from Favorites", "-", "Open in File Manager"};
+    for (const char *name : {"Photos", "2024"}) {
+        EXPECT_EQ(shownFor(row(QString::fromLatin1(name))), ofAFavouriteFolder) << name;
+        EXPECT_EQ(shownFor(row(QString::fromLatin1(name), SidebarRow::Kind::favorite)), ofAFavourite) << name;
+    }
+}
+
+TEST_F(SidebarContextMenuTest, deleteAloneIsDrawnAsWhatTakesSomethingAway)
+{
+    addEmptyFolder(QStringLiteral("Photos"));
+    openMenuOf(row(QStringLiteral("Photos")));
+    const QColor red = themedColor("destructive");
+    const QColor ink = themedColor("text");
+    for (const auto &[entry, colour] :
+         {std::pair("addToFavorites", ink), std::pair("openInFinder", ink), std::pair("delete", red)})
+        EXPECT_EQ(labelsOf(popupItem(entry)).value(0)->property("color").value<QColor>(), colour) << entry;
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(waitUntil([this] { return !isOpen(); }));
+}
 
 TEST_F(SidebarContextMenuTest, theMenuOfAFolderAddsItToTheFavouritesAndTakesItOut)
 {
