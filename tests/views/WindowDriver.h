@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Printing.h"
+
 #include <QMap>
 #include <QQuickItem>
 #include <QQuickWindow>

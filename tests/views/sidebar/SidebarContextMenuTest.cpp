@@ -119,11 +119,11 @@ TEST_F(SidebarFolderOpeningTest, theFileManagerIsAskedForTheRowsOwnFolder)
 {
     const QString path = addEmptyFolder(QStringLiteral("Été #1 100%"), {QStringLiteral("2024")});
     click(itemBelow(row(QStringLiteral("Été #1 100%")), "disclosure"));
-    EXPECT_EQ(openedFrom(row(QStringLiteral("Été #1 100%"))), QStringList{path});
+    ASSERT_EQ(openedFrom(row(QStringLiteral("Été #1 100%"))), QStringList{path});
     const QString child = path + QStringLiteral("/2024");
-    EXPECT_EQ(openedFrom(row(QStringLiteral("2024"))), QStringList{child});
+    ASSERT_EQ(openedFrom(row(QStringLiteral("2024"))), QStringList{child});
     addFavorite(child);
-    EXPECT_EQ(openedFrom(row(QStringLiteral("2024"), SidebarRow::Kind::favorite)), QStringList{child});
+    ASSERT_EQ(openedFrom(row(QStringLiteral("2024"), SidebarRow::Kind::favorite)), QStringList{child});
 }
 
 TEST_F(EnglishSidebarContextMenuTest, eachKindOfRowHasItsEntries)
