@@ -2,11 +2,23 @@
 
 #include "platform/FileUrl.h"
 
+#include <memory>
+
 namespace Qorvane {
+
+namespace {
+
+// Never taken down: work in the background may still ask when static objects go.
+const QSet<QString> &lasting(const QSet<QString> &extensions)
+{
+    return *std::make_unique<const QSet<QString>>(extensions).release();
+}
+
+} // namespace
 
 const QSet<QString> &supportedImageExtensions()
 {
-    static const QSet<QString> extensions = {
+    static const QSet<QString> &extensions = lasting({
         QStringLiteral("jpg"),  QStringLiteral("jpeg"), QStringLiteral("png"),  QStringLiteral("gif"),
         QStringLiteral("webp"), QStringLiteral("tiff"), QStringLiteral("tif"),  QStringLiteral("heic"),
         QStringLiteral("heif"), QStringLiteral("cr3"),  QStringLiteral("cr2"),  QStringLiteral("crw"),
@@ -21,19 +33,19 @@ const QSet<QString> &supportedImageExtensions()
         QStringLiteral("jpx"),  QStringLiteral("fpx"),  QStringLiteral("pict"), QStringLiteral("pic"),
         QStringLiteral("qtif"), QStringLiteral("sgi"),  QStringLiteral("tga"),  QStringLiteral("pnm"),
         QStringLiteral("pbm"),  QStringLiteral("pgm"),  QStringLiteral("ppm"),  QStringLiteral("hdr"),
-    };
+    });
     return extensions;
 }
 
 const QSet<QString> &supportedVideoExtensions()
 {
-    static const QSet<QString> extensions = {
+    static const QSet<QString> &extensions = lasting({
         QStringLiteral("mp4"),  QStringLiteral("m4v"),  QStringLiteral("mov"),  QStringLiteral("avi"),
         QStringLiteral("mkv"),  QStringLiteral("wmv"),  QStringLiteral("flv"),  QStringLiteral("webm"),
         QStringLiteral("hevc"), QStringLiteral("h265"), QStringLiteral("qt"),   QStringLiteral("f4v"),
         QStringLiteral("asf"),  QStringLiteral("ogv"),  QStringLiteral("3gp"),  QStringLiteral("3g2"),
         QStringLiteral("mxf"),  QStringLiteral("r3d"),  QStringLiteral("braw"),
-    };
+    });
     return extensions;
 }
 
