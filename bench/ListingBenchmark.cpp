@@ -4,6 +4,7 @@
 #include "library/MediaListing.h"
 #include "library/SortingRules.h"
 #include "support/Costs.h"
+#include "support/Require.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -12,8 +13,6 @@
 #include <dirent.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 using namespace Qorvane;
 
@@ -21,14 +20,6 @@ namespace {
 
 constexpr int fileCount = 50'000;
 constexpr int rounds = 15;
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
-}
 
 QString fillFolder(const QTemporaryDir &home)
 {

@@ -5,6 +5,7 @@
 #include "semantic/VectorScorer.h"
 #include "store/EmbeddingStore.h"
 #include "support/Costs.h"
+#include "support/Require.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -16,7 +17,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
@@ -29,14 +29,6 @@ namespace {
 constexpr int rowCount = 100'000;
 constexpr std::size_t vectorLength = 512;
 constexpr qsizetype resultLimit = 20; // what the search field asks for
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
-}
 
 std::vector<float> unitVector(std::mt19937 &random)
 {

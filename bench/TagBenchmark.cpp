@@ -3,6 +3,7 @@
 
 #include "store/EmbeddingStore.h"
 #include "support/Costs.h"
+#include "support/Require.h"
 #include "support/SqliteShell.h"
 
 #include <QTemporaryDir>
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,14 +26,6 @@ namespace {
 constexpr int suggestionLimit = 5; // what the tag field asks for
 constexpr int countedTags = 500;   // one count is too short to be measured alone
 constexpr int rounds = 15;
-
-void require(bool condition, const char *what)
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "%s\n", what);
-    std::exit(1);
-}
 
 // 250,000 files with four of 5,000 tags each, and one to five stars. The tags begin with different letters.
 constexpr char fillStatements[] = R"sql(
